@@ -1,0 +1,1 @@
+// Host placeholder until the document model lands.

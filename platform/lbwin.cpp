@@ -1,0 +1,1 @@
+// The platform window layer; see platform/include/lbwin.h.
