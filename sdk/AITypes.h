@@ -16,20 +16,28 @@ using ASBoolean = AIBoolean;
 using SPBoolean = AIBoolean;
 using AIReal = double;
 
+// A four-character code as a 32-bit value, first character in the high byte.
+constexpr int32_t AIFourCC(const char (&s)[5]) {
+  return static_cast<int32_t>((static_cast<uint32_t>(static_cast<unsigned char>(s[0])) << 24) |
+                              (static_cast<uint32_t>(static_cast<unsigned char>(s[1])) << 16) |
+                              (static_cast<uint32_t>(static_cast<unsigned char>(s[2])) << 8) |
+                              static_cast<uint32_t>(static_cast<unsigned char>(s[3])));
+}
+
 // Error codes. Zero is success; everything else is a host error. Codes are
 // four-character constants, as the host publishes them.
 constexpr AIErr kNoErr = 0;
 constexpr AIErr kSPNoError = 0;
-constexpr AIErr kBadParameterErr = 'PARM';
-constexpr AIErr kOutOfMemoryErr = '!MEM';
-constexpr AIErr kSPSuiteNotFoundError = 'S!Fd';
-constexpr AIErr kNotImplementedErr = '!IMP';
-constexpr AIErr kCantHappenErr = 'CANT';
-constexpr AIErr kNoSuchArtErr = '!ART';
-constexpr AIErr kWrongArtTypeErr = 'TYPE';
-constexpr AIErr kIterAtEndErr = 'IEND';
-constexpr AIErr kNoSuchResourceErr = '!RES';
-constexpr AIErr kNoPanelErr = '!PNL';
+constexpr AIErr kBadParameterErr = AIFourCC("PARM");
+constexpr AIErr kOutOfMemoryErr = AIFourCC("!MEM");
+constexpr AIErr kSPSuiteNotFoundError = AIFourCC("S!Fd");
+constexpr AIErr kNotImplementedErr = AIFourCC("!IMP");
+constexpr AIErr kCantHappenErr = AIFourCC("CANT");
+constexpr AIErr kNoSuchArtErr = AIFourCC("!ART");
+constexpr AIErr kWrongArtTypeErr = AIFourCC("TYPE");
+constexpr AIErr kIterAtEndErr = AIFourCC("IEND");
+constexpr AIErr kNoSuchResourceErr = AIFourCC("!RES");
+constexpr AIErr kNoPanelErr = AIFourCC("!PNL");
 
 struct AIRealPoint {
   AIReal h;

@@ -23,7 +23,7 @@ struct SPMessageData {
   SPBasicSuite* basic;  // the basic suite
 };
 
-constexpr int32_t kSPValidSPMessageData = 'SPCk';
+constexpr int32_t kSPValidSPMessageData = AIFourCC("SPCk");
 
 struct SPInterfaceMessage {
   SPMessageData d;
