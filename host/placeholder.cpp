@@ -1,1 +1,0 @@
-// Host placeholder until the document model lands.
