@@ -1,0 +1,14 @@
+// Operations of this family that are not built yet: each is declared by
+// the dispatcher and changes nothing until its real implementation
+// replaces it here.
+#include "Operations.h"
+
+namespace lb::align {
+int NodesAlign(long, long) { return 0; }
+}
+namespace lb::align {
+int NodesSpreadAlongPath(long, long, int) { return 0; }
+}
+namespace lb::align {
+int Turn180() { return 0; }
+}

@@ -1,0 +1,28 @@
+// Operations of this family that are not built yet: each is declared by
+// the dispatcher and changes nothing until its real implementation
+// replaces it here.
+#include "Operations.h"
+
+int MeshSwapCornerNodeAndVertex() { return 0; }
+int KnotsSplit() { return 0; }
+int KnotsDel(int) { return 0; }
+int MeshSegmentsJoin() { return 0; }
+int VerticesDel(int) { return 0; }
+namespace lb::dens {
+int Mul(long, long) { return 0; }
+}
+namespace lb::dens {
+int Div(long, long) { return 0; }
+}
+namespace lb::dir {
+int Rotate(int) { return 0; }
+}
+namespace lb::dir {
+int Flip(AIMeshAxis) { return 0; }
+}
+namespace lb::uv {
+int ResetLinear() { return 0; }
+}
+namespace lb::uv {
+int ResetRelative() { return 0; }
+}
