@@ -19,7 +19,8 @@ Counters& liveCounters();
 
 // Each group of suites registers itself; Host's constructor calls all three.
 void registerFrameSuites();     // basic, access, plug-ins, blocks, context, menu, notifier,
-                                // user, Unicode string, data filter, panel, UI theme
+                                // user, Unicode string, data filter; calls registerPanelSuites()
+void registerPanelSuites();     // panel, UI theme
 void registerDocumentSuites();  // art, path, path style, art style, blend style, matching
                                 // art, MdMemory, real math, real Bezier, random, raster, placed
 void registerMeshSuites();      // mesh, vertex, segment, selection, patch, hit
