@@ -27,8 +27,6 @@ struct ArtImage {
   int16_t bits = 8;                 // bits per channel: 8 or 16 (16 is big-endian)
   AIRealMatrix matrix{1, 0, 0, 1, 0, 0};
   std::vector<uint8_t> pixels;      // rows top first, channels in space order, alpha last
-  bool fillPaint = false;           // colourises a gray image when painted
-  AIColor fill{kGrayColor, {}};
   int16_t placedType = kPlacedImageType;  // placed art only
 
   int channels() const;             // colour channels plus alpha
@@ -55,7 +53,9 @@ struct ArtObject {
   std::vector<AIPathSegment> segments;
   std::vector<int16_t> segmentSelection;  // one AIPathSegmentSelectionState per segment
   bool closed = false;
-  AIPathStyle style{};  // fill and stroke (paths)
+  // Fill and stroke of a path; for raster and placed art the fill
+  // colourises a gray image when painted.
+  AIPathStyle style{};
 
   // Raster and placed art.
   ArtImage image;
@@ -164,6 +164,10 @@ class Document {
   std::vector<std::unique_ptr<ArtObject>>& siblingsOf(const ArtObject* art);
   const std::vector<std::unique_ptr<ArtObject>>& siblingsOf(const ArtObject* art) const;
   std::unique_ptr<ArtObject> detach(ArtObject* art);
+  struct Target;
+  // Where (paintOrder, prep) puts `moving`; refuses without changing anything.
+  AIErr resolve(int16_t paintOrder, ArtObject* prep, const ArtObject* moving, Target& t);
+  ArtObject* place(std::unique_ptr<ArtObject> art, const Target& t);
   AIErr insert(std::unique_ptr<ArtObject> art, int16_t paintOrder, ArtObject* prep, ArtObject** out);
   void registerTree(ArtObject* art);
   void unregisterTree(const ArtObject* art);
