@@ -180,4 +180,8 @@ struct AIPlacedSuite {
   AIErr (*GetPlacedMatrix)(AIArtHandle placed, AIRealMatrix* matrix);
   AIErr (*GetPlacedInfo)(AIArtHandle placed, AIRasterRecord* info);
   AIErr (*GetPlacedPixel)(AIArtHandle placed, int32_t x, int32_t row, AIReal* channels);
+  // Replaces a placed image (placed type 1) by native raster art with the
+  // same pixels, matrix and place in the paint order; *native is the new
+  // raster and the placed handle is no longer valid.
+  AIErr (*ConvertToNative)(AIArtHandle placed, AIArtHandle* native);
 };
