@@ -1,0 +1,177 @@
+#include "MeshSelection.h"
+
+#include <algorithm>
+
+using lb::s::sMesh;
+using lb::s::sMeshSelection;
+
+AIErr GetSelectedMeshes(AIArtHandle*** meshes, int32_t* count) {
+  *meshes = nullptr;
+  *count = 0;
+  AIMatchingArtSpec spec{kMeshArt, kArtSelected, kArtSelected};
+  return lb::s::sAIMatchingArt->GetMatchingArt(&spec, 1, meshes, count);
+}
+
+SelectedMeshList::SelectedMeshList() {
+  if (GetSelectedMeshes(&m_hMeshes, &m_nCount) != kNoErr || !m_hMeshes) {
+    if (m_hMeshes) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hMeshes));
+    m_hMeshes = nullptr;
+    m_nCount = 0;
+  }
+}
+
+SelectedMeshList::~SelectedMeshList() {
+  if (m_hMeshes) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hMeshes));
+}
+
+int ZF_GetSelSidesAndNodes(AIArtHandle mesh, int* sides, int* nodes) {
+  try {
+    SelectionRef sel = GetSelectionRef(mesh);
+    int32_t I = 0, J = 0;
+    ThrowIfErr(sMesh->GetSize(mesh, &I, &J));
+    int s[4] = {0, 0, 0, 0};
+    int c[4] = {0, 0, 0, 0};
+    const int32_t ci[4] = {0, I, I, 0};
+    const int32_t cj[4] = {0, 0, J, J};
+    for (int k = 0; k < 4; ++k) {
+      VertexRef corner = GetNodeRef(mesh, ci[k], cj[k]);
+      if (sMeshSelection->ContainsVertex(sel, corner)) c[k] = 1;
+    }
+    // Side walks between their corners, corners excluded: 0, 2 along I,
+    // then 1, 3 along J.
+    struct Walk {
+      int side, from, to;
+      AIMeshAxis axis;
+    };
+    const Walk walks[4] = {{0, 0, 1, kAIMeshIAxis},
+                           {2, 3, 2, kAIMeshIAxis},
+                           {1, 1, 2, kAIMeshJAxis},
+                           {3, 0, 3, kAIMeshJAxis}};
+    for (const Walk& w : walks) {
+      WalkLine(
+          mesh, ci[w.from], cj[w.from], ci[w.to], cj[w.to], w.axis,
+          [&](AIMeshVertexIterator v) {
+            if (!sMeshSelection->ContainsVertex(sel, v)) return true;
+            s[w.side] = 1;
+            return false;
+          },
+          false);
+    }
+    // A side one cell long has no vertex of its own to select unless it
+    // was split; both its corners then stand for it.
+    if (I == 1) {
+      if (c[0] && c[1]) s[0] = 1;
+      if (c[2] && c[3]) s[2] = 1;
+    }
+    if (J == 1) {
+      if (c[1] && c[2]) s[1] = 1;
+      if (c[3] && c[0]) s[3] = 1;
+    }
+    if (sides) std::copy(s, s + 4, sides);
+    if (nodes) std::copy(c, c + 4, nodes);
+    return 0;
+  } catch (int) {
+    return 1;
+  }
+}
+
+int CMeshRegion::GetMeshReg(AIArtHandle mesh) {
+  try {
+    SelectionRef sel = GetSelectionRef(mesh);
+    int32_t I = 0, J = 0;
+    ThrowIfErr(sMesh->GetSize(mesh, &I, &J));
+    int32_t minI = I, maxI = 0, minJ = J, maxJ = 0;
+    if (sMeshSelection->IsFull(sel)) {
+      minI = 0, maxI = I, minJ = 0, maxJ = J;
+    } else {
+      VertexRef node;
+      for (int32_t i = 0; i <= I; ++i) {
+        for (int32_t j = 0; j <= J; ++j) {
+          ThrowIfErr(sMesh->GetNode(mesh, i, j, node.put()));
+          if (!sMeshSelection->ContainsVertex(sel, node)) continue;
+          minI = std::min(minI, i);
+          maxI = std::max(maxI, i);
+          minJ = std::min(minJ, j);
+          maxJ = std::max(maxJ, j);
+        }
+      }
+    }
+    m_nMinI = minI;
+    m_nMaxI = maxI;
+    m_nMinJ = minJ;
+    m_nMaxJ = maxJ;
+    return 0;
+  } catch (int) {
+    return 1;
+  }
+}
+
+int CMeshRegion::GetMeshRegIncVert(AIArtHandle mesh, int bNodesOnly, int* pLinesI, int* pLinesJ) {
+  try {
+    const auto* vs = lb::s::sMeshVertexIterator;
+    SelectionRef sel = GetSelectionRef(mesh);
+    int32_t I = 0, J = 0;
+    ThrowIfErr(sMesh->GetSize(mesh, &I, &J));
+    int32_t minI = I, maxI = 0, minJ = J, maxJ = 0;
+    if (sMeshSelection->IsFull(sel)) {
+      if (pLinesI) std::fill(pLinesI, pLinesI + I + 1, 1);
+      if (pLinesJ) std::fill(pLinesJ, pLinesJ + J + 1, 1);
+      minI = 0, maxI = I, minJ = 0, maxJ = J;
+    } else {
+      auto takeI = [&](int32_t lo, int32_t hi) {
+        minI = std::min(minI, lo);
+        maxI = std::max(maxI, hi);
+      };
+      auto takeJ = [&](int32_t lo, int32_t hi) {
+        minJ = std::min(minJ, lo);
+        maxJ = std::max(maxJ, hi);
+      };
+      // Lines of constant i, walked along J; k is the index j of the last
+      // node passed.
+      for (int32_t i = 0; i <= I; ++i) {
+        int32_t k = -1;
+        WalkLine(mesh, i, 0, i, J, kAIMeshJAxis, [&](AIMeshVertexIterator v) {
+          const bool node = vs->IsNode(v);
+          if (node) ++k;
+          if (!sMeshSelection->ContainsVertex(sel, v)) return;
+          if (node) {
+            takeI(i, i);
+            takeJ(k, k);
+            if (pLinesI) pLinesI[i] = 1;
+            if (pLinesJ) pLinesJ[k] = 1;
+          } else if (!bNodesOnly) {
+            takeI(i, i);
+            takeJ(k, k + 1);
+            if (pLinesI) pLinesI[i] = 1;
+          }
+        });
+      }
+      // Lines of constant j, walked along I.
+      for (int32_t j = 0; j <= J; ++j) {
+        int32_t k = -1;
+        WalkLine(mesh, 0, j, I, j, kAIMeshIAxis, [&](AIMeshVertexIterator v) {
+          const bool node = vs->IsNode(v);
+          if (node) ++k;
+          if (!sMeshSelection->ContainsVertex(sel, v)) return;
+          if (node) {
+            takeI(k, k);
+            takeJ(j, j);
+            if (pLinesI) pLinesI[k] = 1;
+            if (pLinesJ) pLinesJ[j] = 1;
+          } else if (!bNodesOnly) {
+            takeJ(j, j);
+            takeI(k, k + 1);
+            if (pLinesJ) pLinesJ[j] = 1;
+          }
+        });
+      }
+    }
+    m_nMinI = minI;
+    m_nMaxI = maxI;
+    m_nMinJ = minJ;
+    m_nMaxJ = maxJ;
+    return 0;
+  } catch (int) {
+    return 1;
+  }
+}
