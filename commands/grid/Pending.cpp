@@ -14,15 +14,3 @@ int Mul(long, long) { return 0; }
 namespace lb::dens {
 int Div(long, long) { return 0; }
 }
-namespace lb::dir {
-int Rotate(int) { return 0; }
-}
-namespace lb::dir {
-int Flip(AIMeshAxis) { return 0; }
-}
-namespace lb::uv {
-int ResetLinear() { return 0; }
-}
-namespace lb::uv {
-int ResetRelative() { return 0; }
-}
