@@ -48,6 +48,13 @@ void meshClearSelection(M& m) {
   if constexpr (requires { m.clearSelection(); }) m.clearSelection();
 }
 template <class M>
+bool meshSelectionEmpty(const M& m) {
+  if constexpr (requires { { m.isSelectionEmpty() } -> std::convertible_to<bool>; })
+    return m.isSelectionEmpty();
+  else
+    return true;
+}
+template <class M>
 std::optional<AIRealRect> meshBounds(const M& m) {
   if constexpr (requires { { m.bounds() } -> std::convertible_to<AIRealRect>; }) {
     return AIRealRect(m.bounds());
@@ -454,25 +461,32 @@ std::vector<ArtObject*> Document::matchingArt(const AIMatchingArtSpec* specs, in
 // ---- selection ------------------------------------------------------------
 
 void Document::setSelected(ArtObject* art, bool on) {
+  const bool was = art->selected();
   if (on)
     art->userAttr |= kArtSelected;
   else
     art->userAttr &= ~kArtSelected;
   switch (art->type) {
     case kMeshArt:
+      // Switching the attribute off clears the vertex selection; switching
+      // it on selects the whole mesh. Setting it on a mesh that is already
+      // selected keeps a partial vertex selection (only an empty one becomes
+      // whole), so commands that want the whole mesh switch it off first.
       if (art->mesh) {
-        if (on)
-          meshSelectAll(*art->mesh);
-        else
+        if (!on)
           meshClearSelection(*art->mesh);
+        else if (!was || meshSelectionEmpty(*art->mesh))
+          meshSelectAll(*art->mesh);
       }
       break;
     case kPathArt:
-      // Selecting a path as a whole selects every anchor (no anchor state
-      // recorded); deselecting it clears the anchor states.
-      std::fill(art->segmentSelection.begin(), art->segmentSelection.end(), int16_t(kSegmentNotSelected));
+      // A selected path with no anchor state recorded has every anchor
+      // selected, so switching on from off means "no anchor state".
+      if (!on || !was)
+        std::fill(art->segmentSelection.begin(), art->segmentSelection.end(), int16_t(kSegmentNotSelected));
       break;
     default:
+      // Selecting a group (or compound path) selects everything inside it.
       if (!art->isLayer)
         for (auto& c : art->children) setSelected(c.get(), on);
       break;

@@ -1,0 +1,52 @@
+// The matching-art suite: art matching a set of (type, attribute) specs,
+// topmost first, handed out as a memory handle to an array of handles.
+#include <cstring>
+
+#include "host/SuiteRegistry.h"
+#include "host/suites/ArtSuiteCommon.h"
+
+namespace lb::host::suites {
+
+void registerMemorySuite();
+
+namespace {
+
+AIErr handOut(const std::vector<ArtObject*>& found, AIArtHandle*** matches, int32_t* numMatches) {
+  *matches = nullptr;
+  *numMatches = 0;
+  if (found.empty()) return kNoErr;
+  AIMdMemoryHandle h = nullptr;
+  if (AIErr err = newMemoryHandle(found.size() * sizeof(AIArtHandle), &h)) return err;
+  std::memcpy(*h, found.data(), found.size() * sizeof(AIArtHandle));
+  *matches = reinterpret_cast<AIArtHandle**>(h);
+  *numMatches = static_cast<int32_t>(found.size());
+  return kNoErr;
+}
+
+AIErr GetMatchingArt(const AIMatchingArtSpec* specs, int16_t numSpecs, AIArtHandle*** matches,
+                     int32_t* numMatches) {
+  if (!matches || !numMatches) return kBadParameterErr;
+  *matches = nullptr;
+  *numMatches = 0;
+  if (numSpecs < 0 || (numSpecs > 0 && !specs)) return kBadParameterErr;
+  return handOut(doc().matchingArt(specs, numSpecs), matches, numMatches);
+}
+
+AIErr GetSelectedArt(AIArtHandle*** matches, int32_t* numMatches) {
+  const AIMatchingArtSpec spec{kAnyArt, kArtSelected, kArtSelected};
+  return GetMatchingArt(&spec, 1, matches, numMatches);
+}
+
+const AIMatchingArtSuite kMatchingArtSuite = {
+    .GetMatchingArt = GetMatchingArt,
+    .GetSelectedArt = GetSelectedArt,
+};
+
+}  // namespace
+
+void registerMatchingSuites() {
+  registerSuite(kAIMatchingArtSuite, kAIMatchingArtSuiteVersion, &kMatchingArtSuite);
+  registerMemorySuite();
+}
+
+}  // namespace lb::host::suites
