@@ -4,18 +4,6 @@
 #include "Operations.h"
 
 namespace lb::color {
-int Flip(AIMeshAxis) { return 0; }
-}
-namespace lb::color {
-int Rotate(long) { return 0; }
-}
-namespace lb::color {
-int Shift(AIMeshAxis, AIMeshAxisSense) { return 0; }
-}
-namespace lb::color {
-int Spread(AIMeshAxis, AIMeshAxisSense) { return 0; }
-}
-namespace lb::color {
 int Copy(long, long) { return 0; }
 }
 namespace lb::color {
