@@ -2,11 +2,11 @@
 #include "host/Document.h"
 
 #include <algorithm>
-#include <concepts>
 #include <functional>
 #include <optional>
 
 #include "host/Geometry.h"
+#include "host/MeshAccess.h"
 
 ArtObject::ArtObject() = default;
 ArtObject::~ArtObject() = default;
@@ -35,39 +35,6 @@ double ArtImage::channel(int32_t x, int32_t row, int c) const {
 
 namespace lb::host {
 namespace {
-
-// The engine's selection and geometry calls, used where the engine offers
-// them (checked at compile time, so the document builds against any stage
-// of the engine).
-template <class M>
-void meshSelectAll(M& m) {
-  if constexpr (requires { m.selectAll(); }) m.selectAll();
-}
-template <class M>
-void meshClearSelection(M& m) {
-  if constexpr (requires { m.clearSelection(); }) m.clearSelection();
-}
-template <class M>
-bool meshSelectionEmpty(const M& m) {
-  if constexpr (requires { { m.isSelectionEmpty() } -> std::convertible_to<bool>; })
-    return m.isSelectionEmpty();
-  else
-    return true;
-}
-template <class M>
-std::optional<AIRealRect> meshBounds(const M& m) {
-  if constexpr (requires { { m.bounds() } -> std::convertible_to<AIRealRect>; }) {
-    return AIRealRect(m.bounds());
-  } else if constexpr (requires { { m.bounds() } -> std::convertible_to<std::optional<AIRealRect>>; }) {
-    return std::optional<AIRealRect>(m.bounds());
-  } else {
-    return std::nullopt;
-  }
-}
-template <class M>
-void meshTransform(M& m, const AIRealMatrix& matrix) {
-  if constexpr (requires { m.transform(matrix); }) m.transform(matrix);
-}
 
 bool validType(int16_t type) {
   switch (type) {
@@ -395,7 +362,7 @@ std::optional<AIRealRect> Document::bounds(const ArtObject* art) const {
       return r;
     }
     case kMeshArt:
-      if (art->mesh) return meshBounds(*art->mesh);
+      if (art->mesh) return meshaccess::bounds(*art->mesh);
       return std::nullopt;
     default: {
       std::optional<AIRealRect> r;
@@ -426,7 +393,7 @@ void Document::transformArt(ArtObject* art, const AIRealMatrix& m) {
       art->image.matrix = geom::concat(art->image.matrix, m);
       break;
     case kMeshArt:
-      if (art->mesh) meshTransform(*art->mesh, m);
+      if (art->mesh) meshaccess::transform(*art->mesh, m);
       break;
     default:
       for (auto& c : art->children) transformArt(c.get(), m);
@@ -474,9 +441,9 @@ void Document::setSelected(ArtObject* art, bool on) {
       // whole), so commands that want the whole mesh switch it off first.
       if (art->mesh) {
         if (!on)
-          meshClearSelection(*art->mesh);
-        else if (!was || meshSelectionEmpty(*art->mesh))
-          meshSelectAll(*art->mesh);
+          meshaccess::clearSelection(*art->mesh);
+        else if (!was || meshaccess::isSelectionEmpty(*art->mesh).value_or(true))
+          meshaccess::selectAll(*art->mesh);
       }
       break;
     case kPathArt:
