@@ -8,9 +8,3 @@ int KnotsSplit() { return 0; }
 int KnotsDel(int) { return 0; }
 int MeshSegmentsJoin() { return 0; }
 int VerticesDel(int) { return 0; }
-namespace lb::dens {
-int Mul(long, long) { return 0; }
-}
-namespace lb::dens {
-int Div(long, long) { return 0; }
-}
