@@ -74,6 +74,8 @@ template <class M = GradientMesh>
 std::optional<long> selectedVertexCount(const M& m) {
   if constexpr (requires { { m.selectedVertexCount() } -> std::convertible_to<long>; })
     return static_cast<long>(m.selectedVertexCount());
+  else if constexpr (requires { { m.selectedCount() } -> std::convertible_to<long>; })
+    return static_cast<long>(m.selectedCount());
   else
     return std::nullopt;
 }
