@@ -1,6 +1,696 @@
-// Suites over the gradient-mesh engine (placeholder until they land).
+// The mesh suites: mesh, vertex iterator, segment iterator, selection,
+// patch iterator and hit testing, over the gradient-mesh engine.
+//
+// Iterators and selections are reference-counted host objects. Each holds
+// the mesh it was made from and the mesh's life token, so an iterator that
+// outlives its mesh (art disposed, mesh replaced) reports AtEnd and its
+// calls fail with kIterAtEndErr instead of touching freed memory. Vertices
+// are held by stable id: an iterator on a vertex that an edit removed is
+// AtEnd too.
+#include <memory>
+#include <vector>
+
+#include "host/Document.h"
+#include "host/Host.h"
 #include "host/SuiteRegistry.h"
+#include "host/mesh/GradientMesh.h"
+
+using lb::host::GradientMesh;
+using lb::host::kNoVertex;
+using lb::host::SegmentRef;
+using lb::host::VertexId;
+
+struct MeshRef {
+  GradientMesh* mesh = nullptr;
+  std::weak_ptr<const void> life;
+  bool live() const { return mesh && !life.expired(); }
+};
+
+struct _AIMeshVertexIterator {
+  int32_t refs = 1;
+  MeshRef m;
+  VertexId id = kNoVertex;
+  bool valid() const { return m.live() && m.mesh->alive(id); }
+};
+
+struct _AIMeshSegmentIterator {
+  int32_t refs = 1;
+  MeshRef m;
+  SegmentRef seg;
+  bool valid() const { return m.live() && m.mesh->segmentValid(seg); }
+};
+
+struct _AIMeshPatchIterator {
+  int32_t refs = 1;
+  MeshRef m;
+  int i = 0, j = 0;
+  bool valid() const { return m.live() && i >= 0 && j >= 0 && i < m.mesh->sizeI() && j < m.mesh->sizeJ(); }
+};
+
+// The visible selection reads and writes the mesh's own flags; any other
+// selection object is a set of vertex ids of its own.
+struct _AIMeshSelection {
+  int32_t refs = 1;
+  MeshRef m;
+  bool visible = false;
+  std::vector<uint8_t> flags;  // by vertex id, detached selections only
+
+  bool contains(VertexId v) const {
+    if (!m.live() || !m.mesh->alive(v)) return false;
+    if (visible) return m.mesh->selected(v);
+    return v < flags.size() && flags[v];
+  }
+  void set(VertexId v, bool on) {
+    if (!m.live() || !m.mesh->alive(v)) return;
+    if (visible) {
+      m.mesh->setSelected(v, on);
+      return;
+    }
+    if (v >= flags.size()) flags.resize(static_cast<size_t>(v) + 1, 0);
+    flags[v] = on;
+  }
+};
 
 namespace lb::host {
-void registerMeshSuites() {}
+namespace {
+
+// ---- object lifetime -----------------------------------------------------
+
+MeshRef refOf(GradientMesh* mesh) { return MeshRef{mesh, mesh->lifeToken()}; }
+
+AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) {
+  auto* it = new _AIMeshVertexIterator;
+  it->m = m;
+  it->id = id;
+  ++liveCounters().vertexIterators;
+  return it;
+}
+AIMeshSegmentIterator newSegment(const MeshRef& m, SegmentRef s) {
+  auto* it = new _AIMeshSegmentIterator;
+  it->m = m;
+  it->seg = s;
+  ++liveCounters().segmentIterators;
+  return it;
+}
+AIMeshPatchIterator newPatch(const MeshRef& m, int i, int j) {
+  auto* it = new _AIMeshPatchIterator;
+  it->m = m;
+  it->i = i, it->j = j;
+  ++liveCounters().patchIterators;
+  return it;
+}
+AIMeshSelection newSelection(const MeshRef& m, bool visible) {
+  auto* s = new _AIMeshSelection;
+  s->m = m;
+  s->visible = visible;
+  ++liveCounters().selections;
+  return s;
+}
+
+template <class T>
+int32_t addRef(T* o) {
+  return o ? ++o->refs : 0;
+}
+template <class T>
+int32_t release(T* o, long Counters::*counter) {
+  if (!o || o->refs <= 0) return 0;
+  const int32_t left = --o->refs;
+  if (left == 0) {
+    --(liveCounters().*counter);
+    delete o;
+  }
+  return left;
+}
+
+AIErr meshOf(AIArtHandle art, GradientMesh** out) {
+  if (!art) return kBadParameterErr;
+  if (Host::exists() && !Host::current().document().contains(art)) return kNoSuchArtErr;
+  if (art->type != kMeshArt) return kWrongArtTypeErr;
+  if (!art->mesh) art->mesh = std::make_unique<GradientMesh>();
+  *out = art->mesh.get();
+  return kNoErr;
+}
+
+#define LB_MESH(art, var)                   \
+  GradientMesh* var = nullptr;              \
+  if (AIErr e_ = meshOf(art, &var)) return e_
+
+#define LB_VERTEX(it)                           \
+  if (!(it)) return kBadParameterErr;           \
+  if (!(it)->valid()) return kIterAtEndErr
+
+#define LB_SEGMENT(it)                          \
+  if (!(it)) return kBadParameterErr;           \
+  if (!(it)->valid()) return kIterAtEndErr
+
+// ---- AI Mesh Suite ---------------------------------------------------------
+
+AIErr InitCartesian(AIArtHandle art, int32_t i, int32_t j) {
+  LB_MESH(art, m);
+  if (i < 1 || j < 1) return kBadParameterErr;
+  m->initCartesian(i, j);
+  return kNoErr;
+}
+AIErr GetSize(AIArtHandle art, int32_t* i, int32_t* j) {
+  LB_MESH(art, m);
+  if (i) *i = m->sizeI();
+  if (j) *j = m->sizeJ();
+  return kNoErr;
+}
+AIErr GetNode(AIArtHandle art, int32_t i, int32_t j, AIMeshVertexIterator* vertex) {
+  LB_MESH(art, m);
+  if (!vertex) return kBadParameterErr;
+  const VertexId id = m->node(i, j);
+  if (id == kNoVertex) return kBadParameterErr;
+  *vertex = newVertex(refOf(m), id);
+  return kNoErr;
+}
+AIErr GetStartVertex(AIArtHandle art, AIMeshVertexIterator* vertex) {
+  LB_MESH(art, m);
+  if (!vertex) return kBadParameterErr;
+  *vertex = newVertex(refOf(m), m->firstVertex());
+  return kNoErr;
+}
+AIErr GetStartSegment(AIArtHandle art, AIMeshSegmentIterator* segment) {
+  LB_MESH(art, m);
+  if (!segment) return kBadParameterErr;
+  *segment = newSegment(refOf(m), m->firstSegment());
+  return kNoErr;
+}
+AIErr GetStartPatch(AIArtHandle art, AIMeshPatchIterator* patch) {
+  LB_MESH(art, m);
+  if (!patch) return kBadParameterErr;
+  *patch = newPatch(refOf(m), 0, 0);
+  return kNoErr;
+}
+AIErr GetSelection(AIArtHandle art, AIMeshSelection* selection) {
+  LB_MESH(art, m);
+  if (!selection) return kBadParameterErr;
+  *selection = newSelection(refOf(m), true);
+  return kNoErr;
+}
+AIErr NewSelection(AIArtHandle art, AIBoolean all, AIMeshSelection* selection) {
+  LB_MESH(art, m);
+  if (!selection) return kBadParameterErr;
+  AIMeshSelection s = newSelection(refOf(m), false);
+  if (all)
+    for (VertexId v : m->vertices()) s->set(v, true);
+  *selection = s;
+  return kNoErr;
+}
+AIErr GetRelativeU(AIArtHandle art, int32_t i, AIReal* u) {
+  LB_MESH(art, m);
+  if (!u || i < 0 || i > m->sizeI()) return kBadParameterErr;
+  *u = m->relativeU(i);
+  return kNoErr;
+}
+AIErr GetRelativeV(AIArtHandle art, int32_t j, AIReal* v) {
+  LB_MESH(art, m);
+  if (!v || j < 0 || j > m->sizeJ()) return kBadParameterErr;
+  *v = m->relativeV(j);
+  return kNoErr;
+}
+AIErr InsertU(AIArtHandle art, AIReal u, int32_t* i) {
+  LB_MESH(art, m);
+  const int r = m->insertU(u);
+  if (r < 0) return kBadParameterErr;
+  if (i) *i = r;
+  return kNoErr;
+}
+AIErr InsertV(AIArtHandle art, AIReal v, int32_t* j) {
+  LB_MESH(art, m);
+  const int r = m->insertV(v);
+  if (r < 0) return kBadParameterErr;
+  if (j) *j = r;
+  return kNoErr;
+}
+AIErr DeleteGridLines(AIArtHandle art, AIReal u, AIReal v) {
+  LB_MESH(art, m);
+  return m->deleteGridLines(u, v) ? kNoErr : kBadParameterErr;
+}
+AIErr EvalPoint(AIArtHandle art, AIRealPoint uv, AIRealPoint* point) {
+  LB_MESH(art, m);
+  if (!point) return kBadParameterErr;
+  *point = m->evalPoint(uv.h, uv.v);
+  return kNoErr;
+}
+AIErr EvalColor(AIArtHandle art, AIRealPoint uv, AIColor* color) {
+  LB_MESH(art, m);
+  if (!color) return kBadParameterErr;
+  *color = m->evalColor(uv.h, uv.v);
+  return kNoErr;
+}
+AIErr EvalOpacity(AIArtHandle art, AIRealPoint uv, AIReal* opacity) {
+  LB_MESH(art, m);
+  if (!opacity) return kBadParameterErr;
+  *opacity = m->evalOpacity(uv.h, uv.v);
+  return kNoErr;
+}
+AIErr InvertPoint(AIArtHandle art, AIRealPoint point, AIRealPoint* uv, AIBoolean* onMesh) {
+  LB_MESH(art, m);
+  if (!uv) return kBadParameterErr;
+  const bool on = m->invertPoint(point, uv);
+  if (onMesh) *onMesh = on;
+  return kNoErr;
+}
+AIErr Transform(AIArtHandle art, const AIRealMatrix* matrix) {
+  LB_MESH(art, m);
+  if (!matrix) return kBadParameterErr;
+  m->transform(*matrix);
+  return kNoErr;
+}
+
+// ---- AI Mesh Vertex Suite --------------------------------------------------
+
+AIErr VCopy(AIMeshVertexIterator v, AIMeshVertexIterator* clone) {
+  if (!v || !clone) return kBadParameterErr;
+  *clone = newVertex(v->m, v->id);
+  return kNoErr;
+}
+int32_t VAddRef(AIMeshVertexIterator v) { return addRef(v); }
+int32_t VRelease(AIMeshVertexIterator v) { return release(v, &Counters::vertexIterators); }
+AIBoolean VIsEqual(AIMeshVertexIterator a, AIMeshVertexIterator b) {
+  if (!a || !b) return false;
+  const bool ea = !a->valid(), eb = !b->valid();
+  if (ea || eb) return ea && eb && a->m.mesh == b->m.mesh;
+  return a->m.mesh == b->m.mesh && a->id == b->id;
+}
+AIBoolean VAtEnd(AIMeshVertexIterator v) { return !v || !v->valid(); }
+AIErr VNext(AIMeshVertexIterator v) {
+  LB_VERTEX(v);
+  v->id = v->m.mesh->nextVertex(v->id);
+  return kNoErr;
+}
+AIErr step(AIMeshVertexIterator v, int dir) {
+  LB_VERTEX(v);
+  v->id = v->m.mesh->neighbour(v->id, dir);
+  return kNoErr;
+}
+AIErr VNextI(AIMeshVertexIterator v) { return step(v, kDirIFwd); }
+AIErr VPrevI(AIMeshVertexIterator v) { return step(v, kDirIBack); }
+AIErr VNextJ(AIMeshVertexIterator v) { return step(v, kDirJFwd); }
+AIErr VPrevJ(AIMeshVertexIterator v) { return step(v, kDirJBack); }
+AIBoolean VIsNode(AIMeshVertexIterator v) { return v && v->valid() && v->m.mesh->isNode(v->id); }
+AIErr VGetNodeIndex(AIMeshVertexIterator v, int32_t* i, int32_t* j) {
+  LB_VERTEX(v);
+  int a = 0, b = 0;
+  v->m.mesh->nodeIndex(v->id, &a, &b);
+  if (i) *i = a;
+  if (j) *j = b;
+  return kNoErr;
+}
+int32_t VCountSegments(AIMeshVertexIterator v) {
+  return v && v->valid() ? v->m.mesh->segmentCount(v->id) : 0;
+}
+int32_t VGetSegmentIndex(AIMeshVertexIterator v, int32_t axis, int32_t sense) {
+  if (!v || !v->valid() || axis < 0 || axis > 1 || sense < 0 || sense > 1) return -1;
+  return v->m.mesh->segmentIndex(v->id, meshDir(axis, sense));
+}
+// Direction of segment `index` at the vertex, or -1.
+int dirOfIndex(AIMeshVertexIterator v, int32_t index) { return v->m.mesh->segmentDir(v->id, index); }
+AIErr VGetSegment(AIMeshVertexIterator v, int32_t index, AIMeshSegmentIterator* segment) {
+  LB_VERTEX(v);
+  if (!segment) return kBadParameterErr;
+  const int d = dirOfIndex(v, index);
+  if (d < 0) return kBadParameterErr;
+  *segment = newSegment(v->m, SegmentRef{v->id, d});
+  return kNoErr;
+}
+AIErr VGetPoint(AIMeshVertexIterator v, AIRealPoint* p) {
+  LB_VERTEX(v);
+  if (!p) return kBadParameterErr;
+  *p = v->m.mesh->point(v->id);
+  return kNoErr;
+}
+AIErr VSetPoint(AIMeshVertexIterator v, const AIRealPoint* p) {
+  LB_VERTEX(v);
+  if (!p) return kBadParameterErr;
+  v->m.mesh->setPoint(v->id, *p);
+  return kNoErr;
+}
+AIErr VGetTangent(AIMeshVertexIterator v, int32_t index, AIRealPoint* h) {
+  LB_VERTEX(v);
+  const int d = dirOfIndex(v, index);
+  if (!h || d < 0) return kBadParameterErr;
+  *h = v->m.mesh->tangent(v->id, d);
+  return kNoErr;
+}
+AIErr VSetTangent(AIMeshVertexIterator v, int32_t index, const AIRealPoint* h) {
+  LB_VERTEX(v);
+  const int d = dirOfIndex(v, index);
+  if (!h || d < 0) return kBadParameterErr;
+  v->m.mesh->setTangent(v->id, d, *h);
+  return kNoErr;
+}
+AIBoolean VGetSmooth(AIMeshVertexIterator v, int32_t index) {
+  if (!v || !v->valid()) return false;
+  const int d = dirOfIndex(v, index);
+  return d >= 0 && v->m.mesh->smooth(v->id, d);
+}
+AIErr VSetSmooth(AIMeshVertexIterator v, int32_t index, AIBoolean smooth) {
+  LB_VERTEX(v);
+  const int d = dirOfIndex(v, index);
+  if (d < 0) return kBadParameterErr;
+  v->m.mesh->setSmooth(v->id, d, smooth != 0);
+  return kNoErr;
+}
+AIErr VGetColor(AIMeshVertexIterator v, AIColor* c) {
+  LB_VERTEX(v);
+  if (!c) return kBadParameterErr;
+  *c = v->m.mesh->color(v->id);
+  return kNoErr;
+}
+AIErr VSetColor(AIMeshVertexIterator v, const AIColor* c) {
+  LB_VERTEX(v);
+  if (!c) return kBadParameterErr;
+  return v->m.mesh->setColor(v->id, *c) ? kNoErr : kBadParameterErr;
+}
+AIErr VGetOpacity(AIMeshVertexIterator v, AIReal* o) {
+  LB_VERTEX(v);
+  if (!o) return kBadParameterErr;
+  *o = v->m.mesh->opacity(v->id);
+  return kNoErr;
+}
+AIErr VSetOpacity(AIMeshVertexIterator v, AIReal o) {
+  LB_VERTEX(v);
+  return v->m.mesh->setOpacity(v->id, o) ? kNoErr : kBadParameterErr;
+}
+AIErr VGetUV(AIMeshVertexIterator v, AIRealPoint* uv) {
+  LB_VERTEX(v);
+  if (!uv) return kBadParameterErr;
+  *uv = v->m.mesh->uv(v->id);
+  return kNoErr;
+}
+
+// ---- AI Mesh Segment Suite -------------------------------------------------
+
+AIErr SCopy(AIMeshSegmentIterator s, AIMeshSegmentIterator* clone) {
+  if (!s || !clone) return kBadParameterErr;
+  *clone = newSegment(s->m, s->seg);
+  return kNoErr;
+}
+int32_t SAddRef(AIMeshSegmentIterator s) { return addRef(s); }
+int32_t SRelease(AIMeshSegmentIterator s) { return release(s, &Counters::segmentIterators); }
+// The same segment in either orientation.
+AIBoolean SIsEqual(AIMeshSegmentIterator a, AIMeshSegmentIterator b) {
+  if (!a || !b) return false;
+  const bool ea = !a->valid(), eb = !b->valid();
+  if (ea || eb) return ea && eb && a->m.mesh == b->m.mesh;
+  if (a->m.mesh != b->m.mesh) return false;
+  return a->seg == b->seg || a->m.mesh->reversed(a->seg) == b->seg;
+}
+AIBoolean SAtEnd(AIMeshSegmentIterator s) { return !s || !s->valid(); }
+AIErr SNext(AIMeshSegmentIterator s) {
+  LB_SEGMENT(s);
+  s->seg = s->m.mesh->nextSegment(s->seg);
+  return kNoErr;
+}
+AIErr SNextOnAxis(AIMeshSegmentIterator s) {
+  LB_SEGMENT(s);
+  s->seg = s->m.mesh->nextOnAxis(s->seg);
+  return kNoErr;
+}
+AIErr SPrevOnAxis(AIMeshSegmentIterator s) {
+  LB_SEGMENT(s);
+  s->seg = s->m.mesh->prevOnAxis(s->seg);
+  return kNoErr;
+}
+int32_t SGetAxis(AIMeshSegmentIterator s) { return s && s->valid() ? dirAxis(s->seg.dir) : -1; }
+int32_t SGetSense(AIMeshSegmentIterator s) {
+  if (!s || !s->valid()) return -1;
+  return dirForward(s->seg.dir) ? kAIMeshAxisIncreasing : kAIMeshAxisDecreasing;
+}
+AIErr SReverse(AIMeshSegmentIterator s) {
+  LB_SEGMENT(s);
+  s->seg = s->m.mesh->reversed(s->seg);
+  return kNoErr;
+}
+AIErr SGetStart(AIMeshSegmentIterator s, AIMeshVertexIterator* v) {
+  LB_SEGMENT(s);
+  if (!v) return kBadParameterErr;
+  *v = newVertex(s->m, s->seg.start);
+  return kNoErr;
+}
+AIErr SGetEnd(AIMeshSegmentIterator s, AIMeshVertexIterator* v) {
+  LB_SEGMENT(s);
+  if (!v) return kBadParameterErr;
+  *v = newVertex(s->m, s->m.mesh->segmentEnd(s->seg));
+  return kNoErr;
+}
+int32_t SCountKnots(AIMeshSegmentIterator s) { return s && s->valid() ? s->m.mesh->knotCount(s->seg) : 0; }
+AIErr SInsertKnots(AIMeshSegmentIterator s, int32_t m, int32_t n) {
+  LB_SEGMENT(s);
+  return s->m.mesh->insertKnots(s->seg, m, n) ? kNoErr : kBadParameterErr;
+}
+AIErr SDeleteKnots(AIMeshSegmentIterator s, int32_t m, int32_t n) {
+  LB_SEGMENT(s);
+  return s->m.mesh->deleteKnots(s->seg, m, n) ? kNoErr : kBadParameterErr;
+}
+int32_t SCountPoints(AIMeshSegmentIterator s) {
+  return s && s->valid() ? 3 * s->m.mesh->knotCount(s->seg) + 4 : 0;
+}
+AIErr SGetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, AIRealPoint* points) {
+  LB_SEGMENT(s);
+  const auto pts = s->m.mesh->segmentPoints(s->seg);
+  if (start < 0 || count < 0 || start + count > static_cast<int32_t>(pts.size()) || (count > 0 && !points))
+    return kBadParameterErr;
+  for (int32_t k = 0; k < count; ++k) points[k] = pts[start + k];
+  return kNoErr;
+}
+AIErr SSetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, const AIRealPoint* points) {
+  LB_SEGMENT(s);
+  if (count > 0 && !points) return kBadParameterErr;
+  return s->m.mesh->setSegmentPoints(s->seg, start, count, points) ? kNoErr : kBadParameterErr;
+}
+AIErr SSplit(AIMeshSegmentIterator s, int32_t k) {
+  LB_SEGMENT(s);
+  return s->m.mesh->split(s->seg, k) != kNoVertex ? kNoErr : kBadParameterErr;
+}
+AIErr SJoin(AIMeshSegmentIterator s, int32_t* knot) {
+  LB_SEGMENT(s);
+  const int k = s->m.mesh->join(s->seg);
+  if (k < 0) return kBadParameterErr;
+  if (knot) *knot = k;
+  return kNoErr;
+}
+AIErr SGetControl(AIMeshSegmentIterator s, AIRealPoint* control) {
+  LB_SEGMENT(s);
+  if (!control) return kBadParameterErr;
+  *control = s->m.mesh->control(s->seg);
+  return kNoErr;
+}
+AIErr SReshape(AIMeshSegmentIterator s, AIReal t, const AIRealPoint* point) {
+  LB_SEGMENT(s);
+  if (!point) return kBadParameterErr;
+  return s->m.mesh->reshape(s->seg, t, *point) ? kNoErr : kBadParameterErr;
+}
+
+// ---- AI Mesh Selection Suite -----------------------------------------------
+
+// A copy is a selection object of its own holding the same vertices.
+AIErr SelCopy(AIMeshSelection s, AIMeshSelection* clone) {
+  if (!s || !clone) return kBadParameterErr;
+  AIMeshSelection c = newSelection(s->m, false);
+  if (s->m.live())
+    for (VertexId v : s->m.mesh->vertices())
+      if (s->contains(v)) c->set(v, true);
+  *clone = c;
+  return kNoErr;
+}
+int32_t SelAddRef(AIMeshSelection s) { return addRef(s); }
+int32_t SelRelease(AIMeshSelection s) { return release(s, &Counters::selections); }
+AIBoolean SelIsEmpty(AIMeshSelection s) {
+  if (!s || !s->m.live()) return true;
+  if (s->visible) return s->m.mesh->isSelectionEmpty();
+  for (VertexId v = 0; v < s->flags.size(); ++v)
+    if (s->flags[v] && s->m.mesh->alive(v)) return false;
+  return true;
+}
+AIBoolean SelIsFull(AIMeshSelection s) {
+  if (!s || !s->m.live()) return false;
+  if (s->visible) return s->m.mesh->isSelectionFull();
+  for (VertexId v : s->m.mesh->vertices())
+    if (!s->contains(v)) return false;
+  return true;
+}
+bool sameMesh(AIMeshSelection s, const MeshRef& m) { return s->m.live() && m.live() && s->m.mesh == m.mesh; }
+AIBoolean SelContainsVertex(AIMeshSelection s, AIMeshVertexIterator v) {
+  if (!s || !v || !v->valid() || !sameMesh(s, v->m)) return false;
+  return s->contains(v->id);
+}
+AIErr SelSelectVertex(AIMeshSelection s, AIMeshVertexIterator v, AIBoolean select) {
+  if (!s || !v) return kBadParameterErr;
+  if (!v->valid()) return kIterAtEndErr;
+  if (!sameMesh(s, v->m)) return kBadParameterErr;
+  s->set(v->id, select != 0);
+  return kNoErr;
+}
+// A segment is selected when both its end vertices are.
+AIBoolean SelContainsSegment(AIMeshSelection s, AIMeshSegmentIterator g) {
+  if (!s || !g || !g->valid() || !sameMesh(s, g->m)) return false;
+  return s->contains(g->seg.start) && s->contains(g->m.mesh->segmentEnd(g->seg));
+}
+AIErr SelSelectSegment(AIMeshSelection s, AIMeshSegmentIterator g, AIBoolean select) {
+  if (!s || !g) return kBadParameterErr;
+  if (!g->valid()) return kIterAtEndErr;
+  if (!sameMesh(s, g->m)) return kBadParameterErr;
+  s->set(g->seg.start, select != 0);
+  s->set(g->m.mesh->segmentEnd(g->seg), select != 0);
+  return kNoErr;
+}
+
+// ---- AI Mesh Patch Suite ---------------------------------------------------
+
+AIErr PCopy(AIMeshPatchIterator p, AIMeshPatchIterator* clone) {
+  if (!p || !clone) return kBadParameterErr;
+  *clone = newPatch(p->m, p->i, p->j);
+  return kNoErr;
+}
+int32_t PAddRef(AIMeshPatchIterator p) { return addRef(p); }
+int32_t PRelease(AIMeshPatchIterator p) { return release(p, &Counters::patchIterators); }
+AIBoolean PAtEnd(AIMeshPatchIterator p) { return !p || !p->valid(); }
+AIErr PNext(AIMeshPatchIterator p) {
+  if (!p) return kBadParameterErr;
+  if (!p->valid()) return kIterAtEndErr;
+  if (++p->i >= p->m.mesh->sizeI()) p->i = 0, ++p->j;
+  return kNoErr;
+}
+AIErr PGetCell(AIMeshPatchIterator p, int32_t* i, int32_t* j) {
+  if (!p) return kBadParameterErr;
+  if (!p->valid()) return kIterAtEndErr;
+  if (i) *i = p->i;
+  if (j) *j = p->j;
+  return kNoErr;
+}
+AIErr PGetCorner(AIMeshPatchIterator p, int32_t k, AIMeshVertexIterator* vertex) {
+  if (!p || !vertex || k < 0 || k > 3) return kBadParameterErr;
+  if (!p->valid()) return kIterAtEndErr;
+  static const int di[4] = {0, 1, 1, 0}, dj[4] = {0, 0, 1, 1};
+  *vertex = newVertex(p->m, p->m.mesh->node(p->i + di[k], p->j + dj[k]));
+  return kNoErr;
+}
+
+// ---- AI Mesh Hit Suite -----------------------------------------------------
+
+AIErr HitVertex(AIArtHandle art, AIRealPoint point, AIReal tolerance, AIMeshVertexIterator* vertex) {
+  LB_MESH(art, m);
+  if (!vertex) return kBadParameterErr;
+  const VertexId v = m->hitVertex(point, tolerance);
+  *vertex = v == kNoVertex ? nullptr : newVertex(refOf(m), v);
+  return kNoErr;
+}
+
+const AIMeshSuite gMesh = {
+    .InitCartesian = InitCartesian,
+    .GetSize = GetSize,
+    .GetNode = GetNode,
+    .GetStartVertex = GetStartVertex,
+    .GetStartSegment = GetStartSegment,
+    .GetStartPatch = GetStartPatch,
+    .GetSelection = GetSelection,
+    .NewSelection = NewSelection,
+    .GetRelativeU = GetRelativeU,
+    .GetRelativeV = GetRelativeV,
+    .InsertU = InsertU,
+    .InsertV = InsertV,
+    .DeleteGridLines = DeleteGridLines,
+    .EvalPoint = EvalPoint,
+    .EvalColor = EvalColor,
+    .EvalOpacity = EvalOpacity,
+    .InvertPoint = InvertPoint,
+    .Transform = Transform,
+};
+
+const AIMeshVertexIteratorSuite gVertex = {
+    .Copy = VCopy,
+    .AddRef = VAddRef,
+    .Release = VRelease,
+    .IsEqual = VIsEqual,
+    .AtEnd = VAtEnd,
+    .Next = VNext,
+    .NextI = VNextI,
+    .PrevI = VPrevI,
+    .NextJ = VNextJ,
+    .PrevJ = VPrevJ,
+    .IsNode = VIsNode,
+    .GetNodeIndex = VGetNodeIndex,
+    .CountSegments = VCountSegments,
+    .GetSegmentIndex = VGetSegmentIndex,
+    .GetSegment = VGetSegment,
+    .GetPoint = VGetPoint,
+    .SetPoint = VSetPoint,
+    .GetTangent = VGetTangent,
+    .SetTangent = VSetTangent,
+    .GetSmooth = VGetSmooth,
+    .SetSmooth = VSetSmooth,
+    .GetColor = VGetColor,
+    .SetColor = VSetColor,
+    .GetOpacity = VGetOpacity,
+    .SetOpacity = VSetOpacity,
+    .GetUV = VGetUV,
+};
+
+const AIMeshSegmentIteratorSuite gSegment = {
+    .Copy = SCopy,
+    .AddRef = SAddRef,
+    .Release = SRelease,
+    .IsEqual = SIsEqual,
+    .AtEnd = SAtEnd,
+    .Next = SNext,
+    .NextOnAxis = SNextOnAxis,
+    .PrevOnAxis = SPrevOnAxis,
+    .GetAxis = SGetAxis,
+    .GetSense = SGetSense,
+    .Reverse = SReverse,
+    .GetStart = SGetStart,
+    .GetEnd = SGetEnd,
+    .CountKnots = SCountKnots,
+    .InsertKnots = SInsertKnots,
+    .DeleteKnots = SDeleteKnots,
+    .CountPoints = SCountPoints,
+    .GetPoints = SGetPoints,
+    .SetPoints = SSetPoints,
+    .Split = SSplit,
+    .Join = SJoin,
+    .GetControl = SGetControl,
+    .Reshape = SReshape,
+};
+
+const AIMeshSelectionSuite gSelection = {
+    .Copy = SelCopy,
+    .AddRef = SelAddRef,
+    .Release = SelRelease,
+    .IsEmpty = SelIsEmpty,
+    .IsFull = SelIsFull,
+    .ContainsVertex = SelContainsVertex,
+    .SelectVertex = SelSelectVertex,
+    .ContainsSegment = SelContainsSegment,
+    .SelectSegment = SelSelectSegment,
+};
+
+const AIMeshPatchIteratorSuite gPatch = {
+    .Copy = PCopy,
+    .AddRef = PAddRef,
+    .Release = PRelease,
+    .AtEnd = PAtEnd,
+    .Next = PNext,
+    .GetCell = PGetCell,
+    .GetCorner = PGetCorner,
+};
+
+const AIMeshHitSuite gHit = {
+    .HitVertex = HitVertex,
+};
+
+}  // namespace
+
+void registerMeshSuites() {
+  registerSuite(kAIMeshSuite, kAIMeshSuiteVersion, &gMesh);
+  registerSuite(kAIMeshVertexIteratorSuite, kAIMeshVertexIteratorSuiteVersion, &gVertex);
+  registerSuite(kAIMeshSegmentIteratorSuite, kAIMeshSegmentIteratorSuiteVersion, &gSegment);
+  registerSuite(kAIMeshSelectionSuite, kAIMeshSelectionSuiteVersion, &gSelection);
+  registerSuite(kAIMeshPatchIteratorSuite, kAIMeshPatchIteratorSuiteVersion, &gPatch);
+  registerSuite(kAIMeshHitSuite, kAIMeshHitSuiteVersion, &gHit);
+}
+
 }  // namespace lb::host
