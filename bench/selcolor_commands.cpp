@@ -1,0 +1,46 @@
+// Selection and colour commands on one square mesh selected as a whole,
+// run through the loaded module as the panel runs them. Reports the time
+// per node, which must stay flat from 64 x 64 to 256 x 256 cells.
+#include <benchmark/benchmark.h>
+
+#include "tests/select_color/MeshDoc.h"
+
+namespace {
+
+struct Cmd {
+  const char* name;
+  int id;
+  bool alt, ctrl;
+};
+
+const Cmd kCommands[] = {
+    {"SelectNodesOnly", 160, false, false},  {"SelectRegion", 150, false, false},
+    {"SelectPerimeter", 151, false, false},  {"SelectRowsColumns", 155, false, false},
+    {"ShiftSelection", 156, false, false},   {"ReflectColors", 137, false, false},
+    {"RotateColors", 138, false, false},     {"ShiftColors", 136, false, false},
+    {"SpreadColors", 149, false, false},
+};
+
+void RunCommand(benchmark::State& state, Cmd cmd) {
+  const int n = static_cast<int>(state.range(0));
+  sctest::MeshSpec spec;
+  spec.I = spec.J = n;
+  spec.whole = true;
+  lb::host::Host host(lb::io::readDocument(sctest::DocText({spec})));
+  host.loadPlugin();
+  for (auto _ : state) host.runCommand(cmd.id, cmd.alt, cmd.ctrl, true, true);
+  const double nodes = double(n + 1) * double(n + 1);
+  state.counters["nodes"] = nodes;
+  state.counters["per_node"] =
+      benchmark::Counter(nodes, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+const bool kRegistered = [] {
+  for (const Cmd& c : kCommands)
+    benchmark::RegisterBenchmark(c.name, RunCommand, c)->Arg(64)->Arg(256)->Unit(benchmark::kMillisecond);
+  return true;
+}();
+
+}  // namespace
+
+BENCHMARK_MAIN();
