@@ -1,0 +1,477 @@
+// .lbdoc reading and writing: every art type and key round-trips, every
+// malformed document names the offending value, writes are atomic.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <dirent.h>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "host/Document.h"
+#include "io/Describe.h"
+#include "io/Lbdoc.h"
+
+using lb::io::FormatError;
+using lb::io::readDocument;
+using lb::io::writeDocument;
+
+namespace {
+
+// A document with every art type and every key set to a non-default value.
+const char* kFull = R"({
+  "latticebender": 1,
+  "artboard": [-10, -20, 110.5, 220.25],
+  "styles": [
+    {"name": "[LB][Axis]", "fill": null, "stroke": {"color": {"rgb": [1, 0, 0]}, "width": 3}, "opacity": 1},
+    {"name": "[LB][Node]", "fill": {"color": {"cmyk": [0.1, 0.2, 0.3, 0.4]}}, "stroke": null, "opacity": 0.5}
+  ],
+  "key": "m",
+  "layers": [
+    {"name": "Top", "hidden": false, "locked": false, "children": [
+      {"type": "group", "id": "g", "name": "Group", "selected": false, "hidden": true, "locked": true,
+       "opacity": 0.1, "blend": "luminosity", "children": [
+        {"type": "path", "id": "p", "name": "P", "closed": true, "graphicStyle": "[LB][Axis]",
+         "fill": {"color": {"gray": 0.3}}, "stroke": {"color": "none", "width": 0.1},
+         "segments": [
+           {"p": [0.1, 0.2], "in": [0.30000000000000004, 1e-300], "out": [-5, 7], "corner": false, "selected": 4},
+           {"p": [1, 2]}
+         ]},
+        {"type": "compound", "name": "C", "blend": "softLight", "children": [
+          {"type": "path", "segments": [{"p": [1, 1]}, {"p": [2, 2]}]}]}
+      ]},
+      {"type": "raster", "id": "r", "width": 2, "height": 2, "space": "gray", "alpha": true, "bits": 8,
+       "matrix": [1, 0.5, -0.5, 1, 100, 200], "pixels": "AAECAwQFBgc=", "fill": {"color": {"rgb": [0, 0.5, 1]}}},
+      {"type": "placed", "id": "pl", "width": 1, "height": 1, "space": "cmyk", "bits": 16,
+       "pixels": "AAEAAgADAAQ=", "placedType": 3, "selected": true},
+      {"type": "mesh", "id": "m", "name": "Mesh", "selected": true, "opacity": 0.75, "blend": "multiply", "size": [2, 3]}
+    ]},
+    {"name": "Bottom", "hidden": true, "locked": true, "children": []}
+  ]
+})";
+
+FormatError readError(const std::string& text) {
+  try {
+    readDocument(text);
+  } catch (const FormatError& e) {
+    return e;
+  }
+  ADD_FAILURE() << "no error for: " << text;
+  return FormatError("", "");
+}
+
+// A one-layer document around one art object.
+std::string withArt(const std::string& art) {
+  return R"({"latticebender": 1, "layers": [{"name": "L", "children": [)" + art + "]}]}";
+}
+
+std::string tempDir() {
+  char tmpl[] = "/tmp/lbdoc-test-XXXXXX";
+  const char* d = mkdtemp(tmpl);
+  EXPECT_NE(d, nullptr);
+  return d ? d : "/tmp";
+}
+
+std::set<std::string> listDir(const std::string& dir) {
+  std::set<std::string> names;
+  if (DIR* d = opendir(dir.c_str())) {
+    while (dirent* e = readdir(d)) {
+      const std::string n = e->d_name;
+      if (n != "." && n != "..") names.insert(n);
+    }
+    closedir(d);
+  }
+  return names;
+}
+
+std::string slurp(const std::string& path) {
+  std::ifstream in(path);
+  std::stringstream ss;
+  ss << in.rdbuf();
+  return ss.str();
+}
+
+}  // namespace
+
+TEST(LbdocRead, EveryKeyLandsInTheModel) {
+  auto doc = readDocument(kFull);
+  ASSERT_TRUE(doc->artboard);
+  EXPECT_EQ(doc->artboard->left, -10);
+  EXPECT_EQ(doc->artboard->bottom, -20);
+  EXPECT_EQ(doc->artboard->right, 110.5);
+  EXPECT_EQ(doc->artboard->top, 220.25);
+  ASSERT_EQ(doc->styles().size(), 2u);
+  const auto* axis = doc->styleByName("[LB][Axis]");
+  ASSERT_NE(axis, nullptr);
+  EXPECT_FALSE(axis->paint.fillPaint);
+  EXPECT_TRUE(axis->paint.strokePaint);
+  EXPECT_EQ(axis->paint.stroke.width, 3);
+  EXPECT_EQ(doc->styleByName("[LB][Node]")->paint.fill.color.c.f.black, 0.4);
+  EXPECT_EQ(doc->styleByName("[LB][Node]")->opacity, 0.5);
+
+  ASSERT_EQ(doc->layers().size(), 2u);
+  const ArtObject* top = doc->layers()[0].get();
+  EXPECT_EQ(top->name, "Top");
+  EXPECT_TRUE(doc->layers()[1]->hidden() && doc->layers()[1]->locked());
+  ASSERT_EQ(top->children.size(), 4u);
+
+  const ArtObject* g = top->children[0].get();
+  EXPECT_EQ(g->type, kGroupArt);
+  EXPECT_EQ(g->id, "g");
+  EXPECT_TRUE(g->hidden() && g->locked() && !g->selected());
+  EXPECT_EQ(g->opacity, 0.1);
+  EXPECT_EQ(g->blendMode, kAILuminosityBlendingMode);
+  EXPECT_EQ(g->parent, top);
+
+  const ArtObject* p = g->children[0].get();
+  EXPECT_EQ(p->type, kPathArt);
+  EXPECT_TRUE(p->closed);
+  EXPECT_EQ(p->graphicStyle, "[LB][Axis]");
+  EXPECT_TRUE(p->style.fillPaint);
+  EXPECT_EQ(p->style.fill.color.kind, kGrayColor);
+  EXPECT_EQ(p->style.fill.color.c.g.gray, 0.3);
+  EXPECT_TRUE(p->style.strokePaint);
+  EXPECT_EQ(p->style.stroke.color.kind, kNoneColor);
+  EXPECT_EQ(p->style.stroke.width, 0.1);
+  ASSERT_EQ(p->segments.size(), 2u);
+  EXPECT_EQ(p->segments[0].in.h, 0.30000000000000004);
+  EXPECT_EQ(p->segments[0].in.v, 1e-300);
+  EXPECT_EQ(p->segments[0].out.h, -5);
+  EXPECT_EQ(p->segments[0].corner, 0);
+  // Retracted handles default to the anchor; corner defaults to true.
+  EXPECT_EQ(p->segments[1].in.h, 1);
+  EXPECT_EQ(p->segments[1].out.v, 2);
+  EXPECT_EQ(p->segments[1].corner, 1);
+  // An anchor selection selects the path.
+  EXPECT_TRUE(p->selected());
+  EXPECT_EQ(doc->anchorSelection(p, 0), kSegmentInAndOutSelected);
+  EXPECT_EQ(doc->anchorSelection(p, 1), kSegmentNotSelected);
+
+  const ArtObject* c = g->children[1].get();
+  EXPECT_EQ(c->type, kCompoundPathArt);
+  EXPECT_EQ(c->blendMode, kAISoftLightBlendingMode);
+  ASSERT_EQ(c->children.size(), 1u);
+
+  const ArtObject* r = top->children[1].get();
+  EXPECT_EQ(r->type, kRasterArt);
+  EXPECT_EQ(r->image.width, 2);
+  EXPECT_EQ(r->image.space, kGrayColorSpace);
+  EXPECT_TRUE(r->image.alpha);
+  EXPECT_EQ(r->image.matrix.b, 0.5);
+  EXPECT_EQ(r->image.matrix.ty, 200);
+  EXPECT_EQ(r->image.pixels, (std::vector<uint8_t>{0, 1, 2, 3, 4, 5, 6, 7}));
+  EXPECT_TRUE(r->style.fillPaint);
+  EXPECT_EQ(r->style.fill.color.c.rgb.green, 0.5);
+
+  const ArtObject* pl = top->children[2].get();
+  EXPECT_EQ(pl->type, kPlacedArt);
+  EXPECT_EQ(pl->image.space, kCMYKColorSpace);
+  EXPECT_EQ(pl->image.bits, 16);
+  EXPECT_EQ(pl->image.placedType, 3);
+  EXPECT_TRUE(pl->selected());
+  EXPECT_EQ(pl->image.matrix.a, 1);  // identity by default
+
+  const ArtObject* m = top->children[3].get();
+  EXPECT_EQ(m->type, kMeshArt);
+  ASSERT_NE(m->mesh, nullptr);
+  EXPECT_EQ(m->mesh->sizeI(), 2);
+  EXPECT_EQ(m->mesh->sizeJ(), 3);
+  EXPECT_EQ(m->blendMode, kAIMultiplyBlendingMode);
+  EXPECT_EQ(doc->keyArt(), m);
+  EXPECT_TRUE(doc->contains(m) && doc->contains(p) && doc->contains(c->children[0].get()));
+}
+
+TEST(LbdocRead, DefaultsOfOptionalKeys) {
+  auto doc = readDocument(withArt(R"({"type": "path", "segments": []})"));
+  EXPECT_FALSE(doc->artboard);
+  EXPECT_TRUE(doc->keyArtId.empty());
+  const ArtObject* p = doc->layers()[0]->children[0].get();
+  EXPECT_TRUE(p->id.empty());
+  EXPECT_EQ(p->name, "");
+  EXPECT_EQ(p->userAttr, 0);
+  EXPECT_EQ(p->opacity, 1);
+  EXPECT_EQ(p->blendMode, kAINormalBlendingMode);
+  EXPECT_FALSE(p->closed);
+  EXPECT_FALSE(p->style.fillPaint);
+  EXPECT_FALSE(p->style.strokePaint);
+  auto r = readDocument(withArt(R"({"type": "raster", "width": 1, "height": 1, "pixels": "AA=="})"));
+  const ArtImage& im = r->layers()[0]->children[0]->image;
+  EXPECT_EQ(im.space, kGrayColorSpace);
+  EXPECT_FALSE(im.alpha);
+  EXPECT_EQ(im.bits, 8);
+  // Stroke width defaults to 1.
+  auto s = readDocument(withArt(R"({"type": "path", "stroke": {"color": {"gray": 1}}, "segments": []})"));
+  EXPECT_EQ(s->layers()[0]->children[0]->style.stroke.width, 1);
+}
+
+TEST(LbdocRead, SelectedPathWithoutAnchorStatesHasEveryAnchorSelected) {
+  auto doc = readDocument(withArt(R"({"type": "path", "selected": true, "segments": [{"p": [0, 0]}, {"p": [1, 0]}]})"));
+  const ArtObject* p = doc->layers()[0]->children[0].get();
+  EXPECT_EQ(doc->anchorSelection(p, 0), kSegmentPointSelected);
+  EXPECT_EQ(doc->anchorSelection(p, 1), kSegmentPointSelected);
+  // A bool per anchor reads as 0 or 1.
+  auto b = readDocument(withArt(R"({"type": "path", "segments": [{"p": [0, 0], "selected": true}, {"p": [1, 0], "selected": false}]})"));
+  const ArtObject* q = b->layers()[0]->children[0].get();
+  EXPECT_EQ(b->anchorSelection(q, 0), kSegmentPointSelected);
+  EXPECT_EQ(b->anchorSelection(q, 1), kSegmentNotSelected);
+}
+
+TEST(LbdocRoundTrip, ReadWriteReadIsStable) {
+  auto a = readDocument(kFull);
+  const std::string once = writeDocument(*a);
+  auto b = readDocument(once);
+  const std::string twice = writeDocument(*b);
+  EXPECT_EQ(once, twice);
+  // Doubles survive exactly.
+  const ArtObject* p = b->layers()[0]->children[0]->children[0].get();
+  EXPECT_EQ(p->segments[0].in.h, 0.30000000000000004);
+  EXPECT_EQ(p->segments[0].in.v, 1e-300);
+  EXPECT_EQ(b->artboard->right, 110.5);
+  EXPECT_EQ(b->keyArtId, "m");
+}
+
+TEST(LbdocRoundTrip, WrittenFilesSpellOutEveryKey) {
+  auto doc = readDocument(withArt(R"({"type": "path", "selected": true, "segments": [{"p": [0, 0]}, {"p": [1, 0]}]})"));
+  const auto j = nlohmann::json::parse(writeDocument(*doc));
+  EXPECT_EQ(j["latticebender"], 1);
+  EXPECT_TRUE(j.contains("styles"));
+  const auto& layer = j["layers"][0];
+  for (const char* k : {"name", "hidden", "locked", "children"}) EXPECT_TRUE(layer.contains(k)) << k;
+  const auto& p = layer["children"][0];
+  for (const char* k : {"type", "name", "selected", "hidden", "locked", "opacity", "blend", "closed", "fill", "stroke",
+                        "segments"})
+    EXPECT_TRUE(p.contains(k)) << k;
+  EXPECT_FALSE(p.contains("id"));  // art without an id stays without
+  const auto& s = p["segments"][1];
+  for (const char* k : {"p", "in", "out", "corner", "selected"}) EXPECT_TRUE(s.contains(k)) << k;
+  // The implicit "every anchor" selection is written out per anchor.
+  EXPECT_EQ(s["selected"], 1);
+  EXPECT_TRUE(p["fill"].is_null());
+}
+
+TEST(LbdocRoundTrip, ModelEditsSurvive) {
+  lb::host::Document d;
+  d.addLayer("A");
+  ArtObject* p = nullptr;
+  ASSERT_EQ(d.newArt(kPathArt, kPlaceAboveAll, nullptr, &p), kNoErr);
+  p->segments = {AIPathSegment{{1.0 / 3, 2.0 / 3}, {0.1, 0.2}, {M_PI, -M_E}, 0}};
+  p->segmentSelection = {3};
+  p->userAttr = kArtSelected;
+  p->opacity = 0.123456789012345678;
+  p->blendMode = kAIColorDodgeBlendingMode;
+  ArtObject* m = nullptr;
+  ASSERT_EQ(d.newArt(kMeshArt, kPlaceBelowAll, nullptr, &m), kNoErr);
+  m->mesh->initCartesian(4, 1);
+  auto back = readDocument(writeDocument(d));
+  const ArtObject* p2 = back->layers()[0]->children[0].get();
+  EXPECT_EQ(p2->segments[0].p.h, 1.0 / 3);
+  EXPECT_EQ(p2->segments[0].out.v, -M_E);
+  EXPECT_EQ(back->anchorSelection(p2, 0), kSegmentOutSelected);
+  EXPECT_EQ(p2->opacity, 0.123456789012345678);
+  EXPECT_EQ(p2->blendMode, kAIColorDodgeBlendingMode);
+  // A new path's look (stroked black) is written and read back.
+  EXPECT_TRUE(p2->style.strokePaint);
+  EXPECT_EQ(p2->style.stroke.color.c.g.gray, 1);
+  const ArtObject* m2 = back->layers()[0]->children[1].get();
+  EXPECT_EQ(m2->mesh->sizeI(), 4);
+  EXPECT_EQ(m2->mesh->sizeJ(), 1);
+  EXPECT_EQ(writeDocument(*back), writeDocument(d));
+}
+
+TEST(LbdocErrors, EachNamesTheOffendingValue) {
+  struct Case {
+    std::string text;
+    std::string path;
+    std::string words;  // part of the message
+  };
+  const std::string seg2 = R"("segments": [{"p": [0, 0]}, {"p": [1, 0]}])";
+  const std::vector<Case> cases = {
+      {R"({"layers": []})", "latticebender", "missing"},
+      {R"({"latticebender": 2, "layers": []})", "latticebender", "version"},
+      {R"({"latticebender": "1", "layers": []})", "latticebender", "integer"},
+      {R"({"latticebender": 1})", "layers", "missing"},
+      {R"({"latticebender": 1, "layers": [], "extra": 0})", "extra", "unknown key"},
+      {R"({"latticebender": 1, "layers": {}})", "layers", "array"},
+      {R"({"latticebender": 1, "artboard": [0, 0, 1], "layers": []})", "artboard", ""},
+      {R"({"latticebender": 1, "artboard": [0, 0, 1, "x"], "layers": []})", "artboard[3]", "number"},
+      {R"({"latticebender": 1, "artboard": [5, 0, 1, 1], "layers": []})", "artboard", "empty"},
+      {R"({"latticebender": 1, "key": "nobody", "layers": []})", "key", "nobody"},
+      {R"({"latticebender": 1, "styles": [{"name": "a"}, {"name": "a"}], "layers": []})", "styles[1].name",
+       "duplicate"},
+      {R"({"latticebender": 1, "styles": [{"fill": null}], "layers": []})", "styles[0].name", "missing"},
+      {R"({"latticebender": 1, "styles": [{"name": "s", "opacity": 2}], "layers": []})", "styles[0].opacity",
+       "0..1"},
+      {R"({"latticebender": 1, "styles": [{"name": "s", "fill": {"color": {"gray": 0.5}, "width": 2}}], "layers": []})",
+       "styles[0].fill.width", "unknown key"},
+      {R"({"latticebender": 1, "layers": [{"name": 3}]})", "layers[0].name", "string"},
+      {R"({"latticebender": 1, "layers": [{"name": "L", "visible": true}]})", "layers[0].visible", "unknown key"},
+      {withArt(R"({"segments": []})"), "layers[0].children[0].type", "missing"},
+      {withArt(R"({"type": "circle"})"), "layers[0].children[0].type", "circle"},
+      {withArt(R"({"type": "path", "segments": [], "colour": 1})"), "layers[0].children[0].colour", "unknown key"},
+      {withArt(R"({"type": "path"})"), "layers[0].children[0].segments", "missing"},
+      {withArt(R"({"type": "path", "segments": [{"p": [0, 0]}, {"p": [0]}]})"), "layers[0].children[0].segments[1].p",
+       ""},
+      {withArt(R"({"type": "path", "segments": [{"in": [0, 0]}]})"), "layers[0].children[0].segments[0].p", "missing"},
+      {withArt(R"({"type": "path", "segments": [{"p": [0, 0], "selected": 5}]})"),
+       "layers[0].children[0].segments[0].selected", "0..4"},
+      {withArt(R"({"type": "path", "segments": [{"p": [0, 0], "corner": 1}]})"),
+       "layers[0].children[0].segments[0].corner", "true or false"},
+      {withArt(R"({"type": "path", "fill": {"color": {"rgb": [0, 1.5, 0]}}, "segments": []})"),
+       "layers[0].children[0].fill.color.rgb[1]", "0..1"},
+      {withArt(R"({"type": "path", "fill": {"color": {"cmyk": [0, 0, 0, -0.1]}}, "segments": []})"),
+       "layers[0].children[0].fill.color.cmyk[3]", "0..1"},
+      {withArt(R"({"type": "path", "stroke": {"color": {"gray": 0.5, "rgb": [0, 0, 0]}}, "segments": []})"),
+       "layers[0].children[0].stroke.color", "exactly one"},
+      {withArt(R"({"type": "path", "stroke": {"color": "red"}, "segments": []})"),
+       "layers[0].children[0].stroke.color", "red"},
+      {withArt(R"({"type": "path", "stroke": {"width": 1}, "segments": []})"), "layers[0].children[0].stroke.color",
+       "missing"},
+      {withArt(R"({"type": "path", "opacity": 1.01, )" + seg2 + "}"), "layers[0].children[0].opacity", "0..1"},
+      {withArt(R"({"type": "path", "blend": "add", )" + seg2 + "}"), "layers[0].children[0].blend", "add"},
+      {withArt(R"({"type": "path", "graphicStyle": "[LB][Nope]", )" + seg2 + "}"),
+       "layers[0].children[0].graphicStyle", "unknown style"},
+      {withArt(R"({"type": "path", "selected": "yes", )" + seg2 + "}"), "layers[0].children[0].selected",
+       "true or false"},
+      {withArt(R"({"type": "path", "id": "a", "segments": []}, {"type": "group", "children": [{"type": "path", "id": "a", "segments": []}]})"),
+       "layers[0].children[1].children[0].id", "duplicate id"},
+      {withArt(R"({"type": "compound", "children": [{"type": "group", "children": []}]})"),
+       "layers[0].children[0].children[0].type", "only paths"},
+      {withArt(R"({"type": "group", "children": [{"type": "path", "segments": [{"p": [0, 1e999]}]}]})"), "", ""},
+      {withArt(R"({"type": "raster", "width": 2, "height": 1, "pixels": "AA=="})"), "layers[0].children[0].pixels",
+       "expected 2"},
+      {withArt(R"({"type": "raster", "width": 1, "height": 1, "space": "rgb", "alpha": true, "pixels": "AAAA"})"),
+       "layers[0].children[0].pixels", "expected 4"},
+      {withArt(R"({"type": "raster", "width": 1, "height": 1, "pixels": "A*=="})"), "layers[0].children[0].pixels",
+       "base64"},
+      {withArt(R"({"type": "raster", "width": 0, "height": 1, "pixels": ""})"), "layers[0].children[0].width",
+       "at least 1"},
+      {withArt(R"({"type": "raster", "width": 1.5, "height": 1, "pixels": "AA=="})"), "layers[0].children[0].width",
+       "integer"},
+      {withArt(R"({"type": "raster", "width": 1, "height": 1, "bits": 12, "pixels": "AA=="})"),
+       "layers[0].children[0].bits", "8 or 16"},
+      {withArt(R"({"type": "raster", "width": 1, "height": 1, "space": "lab", "pixels": "AA=="})"),
+       "layers[0].children[0].space", "lab"},
+      {withArt(R"({"type": "raster", "width": 1, "height": 1, "pixels": "AA==", "matrix": [1, 0, 0, 1, 0]})"),
+       "layers[0].children[0].matrix", ""},
+      {withArt(R"({"type": "raster", "width": 1, "height": 1, "pixels": "AA==", "placedType": 1})"),
+       "layers[0].children[0].placedType", "unknown key"},
+      {withArt(R"({"type": "placed", "width": 1, "height": 1, "pixels": "AA==", "placedType": "image"})"),
+       "layers[0].children[0].placedType", "integer"},
+      {withArt(R"({"type": "mesh", "size": [1, 1], "segments": []})"), "layers[0].children[0].segments",
+       "unknown key"},
+      {withArt(R"({"type": "mesh"})"), "layers[0].children[0].size", ""},
+  };
+  for (const Case& c : cases) {
+    const FormatError e = readError(c.text);
+    if (c.path.empty()) continue;  // only that it fails
+    EXPECT_EQ(e.path(), c.path) << c.text << "\n" << e.what();
+    EXPECT_NE(std::string(e.what()).find(c.words), std::string::npos) << e.what();
+  }
+}
+
+TEST(LbdocErrors, MalformedJsonGivesLineAndColumn) {
+  const FormatError e = readError("{\n  \"latticebender\": 1,\n  \"layers\": [,]\n}");
+  EXPECT_EQ(e.path(), "line 3, column 14");
+  EXPECT_NE(std::string(e.what()).find("malformed JSON"), std::string::npos);
+  const FormatError empty = readError("");
+  EXPECT_NE(std::string(empty.what()).find("malformed JSON"), std::string::npos);
+  const FormatError notObject = readError("[1, 2]");
+  EXPECT_EQ(notObject.path(), "document");
+}
+
+TEST(LbdocFiles, ErrorsNameTheFile) {
+  const std::string dir = tempDir();
+  const std::string path = dir + "/bad.lbdoc";
+  {
+    std::ofstream out(path);
+    out << withArt(R"({"type": "path", "opacity": 7, "segments": []})");
+  }
+  try {
+    lb::io::readDocumentFile(path);
+    ADD_FAILURE() << "no error";
+  } catch (const FormatError& e) {
+    EXPECT_EQ(e.path(), "layers[0].children[0].opacity");
+    EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
+  }
+  try {
+    lb::io::readDocumentFile(dir + "/missing.lbdoc");
+    ADD_FAILURE() << "no error";
+  } catch (const FormatError& e) {
+    EXPECT_NE(std::string(e.what()).find("missing.lbdoc"), std::string::npos) << e.what();
+  }
+  std::remove(path.c_str());
+  rmdir(dir.c_str());
+}
+
+TEST(LbdocFiles, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
+  const std::string dir = tempDir();
+  const std::string path = dir + "/doc.lbdoc";
+  auto doc = readDocument(kFull);
+  {
+    std::ofstream out(path);
+    out << "old contents";
+  }
+  lb::io::writeDocumentFileAtomic(*doc, path);
+  EXPECT_EQ(slurp(path), writeDocument(*doc));
+  EXPECT_EQ(listDir(dir), (std::set<std::string>{"doc.lbdoc"}));
+  auto back = lb::io::readDocumentFile(path);
+  EXPECT_EQ(writeDocument(*back), writeDocument(*doc));
+
+  // A failed write (the target is a directory, so the rename fails) leaves
+  // the directory as it was: no partial file, no temporary.
+  const std::string blocked = dir + "/blocked";
+  ASSERT_EQ(mkdir(blocked.c_str(), 0755), 0);
+  EXPECT_THROW(lb::io::writeDocumentFileAtomic(*doc, blocked), std::runtime_error);
+  EXPECT_EQ(listDir(dir), (std::set<std::string>{"doc.lbdoc", "blocked"}));
+  // A directory that does not exist: nothing is created.
+  EXPECT_THROW(lb::io::writeDocumentFileAtomic(*doc, dir + "/no/such/dir/x.lbdoc"), std::runtime_error);
+  EXPECT_EQ(listDir(dir), (std::set<std::string>{"doc.lbdoc", "blocked"}));
+  EXPECT_EQ(slurp(path), writeDocument(*doc));
+  rmdir(blocked.c_str());
+  std::remove(path.c_str());
+  rmdir(dir.c_str());
+}
+
+TEST(LbdocExamples, ShippedExamplesReadAndRoundTrip) {
+  const char* src = std::getenv("LB_SOURCE_DIR");
+  const std::string root = src ? src : ".";
+  const auto names = listDir(root + "/examples");
+  int seen = 0;
+  for (const std::string& n : names) {
+    if (n.size() < 6 || n.substr(n.size() - 6) != ".lbdoc") continue;
+    ++seen;
+    SCOPED_TRACE(n);
+    try {
+      auto doc = lb::io::readDocumentFile(root + "/examples/" + n);
+      auto again = readDocument(writeDocument(*doc));
+      EXPECT_EQ(writeDocument(*again), writeDocument(*doc));
+    } catch (const std::exception& e) {
+      ADD_FAILURE() << e.what();
+    }
+  }
+  EXPECT_GE(seen, 3);
+}
+
+TEST(Describe, SummarisesTreeAttributesAndMeshes) {
+  auto doc = readDocument(kFull);
+  const std::string text = lb::io::describeDocument(*doc);
+  EXPECT_NE(text.find("2 layers, 2 styles"), std::string::npos) << text;
+  EXPECT_NE(text.find("layer \"Top\""), std::string::npos) << text;
+  EXPECT_NE(text.find("  group \"Group\" #g hidden locked opacity=0.1 blend=luminosity (2 children)"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("    path \"P\" #p selected style=\"[LB][Axis]\" 2 anchors closed, 1 selected"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("raster #r 2x2 gray+alpha 8-bit"), std::string::npos) << text;
+  EXPECT_NE(text.find("placed #pl selected 1x1 cmyk 16-bit placedType=3"), std::string::npos) << text;
+  EXPECT_NE(text.find("mesh \"Mesh\" #m selected opacity=0.75 blend=multiply key 2x3 cells"), std::string::npos)
+      << text;
+  EXPECT_NE(text.find("layer \"Bottom\" hidden locked (0 children)"), std::string::npos) << text;
+}
