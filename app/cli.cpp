@@ -1,7 +1,215 @@
-// The `latticebender` command line (placeholder until the subcommands land).
+// The `latticebender` command line: run, info, render, panel, demo.
+#include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
 
-int lbMain(int, char**) {
-  std::puts("latticebender");
-  return 0;
+#include "app/CommandSpec.h"
+#include "app/DemoTour.h"
+#include "app/PanelSnapshot.h"
+#include "app/RenderBridge.h"
+#include "host/Host.h"
+#include "io/Lbdoc.h"
+
+#if __has_include("io/Describe.h")
+#include "io/Describe.h"
+#define LB_HAVE_DESCRIBE 1
+#endif
+
+namespace {
+using lb::app::CommandSpec;
+
+constexpr int kDone = 0;
+constexpr int kUsage = 2;
+constexpr int kBadInput = 3;
+constexpr int kFailure = 4;
+
+// A usage error found after CLI11's own checks.
+struct UsageError {
+  std::string message;
+};
+
+void Error(const std::string& message) { std::cerr << "latticebender: " << message << "\n"; }
+
+// Reads a document; a bad or unreadable file is reported once, naming it.
+std::unique_ptr<lb::host::Document> ReadInput(const std::string& path, int* status) {
+  try {
+    return lb::io::readDocumentFile(path);
+  } catch (const lb::io::FormatError& e) {
+    const std::string what = e.what();
+    Error(what.find(path) == std::string::npos ? path + ": " + what : what);
+  } catch (const std::exception& e) {
+    Error(path + ": " + e.what());
+  }
+  *status = kBadInput;
+  return nullptr;
+}
+
+// The run's options in the order given, as (name, value) pairs.
+std::vector<std::pair<std::string, std::string>> OptionsInOrder(const CLI::App& run,
+                                                                const CLI::Option* command,
+                                                                const CLI::Option* color,
+                                                                const CLI::Option* opacity) {
+  std::vector<std::pair<std::string, std::string>> options;
+  size_t next[3] = {0, 0, 0};
+  const CLI::Option* opts[3] = {command, color, opacity};
+  const char* names[3] = {"command", "color", "opacity"};
+  for (const CLI::Option* opt : run.parse_order()) {
+    for (int k = 0; k < 3; ++k) {
+      if (opt != opts[k]) continue;
+      const auto& values = opts[k]->results();
+      if (next[k] < values.size()) options.emplace_back(names[k], values[next[k]++]);
+    }
+  }
+  return options;
+}
+
+int RunDocument(const std::string& docPath, const std::string& outPath,
+                const std::vector<CommandSpec>& specs) {
+  int status = kDone;
+  auto doc = ReadInput(docPath, &status);
+  if (!doc) return status;
+  const bool toStdout = outPath.empty() || outPath == "-";
+  try {
+    lb::host::Host host(std::move(doc));
+    host.setAlertSink([](const std::string& text) {
+      std::fwrite(text.data(), 1, text.size(), stdout);
+      std::fputc('\n', stdout);
+      std::fflush(stdout);
+    });
+    host.loadPlugin();
+    for (const CommandSpec& c : specs) {
+      AIErr err = host.runCommand(c.id, c.alt, c.ctrl, c.useColor, c.useOpacity);
+      if (err) throw std::runtime_error("command " + std::to_string(c.id) + " failed with code " +
+                                        std::to_string(err));
+    }
+    host.shutdownPlugin();
+    auto result = host.takeDocument();
+    if (toStdout) {
+      const std::string text = lb::io::writeDocument(*result);
+      std::fwrite(text.data(), 1, text.size(), stdout);
+      if (text.empty() || text.back() != '\n') std::fputc('\n', stdout);
+      std::fflush(stdout);
+    } else {
+      lb::io::writeDocumentFileAtomic(*result, outPath);
+    }
+  } catch (const std::exception& e) {
+    Error(e.what());
+    return kFailure;
+  }
+  return kDone;
+}
+
+int Info(const std::string& docPath) {
+  int status = kDone;
+  auto doc = ReadInput(docPath, &status);
+  if (!doc) return status;
+#ifdef LB_HAVE_DESCRIBE
+  std::cout << lb::io::describeDocument(*doc);
+  return kDone;
+#else
+  Error("info is not available in this build");
+  return kFailure;
+#endif
+}
+
+int Render(const std::string& docPath, const std::string& outPath, double scale, bool selection) {
+  if (!(scale > 0) || scale > 64) {
+    Error("--scale must be above 0 and at most 64");
+    return kUsage;
+  }
+  int status = kDone;
+  auto doc = ReadInput(docPath, &status);
+  if (!doc) return status;
+  if (!lb::app::renderAvailable()) {
+    Error("rendering is not available in this build");
+    return kFailure;
+  }
+  try {
+    lb::app::renderPng(*doc, outPath, scale, selection);
+  } catch (const std::exception& e) {
+    Error(e.what());
+    return kFailure;
+  }
+  return kDone;
+}
+
+}  // namespace
+
+int lbMain(int argc, char** argv) {
+  CLI::App app{"LatticeBender: gradient-mesh commands on .lbdoc documents", "latticebender"};
+  app.require_subcommand(1);
+
+  std::string docPath, outPath;
+  std::vector<std::string> commandTexts, colorTexts, opacityTexts;
+  auto* run = app.add_subcommand("run", "Run panel commands on a document");
+  run->add_option("DOC", docPath, "Input document (.lbdoc)")->required();
+  run->add_option("-o,--output", outPath, "Output document (default: standard output)");
+  auto* command = run->add_option("--command", commandTexts,
+                                  "Command ID[+alt][+ctrl]; repeat for more commands");
+  auto* color = run->add_option("--color", colorTexts,
+                                "on|off: the colour checkbox for the commands that follow");
+  auto* opacity = run->add_option("--opacity", opacityTexts,
+                                  "on|off: the opacity checkbox for the commands that follow");
+  for (CLI::Option* o : {command, color, opacity}) o->allow_extra_args(false);
+
+  auto* info = app.add_subcommand("info", "Summarise a document");
+  info->add_option("DOC", docPath, "Input document (.lbdoc)")->required();
+
+  double scale = 1.0;
+  bool selection = false;
+  auto* render = app.add_subcommand("render", "Draw a document to PNG");
+  render->add_option("DOC", docPath, "Input document (.lbdoc)")->required();
+  render->add_option("-o,--output", outPath, "Output picture (.png)")->required();
+  render->add_option("--scale", scale, "Pixels per document unit");
+  render->add_flag("--selection", selection, "Overlay the selected mesh points");
+
+  std::string hoverText, pressText;
+  auto* panel = app.add_subcommand("panel", "Draw the command panel to PNG");
+  panel->add_option("-o,--output", outPath, "Output picture (.png)")->required();
+  panel->add_option("--hover", hoverText, "Cursor position X,Y");
+  panel->add_option("--press", pressText, "Left button pressed at X,Y");
+
+  std::string demoDir = "demo-out";
+  auto* demo = app.add_subcommand("demo", "Run the demo tour");
+  demo->add_option("-o,--output", demoDir, "Output directory");
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    const int code = app.exit(e);
+    return code == 0 ? kDone : kUsage;
+  }
+
+  try {
+    if (run->parsed()) {
+      std::vector<CommandSpec> specs;
+      try {
+        specs = lb::app::commandsInOrder(OptionsInOrder(*run, command, color, opacity));
+      } catch (const std::invalid_argument& e) {
+        throw UsageError{e.what()};
+      }
+      return RunDocument(docPath, outPath, specs);
+    }
+    if (info->parsed()) return Info(docPath);
+    if (render->parsed()) return Render(docPath, outPath, scale, selection);
+    if (panel->parsed()) {
+      std::optional<std::pair<int, int>> hover, press;
+      if (!hoverText.empty() && !(hover = lb::app::parsePoint(hoverText)))
+        throw UsageError{"--hover takes X,Y, not '" + hoverText + "'"};
+      if (!pressText.empty() && !(press = lb::app::parsePoint(pressText)))
+        throw UsageError{"--press takes X,Y, not '" + pressText + "'"};
+      return lb::app::panelSnapshot(outPath, hover, press);
+    }
+    if (demo->parsed()) return lb::app::runDemo(demoDir);
+  } catch (const UsageError& e) {
+    Error(e.message);
+    return kUsage;
+  } catch (const std::exception& e) {
+    Error(e.what());
+    return kFailure;
+  }
+  return kUsage;
 }

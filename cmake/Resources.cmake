@@ -59,6 +59,7 @@ set(LB_RESOURCE_SOURCES ${_lb_res_cpp})
 # The generator of the pictures runs before the table is built.
 foreach(_tgt IN LISTS LB_GENERATED_RESOURCES_TARGET LB_ICONS_TARGET)
   if(_tgt)
-    cmake_language(DEFER CALL add_dependencies lb_plugin_objs ${_tgt})
+    # Deferred calls read variables when they run: bake the name in now.
+    cmake_language(EVAL CODE "cmake_language(DEFER CALL add_dependencies lb_plugin_objs ${_tgt})")
   endif()
 endforeach()

@@ -1,0 +1,174 @@
+// Every (id, modifiers) pair of 130..171 reaches exactly the operation the
+// command table names, with its arguments, after the switches are set.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "Dispatch.h"
+#include "Fakes.h"
+#include "Suites.h"
+#include "color/ColorOpacity.h"
+
+namespace {
+
+// Columns: none, Alt, Ctrl, Ctrl+Alt. "" means the pair does nothing.
+struct Row {
+  const char* cell[4];
+};
+
+// clang-format off
+const std::map<int, Row> kExpected = {
+  {131, {{"MakeMeshGrid(0,0)", "MakeMeshGrid(0,1)", "MakeMeshGrid(1,0)", "MakeMeshDotsGroup()"}}},
+  {132, {{"MakeMeshCornerNodesAndCoords(0)", "MakeMeshCornerNodesAndCoords(1)",
+          "MakeMeshCornerNodesAndCoords(2)", "MakeMeshCornerNodesAndCoords(0)"}}},
+  {133, {{"MeshSwapCornerNodeAndVertex()", "MeshSwapCornerNodeAndVertex()",
+          "MeshSwapCornerNodeAndVertex()", "MeshSwapCornerNodeAndVertex()"}}},
+  {134, {{"KnotsSplit()", "KnotsDel(1)", "KnotsDel(0)", ""}}},
+  {135, {{"MeshSegmentsJoin()", "VerticesDel(1)", "VerticesDel(0)", ""}}},
+  {136, {{"color::Shift(0,0)", "color::Shift(0,1)", "color::Shift(1,0)", "color::Shift(1,1)"}}},
+  {137, {{"color::Flip(0)", "color::Flip(0)", "color::Flip(1)", "color::Flip(1)"}}},
+  {138, {{"color::Rotate(1)", "color::Rotate(0)", "", ""}}},
+  {139, {{"color::Copy(0,0)", "color::Copy(1,0)", "color::Copy(0,1)", "color::Copy(1,1)"}}},
+  {140, {{"MeshCutter()", "MeshCutter()", "MeshCutter()", "MeshCutter()"}}},
+  {141, {{"MakeMeshFromPath(0)", "MakeMeshFromPath(1)", "MakeMeshFromPath(0)", "MakeMeshFromPath(1)"}}},
+  {142, {{"MakeMeshGridForBrush(0)", "MakeMeshGridForBrush(1)", "MakeMeshGridForBrush(0)",
+          "MakeMeshGridForBrush(1)"}}},
+  {143, {{"MakeMeshFromBrushGrid(0)", "MakeMeshFromBrushGrid(1)", "MakeMeshFromBrushGrid(0)",
+          "MakeMeshFromBrushGrid(1)"}}},
+  {144, {{"handles::SmoothNodes(1,1,0)", "handles::SmoothNodes(1,0,0)", "handles::SmoothNodes(0,1,0)",
+          "handles::SmoothNodes(0,0,1)"}}},
+  {145, {{"handles::Nodes13or0(0,0,0,0)", "handles::Nodes13or0(0,1,1,0)",
+          "handles::Nodes13or0(0,1,0,1)", "handles::Nodes13or0(0,1,1,1)"}}},
+  {146, {{"handles::Nodes13or0(1,0,0,0)", "handles::Nodes13or0(1,1,1,0)",
+          "handles::Nodes13or0(1,1,0,1)", "handles::Nodes13or0(1,1,1,1)"}}},
+  {147, {{"align::NodesAlign(1,0)", "align::NodesAlign(1,1)", "align::NodesAlign(1,2)", ""}}},
+  {148, {{"align::NodesAlign(0,0)", "align::NodesAlign(0,1)", "align::NodesAlign(0,2)", ""}}},
+  {149, {{"color::Spread(0,0)", "color::Spread(0,1)", "color::Spread(1,0)", "color::Spread(1,1)"}}},
+  {150, {{"sel::Full(0)", "sel::Full(0)", "sel::Full(0)", "sel::Full(0)"}}},
+  {151, {{"sel::Perim(1,1,0)", "sel::Perim(1,0,0)", "sel::Perim(0,1,0)", "sel::Perim(1,1,0)"}}},
+  {152, {{"MeshAddTwo(0,0,0)", "MeshAddTwo(1,0,0)", "MeshAddTwo(0,1,0)", "MeshAddTwo(1,1,0)"}}},
+  {153, {{"MeshAddTwo(0,0,1)", "MeshAddTwo(1,0,1)", "MeshAddTwo(0,1,1)", "MeshAddTwo(1,1,1)"}}},
+  {154, {{"color::Pattern(0,0)", "color::Pattern(1,0)", "color::Pattern(0,1)", "color::Pattern(0,0)"}}},
+  {155, {{"sel::Cross(1,1,0)", "sel::Cross(1,0,0)", "sel::Cross(0,1,0)", "sel::Cross(1,1,0)"}}},
+  {156, {{"sel::Shift(1,0)", "sel::Shift(-1,0)", "sel::Shift(0,1)", "sel::Shift(0,-1)"}}},
+  {157, {{"align::NodesSpreadAlongPath(0,1,0)", "align::NodesSpreadAlongPath(1,1,0)",
+          "align::NodesSpreadAlongPath(0,1,1)", "align::NodesSpreadAlongPath(1,1,1)"}}},
+  {158, {{"color::CatchFromRaster(1)", "color::CatchFromMeshSurface(1)", "color::CatchFromRaster(0)",
+          "color::CatchFromMeshSurface(0)"}}},
+  {159, {{"handles::Angle90Deg(1,1)", "handles::Angle90Deg(1,0)", "handles::Angle90Deg(0,1)",
+          "align::Turn180()"}}},
+  {160, {{"sel::Nodes(0)", "sel::Nodes(1)", "sel::Nodes(2)", ""}}},
+  {161, {{"MeshAddMany(0)", "MeshAddMany(0)", "MeshAddMany(0)", "MeshAddMany(0)"}}},
+  {162, {{"dens::Mul(1,1)", "dens::Mul(1,0)", "dens::Mul(0,1)", ""}}},
+  {163, {{"dens::Div(1,1)", "dens::Div(1,0)", "dens::Div(0,1)", ""}}},
+  {164, {{"AddRowFromPath(0,0)", "AddRowFromPath(1,0)", "AddRowFromPath(0,1)", "AddRowFromPath(1,1)"}}},
+  {165, {{"AddZeroRow()", "", "DelZeroRow(0)", "DelZeroRow(1)"}}},
+  {166, {{"uv::ResetRelative()", "uv::ResetRelative()", "uv::ResetLinear()", "uv::ResetLinear()"}}},
+  {167, {{"dir::Rotate(1)", "dir::Rotate(0)", "dir::Flip(0)", "dir::Flip(1)"}}},
+  {168, {{"", "", "", ""}}},
+  {169, {{"debug::AlertUVs()", "debug::AlertUVs()", "debug::AlertUVs()", "debug::AlertUVs()"}}},
+  {170, {{"SewPathesNew()", "SewPathesNew()", "SewPathesNew()", "SewPathesNew()"}}},
+};
+// clang-format on
+
+class Dispatch : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    fake::resetHost();
+    fake::calls.clear();
+    gsSPBasic = fake::basic();
+    gPluginRef = reinterpret_cast<SPPluginRef>(0x99);
+  }
+  void TearDown() override {
+    EXPECT_EQ(gAcquireCount, 0);
+    EXPECT_EQ(lb::s::gAcquireCount, 0);
+    EXPECT_TRUE(fake::host.acquired.empty());
+    EXPECT_EQ(fake::host.contexts, 0);
+  }
+};
+
+TEST_F(Dispatch, EveryIdAndModifierPairRunsTheRightOperation) {
+  for (int id = 130; id <= 171; ++id) {
+    for (int mods = 0; mods < 4; ++mods) {
+      const bool alt = mods & 1, ctrl = mods & 2;
+      SCOPED_TRACE("id " + std::to_string(id) + " alt " + std::to_string(alt) + " ctrl " +
+                   std::to_string(ctrl));
+      fake::calls.clear();
+      EXPECT_EQ(BtnsRunLbFunc(id, alt, ctrl, true, true), AIFourCC("POP!"));
+      auto it = kExpected.find(id);
+      const std::string expected = it == kExpected.end() ? "" : it->second.cell[mods];
+      if (expected.empty()) {
+        EXPECT_TRUE(fake::calls.empty()) << fake::calls.front().text;
+      } else {
+        ASSERT_EQ(fake::calls.size(), 1u);
+        EXPECT_EQ(fake::calls[0].text, expected);
+        // The command suites are held while the operation runs.
+        EXPECT_EQ(fake::calls[0].commandAcquisitions, 1);
+      }
+    }
+  }
+  EXPECT_EQ(kExpected.size(), 40u);
+}
+
+TEST_F(Dispatch, SwitchesAreSetBeforeTheOperationRuns) {
+  for (int color = 0; color < 2; ++color) {
+    for (int opacity = 0; opacity < 2; ++opacity) {
+      CColorOpacity::sm_bUseColor = !color;
+      CColorOpacity::sm_bUseOpacity = !opacity;
+      CColorOpacity::sm_bUseAll = 0;
+      fake::calls.clear();
+      RunLBFunc(136, false, false, color, opacity);
+      ASSERT_EQ(fake::calls.size(), 1u);
+      EXPECT_EQ(fake::calls[0].useColor, color);
+      EXPECT_EQ(fake::calls[0].useOpacity, opacity);
+      EXPECT_EQ(CColorOpacity::sm_bUseAll, 0);  // never the dispatcher's business
+    }
+  }
+}
+
+TEST_F(Dispatch, IdsThatRunNothingStillRecordTheSwitchesAndCycleTheSuites) {
+  for (int id : {130, 168, 171}) {
+    CColorOpacity::sm_bUseColor = 1;
+    CColorOpacity::sm_bUseOpacity = 1;
+    fake::host.acquireLog.clear();
+    RunLBFunc(id, false, false, false, false);
+    EXPECT_EQ(CColorOpacity::sm_bUseColor, 0);
+    EXPECT_EQ(CColorOpacity::sm_bUseOpacity, 0);
+    ASSERT_EQ(fake::host.acquireLog.size(), 18u);  // the whole command table
+    EXPECT_EQ(fake::host.acquireLog.front(), "AI Real Math Suite");
+    EXPECT_EQ(fake::host.acquireLog.back(), "AI Matching Art Suite");
+  }
+  EXPECT_TRUE(fake::calls.empty());
+}
+
+TEST_F(Dispatch, AFailedContextPushRunsNothingAndReleasesTheFrameSuites) {
+  fake::host.pushError = AIFourCC("CTX!");
+  EXPECT_EQ(BtnsRunLbFunc(150, false, false, true, true), AIFourCC("CTX!"));
+  EXPECT_TRUE(fake::calls.empty());
+  EXPECT_EQ(fake::host.pushes, 1);
+}
+
+TEST_F(Dispatch, CommandSuitesNestInsideAnOuterAcquisition) {
+  lb::s::AcquireSuites();
+  const size_t walked = fake::host.acquireLog.size();
+  RunLBFunc(150, false, false, true, true);
+  EXPECT_EQ(fake::host.acquireLog.size(), walked);  // no second walk
+  EXPECT_EQ(lb::s::gAcquireCount, 1);
+  EXPECT_NE(lb::s::sMesh, nullptr);  // still held by the outer level
+  lb::s::ReleaseSuites();
+  EXPECT_EQ(lb::s::sMesh, nullptr);
+}
+
+TEST_F(Dispatch, CommandAcquisitionStopsAtTheFirstMissingSuite) {
+  fake::host.failSuite = "AI Mesh Suite";
+  EXPECT_EQ(lb::s::AcquireSuites(), kSPSuiteNotFoundError);
+  EXPECT_EQ(lb::s::gAcquireCount, 1);  // counted either way
+  EXPECT_EQ(fake::host.acquireLog.size(), 6u);  // the six rows before it
+  EXPECT_EQ(lb::s::sMesh, nullptr);
+  EXPECT_EQ(lb::s::sMeshHit, nullptr);  // never reached
+  EXPECT_EQ(lb::s::ReleaseSuites(), kNoErr);
+  EXPECT_EQ(lb::s::sMath, nullptr);
+}
+
+}  // namespace

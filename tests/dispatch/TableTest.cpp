@@ -1,0 +1,115 @@
+// The command table as the panel reads it.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "ButtonDefs.h"
+
+namespace {
+
+TEST(Table, AreaCoversTheGrid) {
+  int w = 0, h = 0;
+  BtnsGetArea(&w, &h);
+  EXPECT_EQ(w, 227);
+  EXPECT_EQ(h, 264);
+  BtnsGetArea(nullptr, &h);  // null outputs are skipped
+  BtnsGetArea(&w, nullptr);
+  EXPECT_EQ(BtnsGetCount(), 37u);
+}
+
+TEST(Table, GridHoldsEveryCommandOnceAndNoCellTwice) {
+  std::set<int> ids;
+  std::set<std::pair<int, int>> cells;
+  std::set<std::string> pictures;
+  std::set<int> pictureIds;
+  for (unsigned i = 0; i < BtnsGetCount(); ++i) {
+    ids.insert(BtnGetFuncID(i));
+    cells.insert({gButtonDefs[i].row, gButtonDefs[i].column});
+    pictures.insert(BtnGetPicStr(i));
+    pictureIds.insert(BtnGetPicID(i));
+  }
+  EXPECT_EQ(ids.size(), 37u);
+  EXPECT_EQ(*ids.begin(), 131);
+  EXPECT_EQ(*ids.rbegin(), 167);
+  EXPECT_EQ(cells.size(), 37u);
+  EXPECT_EQ(cells.count({0, 5}), 0u);  // the checkboxes' cell
+  EXPECT_EQ(pictures.size(), 37u);
+  EXPECT_EQ(pictureIds.size(), 37u);  // 129..165, each once
+  EXPECT_EQ(*pictureIds.begin(), 129);
+  EXPECT_EQ(*pictureIds.rbegin(), 165);
+}
+
+TEST(Table, RowsAsThePanelPlacesThem) {
+  // Spot checks across the table: index -> (row, col, id, picture).
+  struct Spot {
+    unsigned i;
+    int row, col, id;
+    const char* pic;
+  };
+  for (const Spot& s : {Spot{0, 0, 0, 131, "IMG_SET_OF_PATHS"}, Spot{9, 2, 1, 140, "IMG_SPLIT"},
+                        Spot{18, 1, 4, 149, "IMG_COLOR_SPREAD"}, Spot{34, 2, 0, 165, "IMG_SEW_0"},
+                        Spot{35, 6, 0, 166, "IMG_UV_RESET"}, Spot{36, 6, 1, 167, "IMG_DIR_ROTATE"}}) {
+    SCOPED_TRACE(s.i);
+    EXPECT_EQ(gButtonDefs[s.i].row, s.row);
+    EXPECT_EQ(gButtonDefs[s.i].column, s.col);
+    EXPECT_EQ(BtnGetFuncID(s.i), s.id);
+    EXPECT_STREQ(BtnGetPicStr(s.i), s.pic);
+  }
+  int x = 0, y = 0, w = 0, h = 0;
+  BtnGetDimentions(36, &x, &y, &w, &h);
+  EXPECT_EQ(x, 1 * 37 + 3);
+  EXPECT_EQ(y, 6 * 37 + 3);
+  EXPECT_EQ(w, 36);
+  EXPECT_EQ(h, 36);
+}
+
+TEST(Table, OutOfRangeIndexesYieldNothing) {
+  EXPECT_EQ(BtnGetTooltip(37), nullptr);
+  EXPECT_EQ(BtnGetPicStr(37), nullptr);
+  EXPECT_EQ(BtnGetFuncID(37), 0);
+  EXPECT_EQ(BtnGetPicID(1000), 0);
+  int x = -5, y = -6, w = -7, h = -8;
+  BtnGetDimentions(37, &x, &y, &w, &h);
+  EXPECT_EQ(x, -5);
+  EXPECT_EQ(y, -6);
+  EXPECT_EQ(w, -7);
+  EXPECT_EQ(h, -8);
+  BtnGetDimentions(0, nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST(Table, TooltipsAsShown) {
+  EXPECT_STREQ(BtnGetTooltip(2), L"Move corner node");
+  EXPECT_STREQ(BtnGetTooltip(7), L"Rotate colors\n[] - clockwise\n[Alt] - counterclockwise");
+  // The trailing space of the second sewing tooltip is part of it.
+  std::wstring sew = BtnGetTooltip(22);
+  EXPECT_EQ(sew.back(), L' ');
+  EXPECT_EQ(sew.find(L"Sew meshes together (add row of cells)\n"), 0u);
+  EXPECT_STREQ(BtnGetTooltip(30), L"Sew docked meshes together\nor\nMake mesh from docked pathes");
+  EXPECT_STREQ(BtnsVersionGetTooltip(), L"Lattice Bender\n0.41.4");
+  EXPECT_STREQ(BtnCbColorGetTooltip(), L"Affect the color of nodes");
+  EXPECT_STREQ(BtnCbOpacityGetTooltip(), L"Affect the opacity of nodes");
+}
+
+TEST(Table, CheckboxPlacesCentreInTheirBoxes) {
+  int x = 0, y = 0;
+  BtnCbColorGetPos(&x, &y, 13, 13);
+  EXPECT_EQ(x, 2 + 188);
+  EXPECT_EQ(y, 2 + 3);
+  BtnCbOpacityGetPos(&x, &y, 13, 14);
+  EXPECT_EQ(x, 190);
+  EXPECT_EQ(y, 2 + 21);
+  BtnImgColorGetPos(&x, &y, 16, 16);
+  EXPECT_EQ(x, 1 + 206);
+  EXPECT_EQ(y, 1 + 3);
+  // Wider than the box: the offset goes negative and truncates toward zero.
+  BtnImgOpacityGetPos(&x, &y, 21, 20);
+  EXPECT_EQ(x, -1 + 206);
+  EXPECT_EQ(y, -1 + 21);
+  EXPECT_STREQ(BtnImgColorGetPicStr(), "IMG_CB_COLOR");
+  EXPECT_STREQ(BtnImgOpacityGetPicStr(), "IMG_CB_OPACITY");
+  EXPECT_EQ(BtnImgColorGetPicID(), 100);
+  EXPECT_EQ(BtnImgOpacityGetPicID(), 101);
+}
+
+}  // namespace

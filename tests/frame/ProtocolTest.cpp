@@ -1,0 +1,217 @@
+// The message protocol through the real module, loaded as the host loads
+// it: start-up, menu item, notifiers, unload/reload, failure paths.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "AIFrameSuites.h"
+#include "host/Host.h"
+
+namespace {
+using lb::host::Counters;
+using lb::host::Host;
+
+const std::vector<std::string> kNotifierTypes = {
+    "AI Application Started Notifier",
+    "AI Application Shutdown Notifier",
+    "AI UI Brightness Changed Notifier",
+};
+
+TEST(Startup, AddsMenuItemAndThreeNotifiers) {
+  Host host;
+  host.loadPlugin();
+  ASSERT_TRUE(host.pluginLoaded());
+  AIMenuItemHandle item = host.pluginMenuItem();
+  ASSERT_NE(item, nullptr);
+  EXPECT_EQ(host.menuItemGroup(item), "Tool Palettes");
+  EXPECT_EQ(host.menuItemText(item), "Lattice Bender");
+  EXPECT_EQ(host.menuItemOptions(item), 1);
+  EXPECT_EQ(host.notifierTypes(), kNotifierTypes);
+  for (size_t i = 0; i < 3; ++i) EXPECT_EQ(host.notifierOwner(i), "LatticeBender");
+}
+
+TEST(Startup, EveryMessageLeavesTheCountersWhereTheyWere) {
+  Host host;
+  host.loadPlugin();
+  const Counters before = host.counters();
+  EXPECT_EQ(before.suiteAcquisitions, 0);
+  EXPECT_EQ(host.sendMessage("SP Interface", "About"), kNoErr);
+  EXPECT_EQ(host.counters(), before);
+  EXPECT_EQ(host.sendMenuUpdate(host.pluginMenuItem()), kNoErr);
+  EXPECT_EQ(host.counters(), before);
+  EXPECT_EQ(host.sendMessage("Some Caller", "Some Selector"), kNoErr);
+  EXPECT_EQ(host.counters(), before);
+  EXPECT_EQ(host.fireNotifier("AI UI Brightness Changed Notifier"), kNoErr);
+  EXPECT_EQ(host.counters(), before);
+}
+
+TEST(Shutdown, FreesTheRecordAndGivesEverythingBack) {
+  const Counters start = [] {
+    Host probe;
+    return probe.counters();
+  }();
+  {
+    Host host;
+    host.loadPlugin();
+    EXPECT_EQ(host.counters().blocks, start.blocks + 1);  // the global record
+    host.shutdownPlugin();
+    EXPECT_FALSE(host.pluginLoaded());
+    EXPECT_EQ(host.pluginGlobals(), nullptr);
+    EXPECT_EQ(host.counters(), start);
+  }
+}
+
+TEST(Menu, GoTogglesThePanelAndUpdateCheckMarksIt) {
+  Host host;
+  host.loadPlugin();
+  AIMenuItemHandle item = host.pluginMenuItem();
+  ASSERT_EQ(host.sendMenuUpdate(item), kNoErr);
+  const bool first = host.menuItemChecked(item);
+  ASSERT_EQ(host.sendMenuGo(item), kNoErr);
+  ASSERT_EQ(host.sendMenuUpdate(item), kNoErr);
+  const bool second = host.menuItemChecked(item);
+  ASSERT_EQ(host.sendMenuGo(item), kNoErr);
+  ASSERT_EQ(host.sendMenuUpdate(item), kNoErr);
+  EXPECT_EQ(host.menuItemChecked(item), first);
+  // Once the panel exists the two states differ; without one neither is checked.
+  if (first == second) {
+    EXPECT_FALSE(first);
+  }
+}
+
+TEST(Menu, ForeignItemsAndNotifiersDoNothing) {
+  Host host;
+  host.loadPlugin();
+  AIMenuItemHandle item = host.pluginMenuItem();
+  host.sendMenuUpdate(item);
+  const bool checked = host.menuItemChecked(item);
+  const Counters before = host.counters();
+
+  auto* foreignItem = reinterpret_cast<AIMenuItemHandle>(&host);
+  EXPECT_EQ(host.sendMenuGo(foreignItem), kNoErr);
+  EXPECT_EQ(host.sendMenuUpdate(foreignItem), kNoErr);
+  EXPECT_EQ(host.sendMenuGo(nullptr), kNoErr);
+  auto* foreignNotifier = reinterpret_cast<AINotifierHandle>(&host);
+  EXPECT_EQ(host.sendNotify(foreignNotifier, "Someone Else's Notifier"), kNoErr);
+  EXPECT_EQ(host.sendNotify(nullptr), kNoErr);
+
+  host.sendMenuUpdate(item);
+  EXPECT_EQ(host.menuItemChecked(item), checked);
+  EXPECT_EQ(host.counters(), before);
+}
+
+TEST(UnloadReload, KeepsTheRecordAndReallyUnloads) {
+  Host host;
+  host.loadPlugin();
+  const Counters before = host.counters();
+  EXPECT_EQ(host.pluginGlobals(), nullptr);  // handed over only at Unload
+
+  host.unloadPlugin();
+  void* record = host.pluginGlobals();
+  EXPECT_NE(record, nullptr);
+  EXPECT_FALSE(host.pluginLoaded());
+  // No other reference keeps the module mapped.
+  void* still = dlopen(host.modulePath().c_str(), RTLD_NOW | RTLD_NOLOAD);
+  EXPECT_EQ(still, nullptr);
+  if (still) dlclose(still);
+
+  host.reloadPlugin();
+  EXPECT_TRUE(host.pluginLoaded());
+  EXPECT_EQ(host.pluginGlobals(), record);
+  EXPECT_EQ(host.counters(), before);
+
+  // The record still knows the menu item and the notifiers: an update for
+  // the item is answered, a foreign one is not.
+  AIMenuItemHandle item = host.pluginMenuItem();
+  EXPECT_EQ(host.sendMenuUpdate(item), kNoErr);
+  EXPECT_EQ(host.sendMessage("SP Interface", "About"), kNoErr);
+  EXPECT_EQ(host.counters(), before);
+
+  // A second round trip hands over the same record again.
+  host.unloadPlugin();
+  EXPECT_EQ(host.pluginGlobals(), record);
+  host.reloadPlugin();
+  host.shutdownPlugin();
+  EXPECT_EQ(host.pluginGlobals(), nullptr);
+}
+
+TEST(Failures, AcquisitionFailureReturnsTheCodeAndReleasesWhatWasAcquired) {
+  Host host;
+  host.loadPlugin();
+  const Counters before = host.counters();
+  // "AI User Suite" is the fifth row of the frame table: four are acquired
+  // before the walk stops.
+  for (const char* suite : {"AI Notifier Suite", "AI User Suite", "AI Data Filter Suite",
+                            "AI Panel Suite", "AI User Interface Theme Suite"}) {
+    SCOPED_TRACE(suite);
+    host.failSuiteAcquisition(suite);
+    EXPECT_EQ(host.sendMessage("SP Interface", "About"), kSPSuiteNotFoundError);
+    EXPECT_EQ(host.sendMenuUpdate(host.pluginMenuItem()), kSPSuiteNotFoundError);
+    EXPECT_EQ(host.counters(), before);
+    host.failSuiteAcquisition("");
+  }
+  // The plug-in still works afterwards.
+  EXPECT_EQ(host.sendMessage("SP Interface", "About"), kNoErr);
+  EXPECT_EQ(host.counters(), before);
+}
+
+TEST(Failures, StartupFailsWhenTheRecordCannotBeAllocated) {
+  Host host;
+  const Counters before = host.counters();
+  host.failBlockAllocation(true);
+  EXPECT_THROW(host.loadPlugin(), std::runtime_error);
+  host.failBlockAllocation(false);
+  EXPECT_FALSE(host.pluginLoaded());
+  EXPECT_EQ(host.pluginMenuItem(), nullptr);
+  EXPECT_TRUE(host.notifierTypes().empty());
+  EXPECT_EQ(host.counters(), before);
+}
+
+TEST(Failures, StartupFailsWhenASuiteIsMissing) {
+  Host host;
+  host.failSuiteAcquisition("AI Menu Suite");
+  EXPECT_THROW(host.loadPlugin(), std::runtime_error);
+  EXPECT_FALSE(host.pluginLoaded());
+  EXPECT_EQ(host.counters().suiteAcquisitions, 0);
+  host.failSuiteAcquisition("");
+  host.loadPlugin();
+  EXPECT_TRUE(host.pluginLoaded());
+}
+
+TEST(Commands, RunThroughTheScriptingEntryWithoutLeaks) {
+  Host host;
+  host.loadPlugin();
+  const Counters before = host.counters();
+  // Hidden id 168 and ids outside the table run nothing but still go
+  // through both acquisition levels and the application context.
+  for (int id : {130, 168, 171, -1, 1000}) {
+    for (int mods = 0; mods < 4; ++mods) {
+      EXPECT_EQ(host.runCommand(id, mods & 1, mods & 2), kNoErr) << id;
+      EXPECT_EQ(host.counters(), before) << id;
+    }
+  }
+}
+
+TEST(Commands, AContextSuiteFailureRunsNothing) {
+  Host host;
+  host.loadPlugin();
+  const Counters before = host.counters();
+  host.failSuiteAcquisition("AI Context Suite");
+  EXPECT_NE(host.runCommand(150, false, false), kNoErr);
+  host.failSuiteAcquisition("");
+  EXPECT_EQ(host.counters(), before);
+}
+
+TEST(Loader, RejectsWhatIsNotAPlugin) {
+  Host host;
+  EXPECT_THROW(host.loadPlugin("/nonexistent/LatticeBender.so"), std::runtime_error);
+  EXPECT_FALSE(host.pluginLoaded());
+}
+
+TEST(HostObject, OnlyOneAtATime) {
+  Host host;
+  EXPECT_TRUE(Host::exists());
+  EXPECT_EQ(&Host::current(), &host);
+  EXPECT_THROW(Host second, std::logic_error);
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+// The resources embedded in the module, read as the panel reads them:
+// through the data-filter suite, in pieces.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "AIFrameSuites.h"
+#include "host/Host.h"
+#include "host/suites/FrameState.h"
+
+namespace {
+using lb::host::Host;
+
+// Reads a whole resource through the data-filter suite in `chunk`-byte pieces.
+std::vector<unsigned char> ReadResource(int32_t type, int32_t id, const char* name,
+                                        size_t chunk, AIErr* openErr = nullptr) {
+  SPBasicSuite* basic = lb::host::basicSuite();
+  const void* p = nullptr;
+  EXPECT_EQ(basic->AcquireSuite(kAIDataFilterSuite, kAIDataFilterSuiteVersion, &p), kNoErr);
+  auto* filters = static_cast<const AIDataFilterSuite*>(p);
+  std::vector<unsigned char> bytes;
+  AIDataFilter* filter = nullptr;
+  SPPluginRef plugin = reinterpret_cast<SPPluginRef>(&bytes);  // any plug-in reference
+  AIErr err = filters->NewResourceDataFilter(plugin, type, id, name, &filter);
+  if (openErr) *openErr = err;
+  if (!err) {
+    std::vector<char> buf(chunk);
+    for (;;) {
+      size_t count = chunk;
+      EXPECT_EQ(filters->ReadDataFilter(filter, buf.data(), &count), kNoErr);
+      EXPECT_LE(count, chunk);
+      bytes.insert(bytes.end(), buf.begin(), buf.begin() + static_cast<long>(count));
+      if (count < chunk) break;
+    }
+    AIDataFilter* next = nullptr;
+    EXPECT_EQ(filters->UnlinkDataFilter(filter, &next), kNoErr);
+  }
+  basic->ReleaseSuite(kAIDataFilterSuite, kAIDataFilterSuiteVersion);
+  return bytes;
+}
+
+std::vector<unsigned char> ExpectedPropertyList() {
+  std::vector<unsigned char> b;
+  auto u16 = [&](int v) { b.push_back(v & 0xFF), b.push_back((v >> 8) & 0xFF); };
+  auto u32 = [&](uint32_t v) {
+    for (int i = 0; i < 4; ++i) b.push_back((v >> (8 * i)) & 0xFF);
+  };
+  auto code = [&](const char* c) {  // stored byte-reversed
+    for (int i = 3; i >= 0; --i) b.push_back(static_cast<unsigned char>(c[i]));
+  };
+  auto text = [&](const char* s, size_t n) {
+    for (size_t i = 0; i < n; ++i) b.push_back(static_cast<unsigned char>(s[i]));
+  };
+  u16(1);
+  u32(0);
+  u32(4);
+  code("ADBE"), code("kind"), u32(0), u32(4), code("SPEA");
+  code("ADBE"), code("ivrs"), u32(0), u32(4), u32(2);
+  code("ADBE"), code("wx86"), u32(0), u32(12), text("PluginMain\0\0", 12);
+  code("ADBE"), code("pinm"), u32(0), u32(12), text("LatticeBender\0\0", 15);
+  return b;
+}
+
+TEST(Resources, PropertyListIsExactlyTheExpected109Bytes) {
+  Host host;
+  host.loadPlugin();
+  for (size_t chunk : {1u, 7u, 1024u}) {
+    SCOPED_TRACE(chunk);
+    auto bytes = ReadResource(AIFourCC("PiPL"), 16000, nullptr, chunk);
+    ASSERT_EQ(bytes.size(), 109u);
+    auto expected = ExpectedPropertyList();
+    for (size_t i = 0; i < 109; ++i) EXPECT_EQ(bytes[i], expected[i]) << "byte " << i;
+  }
+  EXPECT_EQ(host.counters().dataFilters, 0);
+}
+
+TEST(Resources, IconNameTextHasNoTerminator) {
+  Host host;
+  host.loadPlugin();
+  auto bytes = ReadResource(AIFourCC("TXT "), 0, "IDTOFILE", 16);
+  const std::string text(bytes.begin(), bytes.end());
+  EXPECT_EQ(text, std::string("220.png\tLBLogoW.png\r\n240.png\tLBLogoD.png"));
+  EXPECT_EQ(text.size(), 40u);
+}
+
+TEST(Resources, MissingResourcesAreReported) {
+  Host host;
+  host.loadPlugin();
+  AIErr err = kNoErr;
+  ReadResource(AIFourCC("PiPL"), 16001, nullptr, 8, &err);
+  EXPECT_EQ(err, kNoSuchResourceErr);
+  ReadResource(AIFourCC("BMPP"), 0, "NO_SUCH_PICTURE", 8, &err);
+  EXPECT_EQ(err, kNoSuchResourceErr);
+  // A named resource is not found by id, nor under another type.
+  ReadResource(AIFourCC("PiPL"), 0, "IDTOFILE", 8, &err);
+  EXPECT_EQ(err, kNoSuchResourceErr);
+}
+
+TEST(PropertyList, EntryPointIsFoundAndDamageIsRejected) {
+  auto good = ExpectedPropertyList();
+  EXPECT_EQ(lb::host::entryPointFromPropertyList(good.data(), good.size()), "PluginMain");
+
+  auto truncated = good;
+  truncated.resize(60);  // inside the entry point property's header
+  EXPECT_THROW(lb::host::entryPointFromPropertyList(truncated.data(), truncated.size()),
+               std::runtime_error);
+  auto wrongKind = good;
+  wrongKind[0] = 2;
+  EXPECT_THROW(lb::host::entryPointFromPropertyList(wrongKind.data(), wrongKind.size()),
+               std::runtime_error);
+  auto noEntry = good;
+  noEntry[6] = 2;  // only "kind" and "ivrs" are read
+  EXPECT_THROW(lb::host::entryPointFromPropertyList(noEntry.data(), noEntry.size()),
+               std::runtime_error);
+  EXPECT_THROW(lb::host::entryPointFromPropertyList(nullptr, 0), std::runtime_error);
+}
+
+}  // namespace
