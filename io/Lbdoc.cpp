@@ -592,16 +592,44 @@ ojson writeArt(const Document& doc, const ArtObject& a) {
 
 bool isScalar(const ojson& v) { return !v.is_object() && !v.is_array(); }
 
-// Indented JSON with short arrays of scalars (points, colours, matrices)
-// kept on one line.
+// One-line rendering with a space after commas and colons.
+std::string compact(const ojson& v) {
+  if (v.is_object()) {
+    std::string out = "{";
+    bool first = true;
+    for (auto it = v.begin(); it != v.end(); ++it) {
+      if (!first) out += ", ";
+      first = false;
+      out += ojson(it.key()).dump() + ": " + compact(it.value());
+    }
+    return out + "}";
+  }
+  if (v.is_array()) {
+    std::string out = "[";
+    for (size_t k = 0; k < v.size(); ++k) {
+      if (k) out += ", ";
+      out += compact(v[k]);
+    }
+    return out + "]";
+  }
+  return v.dump();
+}
+
+constexpr size_t kLineWidth = 100;
+
+// Indented JSON; anything that fits on one line stays on one line.
 void emit(const ojson& v, std::string& out, int indent) {
   const std::string pad(static_cast<size_t>(indent) * 2, ' ');
   const std::string padIn(static_cast<size_t>(indent + 1) * 2, ' ');
-  if (v.is_object()) {
-    if (v.empty()) {
-      out += "{}";
+  if (!isScalar(v)) {
+    // Small values (points, colours, paints, segments, nodes) on one line.
+    std::string line = compact(v);
+    if (line.size() + static_cast<size_t>(indent) * 2 <= kLineWidth) {
+      out += line;
       return;
     }
+  }
+  if (v.is_object()) {
     out += "{\n";
     bool first = true;
     for (auto it = v.begin(); it != v.end(); ++it) {
@@ -612,20 +640,6 @@ void emit(const ojson& v, std::string& out, int indent) {
     }
     out += "\n" + pad + "}";
   } else if (v.is_array()) {
-    if (v.empty()) {
-      out += "[]";
-      return;
-    }
-    const bool flat = std::all_of(v.begin(), v.end(), [](const ojson& e) { return isScalar(e); }) && v.size() <= 8;
-    if (flat) {
-      out += "[";
-      for (size_t k = 0; k < v.size(); ++k) {
-        if (k) out += ", ";
-        out += v[k].dump();
-      }
-      out += "]";
-      return;
-    }
     out += "[\n";
     for (size_t k = 0; k < v.size(); ++k) {
       if (k) out += ",\n";
