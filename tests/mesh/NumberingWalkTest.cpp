@@ -1,0 +1,294 @@
+// Segment numbering at every kind of vertex and the vertex and segment walk
+// orders, on fresh and on edited meshes.
+#include <map>
+#include <utility>
+
+#include "MeshFixture.h"
+
+using namespace meshtest;
+
+namespace {
+
+// Directions present at a vertex, in segment-index order, as strings.
+std::vector<std::string> dirsOf(const Suites& s, AIMeshVertexIterator v) {
+  static const char* names[2][2] = {{"I+", "I-"}, {"J+", "J-"}};
+  std::vector<std::string> out;
+  const int n = s.vtx->CountSegments(v);
+  for (int k = 0; k < n; ++k) {
+    AIMeshSegmentIterator g = nullptr;
+    EXPECT_EQ(s.vtx->GetSegment(v, k, &g), kNoErr);
+    out.push_back(names[s.seg->GetAxis(g)][s.seg->GetSense(g)]);
+    s.seg->Release(g);
+  }
+  return out;
+}
+
+using Strs = std::vector<std::string>;
+
+}  // namespace
+
+class Numbering : public MeshTest {};
+
+TEST_F(Numbering, NodesNumberTheirSegmentsIBackJBackIForwardJForward) {
+  ASSERT_EQ(s.mesh->InitCartesian(art, 3, 2), kNoErr);
+  struct Case {
+    int i, j;
+    Strs dirs;
+  };
+  const Case cases[] = {
+      {0, 0, {"I+", "J+"}}, {3, 0, {"I-", "J+"}}, {3, 2, {"I-", "J-"}}, {0, 2, {"J-", "I+"}},
+      {1, 1, {"I-", "J-", "I+", "J+"}}, {1, 0, {"I-", "I+", "J+"}}, {0, 1, {"J-", "I+", "J+"}},
+      {3, 1, {"I-", "J-", "J+"}}, {2, 2, {"I-", "J-", "I+"}},
+  };
+  for (const Case& c : cases) {
+    AIMeshVertexIterator v = nodeIt(c.i, c.j);
+    EXPECT_EQ(dirsOf(s, v), c.dirs) << "node (" << c.i << ", " << c.j << ")";
+    // GetSegmentIndex agrees with the listing.
+    for (size_t k = 0; k < c.dirs.size(); ++k) {
+      const int axis = c.dirs[k][0] == 'J', sense = c.dirs[k][1] == '-';
+      EXPECT_EQ(s.vtx->GetSegmentIndex(v, axis, sense), static_cast<int>(k));
+    }
+    s.vtx->Release(v);
+  }
+  AIMeshVertexIterator corner = nodeIt(0, 0);
+  EXPECT_EQ(s.vtx->GetSegmentIndex(corner, kAIMeshIAxis, kAIMeshBackward), -1);
+  EXPECT_EQ(s.vtx->GetSegmentIndex(corner, kAIMeshJAxis, kAIMeshBackward), -1);
+  AIMeshSegmentIterator g = nullptr;
+  EXPECT_EQ(s.vtx->GetSegment(corner, 2, &g), kBadParameterErr);
+  s.vtx->Release(corner);
+}
+
+TEST_F(Numbering, NonNodeVerticesHaveBackwardThenForwardOnTheirLine) {
+  ASSERT_EQ(s.mesh->InitCartesian(art, 2, 2), kNoErr);
+  // A vertex on the bottom border line (along I) and one on an inner line along J.
+  for (auto [i, j, axis] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 1}}) {
+    AIMeshVertexIterator n = nodeIt(i, j);
+    AIMeshSegmentIterator g = nullptr;
+    ASSERT_EQ(s.vtx->GetSegment(n, s.vtx->GetSegmentIndex(n, axis, kAIMeshForward), &g), kNoErr);
+    ASSERT_EQ(s.seg->InsertKnots(g, 0, 1), kNoErr);
+    ASSERT_EQ(s.seg->Split(g, 0), kNoErr);
+    AIMeshVertexIterator v = nullptr;
+    ASSERT_EQ(s.seg->GetEnd(g, &v), kNoErr);
+    EXPECT_FALSE(s.vtx->IsNode(v));
+    EXPECT_EQ(dirsOf(s, v), (axis == 0 ? Strs{"I-", "I+"} : Strs{"J-", "J+"}));
+    EXPECT_EQ(s.vtx->GetSegmentIndex(v, 1 - axis, kAIMeshForward), -1);
+    int ni = -1, nj = -1;
+    EXPECT_EQ(s.vtx->GetNodeIndex(v, &ni, &nj), kNoErr);
+    EXPECT_EQ(std::pair(ni, nj), std::pair(i, j)) << "node behind the vertex";
+    // The handle on each segment is point 1 seen from the vertex.
+    for (int k = 0; k < 2; ++k) {
+      AIMeshSegmentIterator h = nullptr;
+      ASSERT_EQ(s.vtx->GetSegment(v, k, &h), kNoErr);
+      AIRealPoint tan{}, pts[2];
+      s.vtx->GetTangent(v, k, &tan);
+      s.seg->GetPoints(h, 0, 2, pts);
+      EXPECT_EQ(tan.h, pts[1].h);
+      EXPECT_EQ(tan.v, pts[1].v);
+      s.seg->Release(h);
+    }
+    s.vtx->Release(v);
+    s.seg->Release(g);
+    s.vtx->Release(n);
+  }
+}
+
+TEST_F(Numbering, BackwardSegmentListsPointsFromItsStart) {
+  ASSERT_EQ(s.mesh->InitCartesian(art, 1, 1), kNoErr);
+  bend(m());
+  AIMeshVertexIterator a = nodeIt(0, 0), b = nodeIt(1, 0);
+  AIMeshSegmentIterator fwd = nullptr, back = nullptr;
+  s.vtx->GetSegment(a, 0, &fwd);
+  s.seg->InsertKnots(fwd, 0, 2);
+  s.vtx->GetSegment(b, 0, &back);  // I- at node (1, 0)
+  EXPECT_EQ(s.seg->GetSense(back), kAIMeshBackward);
+  EXPECT_EQ(s.seg->CountKnots(back), 2);
+  auto pf = points(fwd), pb = points(back);
+  ASSERT_EQ(pf.size(), 10u);
+  ASSERT_EQ(pb.size(), 10u);
+  for (size_t k = 0; k < pf.size(); ++k) {
+    EXPECT_EQ(pf[k].h, pb[pf.size() - 1 - k].h);
+    EXPECT_EQ(pf[k].v, pb[pf.size() - 1 - k].v);
+  }
+  EXPECT_TRUE(s.seg->IsEqual(fwd, back)) << "same segment in either orientation";
+  s.seg->Reverse(back);
+  EXPECT_EQ(s.seg->GetSense(back), kAIMeshForward);
+  s.seg->Release(fwd);
+  s.seg->Release(back);
+  s.vtx->Release(a);
+  s.vtx->Release(b);
+}
+
+class Walks : public MeshTest {
+ protected:
+  // (i, j, isNode) of every vertex in walk order.
+  std::vector<std::tuple<int, int, bool>> vertexWalk() {
+    std::vector<std::tuple<int, int, bool>> out;
+    AIMeshVertexIterator v = nullptr;
+    s.mesh->GetStartVertex(art, &v);
+    while (!s.vtx->AtEnd(v)) {
+      int i, j;
+      s.vtx->GetNodeIndex(v, &i, &j);
+      out.emplace_back(i, j, s.vtx->IsNode(v));
+      s.vtx->Next(v);
+    }
+    EXPECT_EQ(s.vtx->Next(v), kIterAtEndErr);
+    s.vtx->Release(v);
+    return out;
+  }
+  // Runs in walk order: "axis:i,j" of the start node of each node-to-node run,
+  // and the number of segments per run.
+  std::vector<std::pair<std::string, int>> runWalk() {
+    std::vector<std::pair<std::string, int>> out;
+    AIMeshSegmentIterator g = nullptr;
+    s.mesh->GetStartSegment(art, &g);
+    while (!s.seg->AtEnd(g)) {
+      EXPECT_EQ(s.seg->GetSense(g), kAIMeshForward);
+      AIMeshVertexIterator a = nullptr, b = nullptr;
+      s.seg->GetStart(g, &a);
+      s.seg->GetEnd(g, &b);
+      if (s.vtx->IsNode(a)) {
+        int i, j;
+        s.vtx->GetNodeIndex(a, &i, &j);
+        out.emplace_back(std::string(s.seg->GetAxis(g) ? "J:" : "I:") + std::to_string(i) + "," +
+                             std::to_string(j),
+                         0);
+      }
+      ++out.back().second;
+      s.vtx->Release(a);
+      s.vtx->Release(b);
+      s.seg->Next(g);
+    }
+    s.seg->Release(g);
+    return out;
+  }
+  std::vector<std::pair<std::string, int>> expectedRuns(int I, int J) {
+    std::vector<std::pair<std::string, int>> out;
+    for (int j = 0; j <= J; ++j)
+      for (int i = 0; i < I; ++i) out.emplace_back("I:" + std::to_string(i) + "," + std::to_string(j), 1);
+    for (int i = 0; i <= I; ++i)
+      for (int j = 0; j < J; ++j) out.emplace_back("J:" + std::to_string(i) + "," + std::to_string(j), 1);
+    return out;
+  }
+};
+
+TEST_F(Walks, FreshMeshVisitsNodesInRowOrderAndRunsAlongIThenJ) {
+  ASSERT_EQ(s.mesh->InitCartesian(art, 3, 2), kNoErr);
+  const auto walk = vertexWalk();
+  ASSERT_EQ(walk.size(), 12u);
+  for (size_t k = 0; k < walk.size(); ++k)
+    EXPECT_EQ(walk[k], std::tuple(static_cast<int>(k % 4), static_cast<int>(k / 4), true));
+  EXPECT_EQ(runWalk(), expectedRuns(3, 2));
+}
+
+TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
+  ASSERT_EQ(s.mesh->InitCartesian(art, 2, 2), kNoErr);
+  int32_t ni = -1, nj = -1;
+  ASSERT_EQ(s.mesh->InsertU(art, 1.5, &ni), kNoErr);
+  ASSERT_EQ(s.mesh->InsertV(art, 0.25, &nj), kNoErr);
+  EXPECT_EQ(ni, 2);
+  EXPECT_EQ(nj, 1);
+  // Two vertices on run I (1, 0) and one on run J (3, 2).
+  auto addVertices = [&](int i, int j, int axis, int count) {
+    AIMeshVertexIterator n = nodeIt(i, j);
+    AIMeshSegmentIterator g = nullptr;
+    s.vtx->GetSegment(n, s.vtx->GetSegmentIndex(n, axis, kAIMeshForward), &g);
+    s.seg->InsertKnots(g, 0, count + 1);  // one knot stays a knot
+    for (int k = count - 1; k >= 0; --k) EXPECT_EQ(s.seg->Split(g, k), kNoErr);
+    s.seg->Release(g);
+    s.vtx->Release(n);
+  };
+  addVertices(1, 0, 0, 2);
+  addVertices(3, 2, 1, 1);
+  const auto walk = vertexWalk();
+  std::vector<std::tuple<int, int, bool>> nodes;
+  int nonNodes = 0;
+  for (auto& w : walk) (std::get<2>(w) ? nodes.push_back(w) : void(++nonNodes));
+  EXPECT_EQ(nonNodes, 3);
+  ASSERT_EQ(nodes.size(), 16u);
+  for (size_t k = 0; k < nodes.size(); ++k)
+    EXPECT_EQ(nodes[k], std::tuple(static_cast<int>(k % 4), static_cast<int>(k / 4), true));
+  // The vertices of run I (1, 0) come right after node (1, 0).
+  EXPECT_EQ(walk[2], std::tuple(1, 0, false));
+  EXPECT_EQ(walk[3], std::tuple(1, 0, false));
+  EXPECT_EQ(walk[4], std::tuple(2, 0, true));
+  auto runs = runWalk();
+  auto expected = expectedRuns(3, 3);
+  for (auto& r : expected) {
+    if (r.first == "I:1,0") r.second = 3;
+    if (r.first == "J:3,2") r.second = 2;
+  }
+  EXPECT_EQ(runs, expected);
+  EXPECT_EQ(m().vertexCount(), 19u);
+}
+
+TEST_F(Walks, LineStepsCrossNodesAndVerticesAndStopAtTheBorder) {
+  ASSERT_EQ(s.mesh->InitCartesian(art, 2, 1), kNoErr);
+  AIMeshVertexIterator n = nodeIt(0, 0);
+  AIMeshSegmentIterator g = nullptr;
+  s.vtx->GetSegment(n, 0, &g);
+  s.seg->InsertKnots(g, 0, 1);
+  s.seg->Split(g, 0);
+  s.seg->Release(g);
+  // +I from (0, 0): vertex, node (1, 0), node (2, 0), then the end.
+  AIMeshVertexIterator v = nullptr;
+  s.vtx->Copy(n, &v);
+  std::vector<bool> kinds;
+  while (!s.vtx->AtEnd(v)) {
+    kinds.push_back(s.vtx->IsNode(v));
+    s.vtx->NextI(v);
+  }
+  EXPECT_EQ(kinds, (std::vector<bool>{true, false, true, true}));
+  EXPECT_EQ(s.vtx->NextI(v), kIterAtEndErr);
+  s.vtx->Release(v);
+  AIMeshVertexIterator w = nodeIt(0, 0);
+  s.vtx->PrevJ(w);
+  EXPECT_TRUE(s.vtx->AtEnd(w)) << "stepping off the mesh";
+  s.vtx->Release(w);
+  // NextOnAxis walks the whole line through nodes; PrevOnAxis comes back.
+  AIMeshSegmentIterator h = nullptr;
+  s.vtx->GetSegment(n, 0, &h);
+  int count = 1;
+  while (true) {
+    s.seg->NextOnAxis(h);
+    if (s.seg->AtEnd(h)) break;
+    ++count;
+  }
+  EXPECT_EQ(count, 3);
+  s.seg->Release(h);
+  AIMeshVertexIterator last = nodeIt(2, 0);
+  s.vtx->GetSegment(last, 0, &h);  // I- at (2, 0)
+  s.seg->PrevOnAxis(h);            // the segment before it going I-: none
+  EXPECT_TRUE(s.seg->AtEnd(h));
+  s.seg->Release(h);
+  s.vtx->GetSegment(last, 0, &h);
+  s.seg->Reverse(h);  // now (1, 0) -> (2, 0), forward
+  s.seg->PrevOnAxis(h);
+  AIMeshVertexIterator st = nullptr;
+  s.seg->GetStart(h, &st);
+  EXPECT_FALSE(s.vtx->IsNode(st)) << "previous segment starts at the vertex";
+  s.vtx->Release(st);
+  s.seg->Release(h);
+  s.vtx->Release(last);
+  s.vtx->Release(n);
+}
+
+TEST_F(Walks, PatchesGoIFastestWithCornersInOrder) {
+  ASSERT_EQ(s.mesh->InitCartesian(art, 2, 2), kNoErr);
+  AIMeshPatchIterator p = nullptr;
+  s.mesh->GetStartPatch(art, &p);
+  std::vector<std::pair<int, int>> cells;
+  while (!s.patch->AtEnd(p)) {
+    int32_t i, j;
+    s.patch->GetCell(p, &i, &j);
+    cells.emplace_back(i, j);
+    AIMeshVertexIterator c = nullptr;
+    s.patch->GetCorner(p, 2, &c);
+    int32_t ci, cj;
+    s.vtx->GetNodeIndex(c, &ci, &cj);
+    EXPECT_EQ(std::pair(ci, cj), std::pair(i + 1, j + 1));
+    s.vtx->Release(c);
+    s.patch->Next(p);
+  }
+  s.patch->Release(p);
+  EXPECT_EQ(cells, (std::vector<std::pair<int, int>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}}));
+}
