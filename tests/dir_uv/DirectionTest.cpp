@@ -1,0 +1,234 @@
+// "Rotate or reflect grid direction" (167) through the loaded module:
+// where every node, run, smooth flag and grid line lands, that the turns
+// undo each other, and what happens to the art around the rebuilt mesh.
+#include <gtest/gtest.h>
+
+#include "dir_uv/MeshFixture.h"
+#include "dir_uv/Session.h"
+
+namespace dirtest {
+namespace {
+
+constexpr double kTol = 1e-9;
+
+struct Turn {
+  const char* name;
+  bool alt, ctrl;
+  bool swapsSize;
+  // Where old node (i, j) of an I x J mesh lands.
+  Node (*map)(int i, int j, int I, int J);
+};
+
+const Turn kTurns[] = {
+    {"Clockwise", false, false, true, [](int i, int j, int, int J) { return Node{J - j, i}; }},
+    {"Counterclockwise", true, false, true, [](int i, int j, int I, int) { return Node{j, I - i}; }},
+    {"ReflectI", false, true, false, [](int i, int j, int I, int) { return Node{I - i, j}; }},
+    {"ReflectJ", true, true, false, [](int i, int j, int, int J) { return Node{i, J - j}; }},
+};
+
+std::vector<double> MirrorOf(const std::vector<double>& t) {
+  std::vector<double> m(t.size());
+  for (size_t k = 0; k < t.size(); ++k) m[k] = 1.0 - t[t.size() - 1 - k];
+  return m;
+}
+
+class EachTurn : public ::testing::TestWithParam<Turn> {};
+
+TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
+  const Turn& turn = GetParam();
+  MeshSpec spec;
+  spec.I = 3;
+  spec.J = 2;
+  spec.u = {0, 0.2, 0.45, 1};
+  spec.v = {0, 0.3, 1};
+  Session s(MakeDoc({MakeMeshArt(spec)}));
+  const MeshContent old = ReadMesh(Children(s.written())[0]);
+
+  const json doc = s.run(kDirRotate, turn.alt, turn.ctrl);
+  ASSERT_EQ(Children(doc).size(), 1u);
+  const MeshContent got = ReadMesh(Children(doc)[0]);
+  const int newI = turn.swapsSize ? spec.J : spec.I, newJ = turn.swapsSize ? spec.I : spec.J;
+  const MeshContent want =
+      MapMesh(old, newI, newJ, [&](int i, int j) { return turn.map(i, j, spec.I, spec.J); });
+  EXPECT_TRUE(SameContent(got, want, kTol));
+
+  // The grid lines move with the nodes they pass through: a new line's
+  // position is that of the old line it came from, seen from the end it
+  // now starts at.
+  std::vector<double> wantU, wantV;
+  if (std::string(turn.name) == "Clockwise") {
+    wantU = MirrorOf(old.v), wantV = old.u;
+  } else if (std::string(turn.name) == "Counterclockwise") {
+    wantU = old.v, wantV = MirrorOf(old.u);
+  } else if (std::string(turn.name) == "ReflectI") {
+    wantU = MirrorOf(old.u), wantV = old.v;
+  } else {
+    wantU = old.u, wantV = MirrorOf(old.v);
+  }
+  EXPECT_TRUE(SamePositions(got.u, wantU, 1e-12));
+  EXPECT_TRUE(SamePositions(got.v, wantV, 1e-12));
+}
+
+TEST_P(EachTurn, KeepsColourAndOpacityWithBothCheckboxesOff) {
+  const Turn& turn = GetParam();
+  MeshSpec spec;
+  spec.I = 2;
+  spec.J = 3;
+  Session s(MakeDoc({MakeMeshArt(spec)}));
+  const MeshContent old = ReadMesh(Children(s.written())[0]);
+  const json doc = s.run(kDirRotate, turn.alt, turn.ctrl, /*useColor=*/false, /*useOpacity=*/false);
+  const MeshContent got = ReadMesh(Children(doc)[0]);
+  for (const auto& [key, n] : old.nodes) {
+    const Node to = turn.map(key.first, key.second, spec.I, spec.J);
+    ASSERT_EQ(got.nodes.at(to).color, n.color) << turn.name << " node " << key.first << "," << key.second;
+    ASSERT_EQ(got.nodes.at(to).opacity, n.opacity) << turn.name << " node " << key.first << "," << key.second;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(GridDirection, EachTurn, ::testing::ValuesIn(kTurns),
+                         [](const ::testing::TestParamInfo<Turn>& info) { return std::string(info.param.name); });
+
+TEST(GridDirection, CornerColourOfAThreeByTwoMeshLandsWhereTheTurnPutsIt) {
+  MeshSpec spec;  // 3 x 2
+  const json art = MakeMeshArt(spec);
+  const json corner = art["nodes"][0]["color"];
+  {
+    Session s(MakeDoc({art}));
+    const MeshContent got = ReadMesh(Children(s.run(kDirRotate, false, false))[0]);
+    EXPECT_EQ(got.I, 2);
+    EXPECT_EQ(got.J, 3);
+    EXPECT_EQ(got.nodes.at({2, 0}).color, corner);
+  }
+  {
+    Session s(MakeDoc({art}));
+    const MeshContent got = ReadMesh(Children(s.run(kDirRotate, true, false))[0]);
+    EXPECT_EQ(got.nodes.at({0, 3}).color, corner);
+  }
+}
+
+TEST(GridDirection, ReflectingInIMirrorsLinePositions) {
+  MeshSpec spec;
+  spec.u = {0, 0.1, 0.3, 1};
+  Session s(MakeDoc({MakeMeshArt(spec)}));
+  const MeshContent got = ReadMesh(Children(s.run(kDirRotate, false, true))[0]);
+  EXPECT_TRUE(SamePositions(got.u, {0, 0.7, 0.9, 1}, 1e-12));
+}
+
+// Turning back, or reflecting twice, gives the mesh it started from.
+TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
+  struct Sequence {
+    const char* name;
+    std::vector<std::pair<bool, bool>> steps;  // (alt, ctrl)
+  };
+  const Sequence sequences[] = {
+      {"clockwise then counterclockwise", {{false, false}, {true, false}}},
+      {"counterclockwise then clockwise", {{true, false}, {false, false}}},
+      {"reflect I twice", {{false, true}, {false, true}}},
+      {"reflect J twice", {{true, true}, {true, true}}},
+      {"four clockwise turns", {{false, false}, {false, false}, {false, false}, {false, false}}},
+      {"two turns equal reflecting both ways", {{false, false}, {false, false}, {false, true}, {true, true}}},
+  };
+  MeshSpec spec;
+  spec.I = 4;
+  spec.J = 3;
+  spec.u = {0, 0.15, 0.5, 0.55, 1};
+  spec.v = {0, 0.6, 0.7, 1};
+  for (const Sequence& seq : sequences) {
+    SCOPED_TRACE(seq.name);
+    Session s(MakeDoc({MakeMeshArt(spec)}));
+    const MeshContent old = ReadMesh(Children(s.written())[0]);
+    json doc;
+    for (auto [alt, ctrl] : seq.steps) doc = s.run(kDirRotate, alt, ctrl);
+    ASSERT_EQ(Children(doc).size(), 1u);
+    const MeshContent got = ReadMesh(Children(doc)[0]);
+    EXPECT_TRUE(SameContent(got, old, kTol));
+    EXPECT_TRUE(SamePositions(got.u, old.u, 1e-12));
+    EXPECT_TRUE(SamePositions(got.v, old.v, 1e-12));
+  }
+}
+
+TEST(GridDirection, OneCellMeshTurnsToo) {
+  MeshSpec spec;
+  spec.I = 1;
+  spec.J = 1;
+  Session s(MakeDoc({MakeMeshArt(spec)}));
+  const MeshContent old = ReadMesh(Children(s.written())[0]);
+  const MeshContent got = ReadMesh(Children(s.run(kDirRotate, false, false))[0]);
+  EXPECT_TRUE(SameContent(got, MapMesh(old, 1, 1, [](int i, int j) { return Node{1 - j, i}; }), kTol));
+}
+
+// The rebuilt mesh takes the old one's place in the paint order, its
+// opacity and blending mode, and ends selected as a whole; art around it
+// and meshes that are not selected are left alone.
+TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
+  MeshSpec top, mid, low;
+  top.id = "top";
+  top.selected = false;
+  mid.id = "mid";
+  mid.opacity = 0.625;
+  mid.blend = "multiply";
+  mid.originH = 200;
+  low.id = "low";
+  low.selected = false;
+  low.originH = 400;
+  const json path = json::parse(R"({"type": "path", "id": "p", "segments": [{"p": [0, 0]}, {"p": [10, 10]}]})");
+  Session s(MakeDoc({path, MakeMeshArt(top), MakeMeshArt(mid), MakeMeshArt(low)}));
+  const json before = s.written();
+
+  const json doc = s.run(kDirRotate, false, false);
+  const json& kids = Children(doc);
+  ASSERT_EQ(kids.size(), 4u);
+  EXPECT_EQ(kids[0], Children(before)[0]);
+  EXPECT_EQ(kids[1], Children(before)[1]);
+  EXPECT_EQ(kids[3], Children(before)[3]);
+  const json& rebuilt = kids[2];
+  EXPECT_EQ(rebuilt.at("type"), "mesh");
+  EXPECT_FALSE(rebuilt.contains("id") && rebuilt["id"] == "mid") << "the old art should be gone";
+  EXPECT_EQ(rebuilt.value("opacity", 1.0), 0.625);
+  EXPECT_EQ(rebuilt.value("blend", std::string("normal")), "multiply");
+  EXPECT_EQ(rebuilt.value("selected", false), true);
+  const MeshContent got = ReadMesh(rebuilt);
+  for (const auto& [key, n] : got.nodes) EXPECT_TRUE(n.selected) << key.first << "," << key.second;
+  for (const auto& [key, r] : got.runs) {
+    for (const InnerContent& ic : r.inner) {
+      if (ic.kind == "vertex") {
+        EXPECT_TRUE(ic.selected);
+      }
+    }
+  }
+}
+
+TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
+  MeshSpec a, b;
+  a.id = "a";
+  b.id = "b";
+  b.I = 2;
+  b.J = 4;
+  b.originH = 300;
+  json artA = MakeMeshArt(a);
+  // Only one node of the first mesh is selected.
+  for (json& n : artA["nodes"]) n["selected"] = false;
+  artA["nodes"][4]["selected"] = true;
+  Session s(MakeDoc({artA, MakeMeshArt(b)}));
+  const json before = s.written();
+  const MeshContent oldA = ReadMesh(Children(before)[0]), oldB = ReadMesh(Children(before)[1]);
+
+  const json doc = s.run(kDirRotate, false, true);  // reflect in I
+  ASSERT_EQ(Children(doc).size(), 2u);
+  EXPECT_TRUE(SameContent(ReadMesh(Children(doc)[0]), MapMesh(oldA, 3, 2, [](int i, int j) { return Node{3 - i, j}; }), kTol));
+  EXPECT_TRUE(SameContent(ReadMesh(Children(doc)[1]), MapMesh(oldB, 2, 4, [](int i, int j) { return Node{2 - i, j}; }), kTol));
+}
+
+TEST(GridDirection, NothingSelectedChangesNothing) {
+  MeshSpec spec;
+  spec.selected = false;
+  spec.id = "m";
+  Session s(MakeDoc({MakeMeshArt(spec)}));
+  const json before = s.written();
+  for (int variant = 0; variant < 4; ++variant) EXPECT_EQ(s.run(kDirRotate, variant & 1, variant & 2), before);
+  EXPECT_EQ(s.run(kUvReset, false, false), before);
+  EXPECT_EQ(s.run(kUvReset, false, true), before);
+}
+
+}  // namespace
+}  // namespace dirtest

@@ -1,0 +1,136 @@
+// "Reset UV coordinates" (166) through the loaded module: the dumb reset
+// spreads the grid lines evenly, the smart one places them by the lengths
+// of the lines across them; both keep every node, run and flag as it was.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "dir_uv/MeshFixture.h"
+#include "dir_uv/Session.h"
+
+namespace dirtest {
+namespace {
+
+Node Same(int i, int j) { return {i, j}; }
+
+// A straight run through the given anchors: each piece's handles at one
+// and two thirds, so each piece is a straight line of known length.
+json PolylineRun(int i, int j, const char* axis, const std::vector<std::pair<double, double>>& anchors,
+                 const json& inner) {
+  json pts = json::array();
+  for (size_t k = 0; k + 1 < anchors.size(); ++k) {
+    const auto [ah, av] = anchors[k];
+    const auto [bh, bv] = anchors[k + 1];
+    if (k == 0) pts.push_back({ah, av});
+    pts.push_back({ah + (bh - ah) / 3, av + (bv - av) / 3});
+    pts.push_back({ah + 2 * (bh - ah) / 3, av + 2 * (bv - av) / 3});
+    pts.push_back({bh, bv});
+  }
+  return {{"node", {i, j}}, {"axis", axis}, {"points", pts}, {"inner", inner}};
+}
+
+// An I x 1 mesh whose lines of constant j are straight and horizontal,
+// with the nodes of line j at the given h positions.
+json RowsMesh(const std::vector<double>& row0, const std::vector<double>& row1) {
+  const int I = static_cast<int>(row0.size()) - 1;
+  json nodes = json::array();
+  for (int j = 0; j <= 1; ++j)
+    for (int i = 0; i <= I; ++i)
+      nodes.push_back({{"p", {(j == 0 ? row0 : row1)[static_cast<size_t>(i)], 50.0 * j}}, {"color", {{"gray", 0.1 * i}}}});
+  return {{"type", "mesh"}, {"size", {I, 1}}, {"selected", true}, {"nodes", nodes}};
+}
+
+TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
+  MeshSpec spec;
+  spec.I = 4;
+  spec.J = 1;
+  spec.u = {0, 0.1, 0.2, 0.6, 1};
+  for (bool alt : {false, true}) {
+    SCOPED_TRACE(alt ? "Ctrl+Alt" : "Ctrl");
+    Session s(MakeDoc({MakeMeshArt(spec)}));
+    const MeshContent got = ReadMesh(Children(s.run(kUvReset, alt, true))[0]);
+    EXPECT_TRUE(SamePositions(got.u, {0, 0.25, 0.5, 0.75, 1}, 1e-15));
+    EXPECT_TRUE(SamePositions(got.v, {0, 1}, 0));
+  }
+}
+
+// The dumb reset copies through the identity window onto a fresh grid of
+// the same size: every point, knot, vertex, flag and paint must come out
+// bit for bit.
+TEST(DumbReset, CopiesTheMeshExactly) {
+  MeshSpec spec;
+  spec.I = 3;
+  spec.J = 3;
+  spec.u = {0, 0.2, 0.3, 1};
+  spec.v = {0, 0.5, 0.9, 1};
+  Session s(MakeDoc({MakeMeshArt(spec)}));
+  const MeshContent old = ReadMesh(Children(s.written())[0]);
+  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, true, false, false))[0]);
+  EXPECT_TRUE(SameContent(got, MapMesh(old, 3, 3, Same), 0.0));
+  EXPECT_TRUE(SamePositions(got.u, Even(3), 1e-15));
+  EXPECT_TRUE(SamePositions(got.v, Even(3), 1e-15));
+}
+
+TEST(SmartReset, LinesSplitOneToThreeGiveAQuarter) {
+  for (bool alt : {false, true}) {
+    SCOPED_TRACE(alt ? "Alt" : "no modifier");
+    Session s(MakeDoc({RowsMesh({0, 25, 100}, {0, 25, 100})}));
+    const MeshContent got = ReadMesh(Children(s.run(kUvReset, alt, false))[0]);
+    ASSERT_EQ(got.u.size(), 3u);
+    EXPECT_NEAR(got.u[1], 0.25, 1e-9);
+  }
+}
+
+// Each cell gets the average of its share over the lines that cross it.
+TEST(SmartReset, AveragesTheSharesOfAllCrossingLines) {
+  Session s(MakeDoc({RowsMesh({0, 25, 100}, {0, 50, 100})}));
+  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, false))[0]);
+  EXPECT_NEAR(got.u[1], (0.25 + 0.5) / 2, 1e-9);
+}
+
+// A run with a knot and a non-node vertex is measured to its end node,
+// every piece of every segment counted.
+TEST(SmartReset, MeasuresRunsThroughKnotsAndVertices) {
+  json mesh = RowsMesh({0, 50, 100}, {0, 50, 100});
+  const std::vector<std::pair<double, double>> zigzag = {{0, 0}, {20, 40}, {35, -20}, {50, 0}};
+  mesh["runs"] = {PolylineRun(0, 0, "I", zigzag,
+                              {{{"kind", "knot"}}, {{"kind", "vertex"}, {"selected", false}, {"smooth", {false, false}}}})};
+  const double detour = std::hypot(20, 40) + std::hypot(15, 60) + std::hypot(15, 20);
+  const double share0 = (detour / (detour + 50) + 0.5) / 2;
+
+  Session s(MakeDoc({mesh}));
+  const MeshContent old = ReadMesh(Children(s.written())[0]);
+  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, false))[0]);
+  EXPECT_NEAR(got.u[1], share0, 1e-6);
+  EXPECT_TRUE(SameContent(got, MapMesh(old, 2, 1, Same), 0.0));
+}
+
+// A cell of zero length on every line keeps a share of 1e-5 (single
+// precision) before the shares are normalised.
+TEST(SmartReset, DegenerateCellKeepsAMinimalShare) {
+  Session s(MakeDoc({RowsMesh({0, 0, 100}, {0, 0, 100})}));
+  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, false))[0]);
+  const double least = 9.999999747378752e-06;
+  ASSERT_EQ(got.u.size(), 3u);
+  EXPECT_NEAR(got.u[1], least / (1 + least), 1e-12);
+}
+
+TEST(SmartReset, KeepsContentPaintAndArtAttributes) {
+  MeshSpec spec;
+  spec.I = 3;
+  spec.J = 2;
+  spec.opacity = 0.5;
+  spec.blend = "screen";
+  Session s(MakeDoc({MakeMeshArt(spec)}));
+  const MeshContent old = ReadMesh(Children(s.written())[0]);
+  const json doc = s.run(kUvReset, false, false, false, false);
+  const MeshContent got = ReadMesh(Children(doc)[0]);
+  EXPECT_TRUE(SameContent(got, MapMesh(old, 3, 2, Same), 0.0));
+  EXPECT_EQ(Children(doc)[0].value("opacity", 1.0), 0.5);
+  EXPECT_EQ(Children(doc)[0].value("blend", std::string("normal")), "screen");
+  for (size_t k = 1; k < got.u.size(); ++k) EXPECT_LT(got.u[k - 1], got.u[k]);
+  for (size_t k = 1; k < got.v.size(); ++k) EXPECT_LT(got.v[k - 1], got.v[k]);
+}
+
+}  // namespace
+}  // namespace dirtest
