@@ -89,7 +89,10 @@ Host::Host(std::unique_ptr<Document> doc) : impl_(std::make_unique<Impl>()) {
 }
 
 Host::~Host() {
+  // A plug-in still started is shut down properly, reloading it first if
+  // it was left unloaded, so that it frees what it holds.
   try {
+    if (impl_->started && !impl_->module && !impl_->path.empty()) reloadPlugin();
     if (impl_->started && impl_->module) shutdownPlugin();
   } catch (...) {
   }

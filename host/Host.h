@@ -14,10 +14,9 @@
 
 #include "AITypes.h"
 #include "SPBasic.h"
+#include "host/Document.h"
 
 namespace lb::host {
-
-class Document;
 
 // Live-object counters. A message or a command must leave them where they
 // were: a leaked iterator or selection is a bug.

