@@ -1,0 +1,46 @@
+// Drawing a document with cairo: meshes as their patches with smooth colour
+// and opacity, paths with fill and stroke, raster and placed images, groups;
+// hidden art left out. Opacity and blending modes of art are honoured.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/Document.h"
+
+namespace lb::render {
+
+struct RenderOptions {
+  double scale = 1;        // device pixels per document unit
+  bool selection = false;  // overlay selected mesh vertices, knots and handles
+};
+
+// An image in cairo's ARGB32 layout: one uint32 per pixel, premultiplied
+// alpha, rows top first.
+struct Image {
+  int width = 0;
+  int height = 0;
+  std::vector<uint32_t> pixels;
+  // The document area drawn: left, top, right, bottom.
+  AIRealRect area{0, 0, 0, 0};
+
+  uint32_t at(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x]; }
+  // Un-premultiplied channel values 0..255 of pixel (x, y).
+  void rgba(int x, int y, int* r, int* g, int* b, int* a) const;
+  // Device pixel of a document point.
+  void toPixel(AIRealPoint p, double scale, double* x, double* y) const;
+};
+
+// The area drawn: the artboard, or the bounds of all visible art.
+AIRealRect renderArea(const lb::host::Document& doc);
+
+// Draws the document on a white page. Throws std::runtime_error when the
+// picture cannot be made.
+Image renderDocument(const lb::host::Document& doc, const RenderOptions& options = {});
+
+// Writes the picture as PNG, atomically (temporary file, then rename).
+// Throws std::runtime_error on failure and leaves no file behind.
+void renderDocumentPng(const lb::host::Document& doc, const std::string& outPng, const RenderOptions& options = {});
+
+}  // namespace lb::render
