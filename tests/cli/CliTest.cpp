@@ -160,7 +160,9 @@ TEST_F(Cli, DemoDocumentIsValidAndInfoDescribesIt) {
   Write(dir / "demo.lbdoc", lb::app::demoDocumentText({true, {}}));
   Result r = Invoke({"info", P("demo.lbdoc")});
   ASSERT_NE(r.status, 3) << r.err;
-  if (r.status == 0) EXPECT_FALSE(r.out.empty());
+  if (r.status == 0) {
+    EXPECT_FALSE(r.out.empty());
+  }
 }
 
 }  // namespace
