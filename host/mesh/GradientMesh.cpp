@@ -1176,8 +1176,20 @@ bool GradientMesh::invertPoint(AIRealPoint p, AIRealPoint* uvOut) const {
         if (std::abs(det) < 1e-300) break;
         double ds = (e.h * qt.v - e.v * qt.h) / det;
         double dt = (qs.h * e.v - qs.v * e.h) / det;
-        s = std::clamp(s - ds, -0.05, 1.05);
-        t = std::clamp(t - dt, -0.05, 1.05);
+        // Projected step: a coordinate that would leave the patch stays on
+        // its border and the other one is solved for alone.
+        const bool sOut = s - ds < 0 || s - ds > 1, tOut = t - dt < 0 || t - dt > 1;
+        if (sOut && !tOut) {
+          ds = s - std::clamp(s - ds, 0.0, 1.0);
+          const P e2 = e - ds * qs;
+          dt = (e2.h * qt.h + e2.v * qt.v) / std::max(1e-300, qt.h * qt.h + qt.v * qt.v);
+        } else if (tOut && !sOut) {
+          dt = t - std::clamp(t - dt, 0.0, 1.0);
+          const P e2 = e - dt * qt;
+          ds = (e2.h * qs.h + e2.v * qs.v) / std::max(1e-300, qs.h * qs.h + qs.v * qs.v);
+        }
+        s = std::clamp(s - ds, 0.0, 1.0);
+        t = std::clamp(t - dt, 0.0, 1.0);
         if (std::abs(ds) + std::abs(dt) < 1e-14) break;
       }
       const double cs = std::clamp(s, 0.0, 1.0), ct = std::clamp(t, 0.0, 1.0);

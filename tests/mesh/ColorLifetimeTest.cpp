@@ -1,0 +1,277 @@
+// Colours and opacities: exact round-trips, interpolation without overshoot
+// and continuous across patch borders, symmetric under reflection. Iterator
+// and selection lifetimes: counters, AtEnd after edits and after the mesh
+// is gone, visible versus detached selections.
+#include <cstring>
+#include <random>
+
+#include "MeshFixture.h"
+
+using namespace meshtest;
+
+class Colors : public MeshTest {
+ protected:
+  void paintRandom(unsigned seed) {
+    std::mt19937 rng(seed);
+    std::uniform_real_distribution<double> d(0, 1);
+    for (int j = 0; j <= m().sizeJ(); ++j)
+      for (int i = 0; i <= m().sizeI(); ++i) {
+        auto n = m().nodeData(i, j);
+        n.color = rgb(d(rng), d(rng), d(rng));
+        n.opacity = d(rng);
+        m().setNodeData(i, j, n);
+      }
+  }
+};
+
+TEST_F(Colors, EveryKindRoundTripsExactlyThroughTheVertexSuite) {
+  s.mesh->InitCartesian(art, 1, 1);
+  AIColor gray{}, cmyk{}, none{};
+  gray.kind = kGrayColor;
+  gray.c.g.gray = 0.1 + 0.2;  // not a short decimal
+  cmyk.kind = kFourColor;
+  cmyk.c.f = {1.0 / 3.0, 0.7, 1e-17, 1};
+  none.kind = kNoneColor;
+  AIMeshVertexIterator v = nodeIt(1, 1);
+  for (const AIColor& c : {gray, cmyk, rgb(0.3, 2.0 / 7.0, 0.999999999999), none}) {
+    ASSERT_EQ(s.vtx->SetColor(v, &c), kNoErr);
+    AIColor back{};
+    s.vtx->GetColor(v, &back);
+    EXPECT_EQ(back.kind, c.kind);
+    EXPECT_EQ(std::memcmp(&back.c, &c.c, c.kind == kFourColor ? 32 : c.kind == kThreeColor ? 24 : 8), 0);
+  }
+  ASSERT_EQ(s.vtx->SetOpacity(v, 0.1 + 0.7), kNoErr);
+  AIReal o = 0;
+  s.vtx->GetOpacity(v, &o);
+  EXPECT_EQ(o, 0.1 + 0.7);
+  s.vtx->Release(v);
+}
+
+TEST_F(Colors, NonNodeVerticesReportTheSurfaceAndRefuseSetting) {
+  s.mesh->InitCartesian(art, 1, 1);
+  paintRandom(3);
+  AIMeshVertexIterator n = nodeIt(0, 1);
+  AIMeshSegmentIterator g = nullptr;
+  s.vtx->GetSegment(n, s.vtx->GetSegmentIndex(n, kAIMeshIAxis, kAIMeshForward), &g);
+  s.seg->InsertKnots(g, 0, 3);
+  s.seg->Split(g, 0);
+  AIMeshVertexIterator v = nullptr;
+  s.seg->GetEnd(g, &v);
+  AIRealPoint uv{};
+  s.vtx->GetUV(v, &uv);
+  EXPECT_DOUBLE_EQ(uv.h, 0.25);
+  EXPECT_EQ(uv.v, 1.0);
+  AIColor c{}, e{};
+  s.vtx->GetColor(v, &c);
+  s.mesh->EvalColor(art, uv, &e);
+  EXPECT_EQ(c.c.rgb.green, e.c.rgb.green);
+  AIRealPoint p{}, q{};
+  s.vtx->GetPoint(v, &p);
+  s.mesh->EvalPoint(art, uv, &q);
+  EXPECT_NEAR(p.h, q.h, 1e-12);
+  EXPECT_NEAR(p.v, q.v, 1e-12);
+  EXPECT_EQ(s.vtx->SetColor(v, &c), kBadParameterErr);
+  EXPECT_EQ(s.vtx->SetOpacity(v, 0.5), kBadParameterErr);
+  s.vtx->Release(v);
+  s.seg->Release(g);
+  s.vtx->Release(n);
+}
+
+TEST_F(Colors, InterpolationHitsNodesStaysInRangeAndIsContinuous) {
+  s.mesh->InitCartesian(art, 4, 3);
+  m().setRelative({0, 0.1, 0.5, 0.6, 1}, {0, 0.7, 0.8, 1});
+  paintRandom(7);
+  const auto& us = m().relativeUs();
+  const auto& vs = m().relativeVs();
+  for (int j = 0; j <= 3; ++j)
+    for (int i = 0; i <= 4; ++i) {
+      const AIColor c = m().evalColor(us[i], vs[j]);
+      EXPECT_NEAR(c.c.rgb.red, m().nodeData(i, j).color.c.rgb.red, 1e-12);
+      EXPECT_NEAR(m().evalOpacity(us[i], vs[j]), m().nodeData(i, j).opacity, 1e-12);
+    }
+  // Within the range of the cell's corners.
+  for (int k = 0; k < 4000; ++k) {
+    const double u = (k % 67) / 66.0, v = (k / 67) / 60.0;
+    if (v > 1) break;
+    int i = 0, j = 0;
+    while (i < 3 && us[i + 1] <= u) ++i;
+    while (j < 2 && vs[j + 1] <= v) ++j;
+    double lo = 1, hi = 0;
+    for (int b = 0; b < 2; ++b)
+      for (int a = 0; a < 2; ++a) {
+        lo = std::min(lo, m().nodeData(i + a, j + b).opacity);
+        hi = std::max(hi, m().nodeData(i + a, j + b).opacity);
+      }
+    const double o = m().evalOpacity(u, v);
+    EXPECT_GE(o, lo - 1e-12);
+    EXPECT_LE(o, hi + 1e-12);
+  }
+  // Continuous (and with matching slope) across an interior line.
+  for (double v : {0.3, 0.75, 0.95}) {
+    const double e = 1e-7;
+    const double a = m().evalColor(0.5 - e, v).c.rgb.blue, b = m().evalColor(0.5 + e, v).c.rgb.blue;
+    EXPECT_NEAR(a, b, 1e-5);
+  }
+}
+
+TEST_F(Colors, MirroredNodesGiveTheMirroredField) {
+  s.mesh->InitCartesian(art, 3, 2);
+  m().setRelative({0, 0.2, 0.45, 1}, {0, 0.3, 1});
+  paintRandom(11);
+  lb::host::GradientMesh mirror = m();
+  mirror.setRelative({0, 0.55, 0.8, 1}, {0, 0.3, 1});
+  for (int j = 0; j <= 2; ++j)
+    for (int i = 0; i <= 3; ++i) mirror.setNodeData(3 - i, j, m().nodeData(i, j));
+  for (double u = 0; u <= 1; u += 0.05)
+    for (double v = 0; v <= 1; v += 0.1) {
+      EXPECT_NEAR(m().evalColor(u, v).c.rgb.red, mirror.evalColor(1 - u, v).c.rgb.red, 1e-12);
+      EXPECT_NEAR(m().evalOpacity(u, v), mirror.evalOpacity(1 - u, v), 1e-12);
+    }
+}
+
+TEST_F(Colors, MixedKindsEvaluateInTheKindOfTheFirstNode) {
+  s.mesh->InitCartesian(art, 1, 1);
+  auto n = m().nodeData(0, 0);
+  n.color.kind = kGrayColor;
+  n.color.c.g.gray = 0;
+  m().setNodeData(0, 0, n);
+  auto w = m().nodeData(1, 0);
+  w.color = rgb(0, 0, 0);  // black as RGB: gray 1
+  m().setNodeData(1, 0, w);
+  const AIColor c = m().evalColor(1, 0);
+  EXPECT_EQ(c.kind, kGrayColor);
+  EXPECT_NEAR(c.c.g.gray, 1, 1e-12);
+}
+
+TEST_F(Colors, InvertPointFindsTheParameterOfEvaluatedPoints) {
+  s.mesh->InitCartesian(art, 3, 2);
+  bend(m(), 0.05);
+  for (double u : {0.0, 0.13, 0.5, 0.77, 1.0})
+    for (double v : {0.05, 0.4, 0.99}) {
+      AIRealPoint p{}, uv{};
+      AIBoolean on = false;
+      s.mesh->EvalPoint(art, AIRealPoint{u, v}, &p);
+      ASSERT_EQ(s.mesh->InvertPoint(art, p, &uv, &on), kNoErr);
+      EXPECT_TRUE(on);
+      EXPECT_NEAR(uv.h, u, 1e-7);
+      EXPECT_NEAR(uv.v, v, 1e-7);
+    }
+  AIRealPoint uv{};
+  AIBoolean on = true;
+  s.mesh->InvertPoint(art, AIRealPoint{5, 5}, &uv, &on);
+  EXPECT_FALSE(on);
+}
+
+class Lifetimes : public MeshTest {};
+
+TEST_F(Lifetimes, CountersFollowCopiesAddRefsAndReleases) {
+  s.mesh->InitCartesian(art, 2, 2);
+  const auto base = lb::host::liveCounters();
+  AIMeshVertexIterator v = nodeIt(0, 0), c = nullptr;
+  s.vtx->Copy(v, &c);
+  EXPECT_EQ(lb::host::liveCounters().vertexIterators, base.vertexIterators + 2);
+  EXPECT_EQ(s.vtx->AddRef(v), 2);
+  EXPECT_EQ(s.vtx->Release(v), 1);
+  EXPECT_EQ(lb::host::liveCounters().vertexIterators, base.vertexIterators + 2) << "still referenced";
+  EXPECT_EQ(s.vtx->Release(v), 0);
+  EXPECT_EQ(s.vtx->Release(c), 0);
+  AIMeshSegmentIterator g = nullptr, g2 = nullptr;
+  s.mesh->GetStartSegment(art, &g);
+  s.seg->Copy(g, &g2);
+  AIMeshSelection a = nullptr, b = nullptr;
+  s.mesh->GetSelection(art, &a);
+  s.sel->Copy(a, &b);
+  AIMeshPatchIterator p = nullptr;
+  s.mesh->GetStartPatch(art, &p);
+  const auto mid = lb::host::liveCounters();
+  EXPECT_EQ(mid.segmentIterators, base.segmentIterators + 2);
+  EXPECT_EQ(mid.selections, base.selections + 2);
+  EXPECT_EQ(mid.patchIterators, base.patchIterators + 1);
+  s.seg->Release(g);
+  s.seg->Release(g2);
+  s.sel->Release(a);
+  s.sel->Release(b);
+  s.patch->Release(p);
+  EXPECT_EQ(lb::host::liveCounters(), base);
+}
+
+TEST_F(Lifetimes, IteratorsOnAVanishedMeshAreAtEndAndFailSafely) {
+  s.mesh->InitCartesian(art, 2, 2);
+  AIMeshVertexIterator v = nodeIt(1, 1);
+  AIMeshSegmentIterator g = nullptr;
+  s.vtx->GetSegment(v, 0, &g);
+  AIMeshSelection sel = nullptr;
+  s.mesh->GetSelection(art, &sel);
+  ASSERT_EQ(host_->document().disposeArt(art), kNoErr);
+  EXPECT_TRUE(s.vtx->AtEnd(v));
+  EXPECT_TRUE(s.seg->AtEnd(g));
+  AIRealPoint p{};
+  EXPECT_EQ(s.vtx->GetPoint(v, &p), kIterAtEndErr);
+  EXPECT_EQ(s.seg->Next(g), kIterAtEndErr);
+  EXPECT_EQ(s.sel->SelectVertex(sel, v, true), kIterAtEndErr);
+  EXPECT_TRUE(s.sel->IsEmpty(sel));
+  int32_t i, j;
+  EXPECT_EQ(s.mesh->GetSize(art, &i, &j), kNoSuchArtErr);
+  EXPECT_EQ(s.mesh->GetSize(nullptr, &i, &j), kBadParameterErr);
+  s.vtx->Release(v);
+  s.seg->Release(g);
+  s.sel->Release(sel);
+  art = nullptr;
+}
+
+TEST_F(Lifetimes, WrongArtTypeIsRefused) {
+  ArtObject* path = nullptr;
+  ASSERT_EQ(host_->document().newArt(kPathArt, kPlaceAboveAll, nullptr, &path), kNoErr);
+  AIMeshVertexIterator v = nullptr;
+  EXPECT_EQ(s.mesh->GetNode(path, 0, 0, &v), kWrongArtTypeErr);
+  EXPECT_EQ(v, nullptr);
+  EXPECT_EQ(s.mesh->GetNode(art, 2, 0, &v), kBadParameterErr);
+  EXPECT_EQ(v, nullptr);
+}
+
+TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
+  s.mesh->InitCartesian(art, 1, 1);
+  AIMeshSelection vis = nullptr, mine = nullptr, full = nullptr;
+  s.mesh->GetSelection(art, &vis);
+  s.mesh->NewSelection(art, false, &mine);
+  s.mesh->NewSelection(art, true, &full);
+  EXPECT_TRUE(s.sel->IsFull(full));
+  EXPECT_TRUE(s.sel->IsEmpty(vis));
+  AIMeshVertexIterator v = nodeIt(1, 0);
+  s.sel->SelectVertex(mine, v, true);
+  EXPECT_FALSE(m().selected(m().node(1, 0)));
+  s.sel->SelectVertex(vis, v, true);
+  EXPECT_TRUE(m().selected(m().node(1, 0)));
+  AIMeshSegmentIterator g = nullptr;
+  s.vtx->GetSegment(v, 0, &g);  // (1, 0) -> (0, 0)
+  EXPECT_FALSE(s.sel->ContainsSegment(vis, g));
+  s.sel->SelectSegment(vis, g, true);
+  EXPECT_TRUE(s.sel->ContainsSegment(vis, g));
+  EXPECT_TRUE(m().selected(m().node(0, 0)));
+  m().selectAll();
+  EXPECT_TRUE(s.sel->IsFull(vis));
+  // A new vertex is not selected, so the mesh is no longer fully selected.
+  s.seg->InsertKnots(g, 0, 1);
+  s.seg->Split(g, 0);
+  EXPECT_FALSE(s.sel->IsFull(vis));
+  EXPECT_FALSE(s.sel->IsFull(full));
+  m().clearSelection();
+  EXPECT_TRUE(s.sel->IsEmpty(vis));
+  EXPECT_FALSE(s.sel->IsEmpty(mine));
+  s.seg->Release(g);
+  s.vtx->Release(v);
+  for (auto* x : {vis, mine, full}) s.sel->Release(x);
+}
+
+TEST_F(Lifetimes, HitVertexFindsTheNearestWithinTolerance) {
+  s.mesh->InitCartesian(art, 2, 2);
+  AIMeshVertexIterator v = nullptr;
+  ASSERT_EQ(s.hit->HitVertex(art, AIRealPoint{0.52, 0.49}, 0.05, &v), kNoErr);
+  ASSERT_NE(v, nullptr);
+  int32_t i, j;
+  s.vtx->GetNodeIndex(v, &i, &j);
+  EXPECT_EQ(std::pair(i, j), std::pair(1, 1));
+  s.vtx->Release(v);
+  ASSERT_EQ(s.hit->HitVertex(art, AIRealPoint{0.25, 0.25}, 0.05, &v), kNoErr);
+  EXPECT_EQ(v, nullptr);
+}
