@@ -191,6 +191,20 @@ std::unique_ptr<GradientMesh> meshFromJson(const json& art, const std::string& p
     mesh->setNodeData(static_cast<int>(k % (I + 1)), static_cast<int>(k / (I + 1)), d);
   }
 
+  // Runs not listed are straight lines with handles at one and two thirds.
+  for (int axis = 0; axis < 2; ++axis)
+    for (int j = 0; j <= J - axis; ++j)
+      for (int i = 0; i <= I - (1 - axis); ++i) {
+        const AIRealPoint a = mesh->nodeData(i, j).p;
+        const AIRealPoint b = mesh->nodeData(axis == 0 ? i + 1 : i, axis == 0 ? j : j + 1).p;
+        MeshRunData d;
+        d.points = {a,
+                    {a.h + (b.h - a.h) / 3, a.v + (b.v - a.v) / 3},
+                    {a.h + 2 * (b.h - a.h) / 3, a.v + 2 * (b.v - a.v) / 3},
+                    b};
+        mesh->setRunData(axis, i, j, d);
+      }
+
   if (art.contains("runs")) {
     const std::string rp = at(path, "runs");
     const json& runs = array(art["runs"], rp);
