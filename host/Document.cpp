@@ -141,10 +141,18 @@ const std::vector<std::unique_ptr<ArtObject>>& Document::siblingsOf(const ArtObj
   return art->parent ? art->parent->children : layers_;
 }
 
+size_t Document::indexOf(const ArtObject* art) const {
+  const auto& sibs = siblingsOf(art);
+  if (art->indexHint < sibs.size() && sibs[art->indexHint].get() == art) return art->indexHint;
+  for (size_t k = 0; k < sibs.size(); ++k) sibs[k]->indexHint = k;
+  return art->indexHint < sibs.size() && sibs[art->indexHint].get() == art ? art->indexHint : sibs.size();
+}
+
 std::unique_ptr<ArtObject> Document::detach(ArtObject* art) {
   auto& sibs = siblingsOf(art);
-  auto it = std::find_if(sibs.begin(), sibs.end(), [&](const auto& p) { return p.get() == art; });
-  if (it == sibs.end()) return nullptr;
+  const size_t k = indexOf(art);
+  if (k >= sibs.size()) return nullptr;
+  auto it = sibs.begin() + static_cast<std::ptrdiff_t>(k);
   std::unique_ptr<ArtObject> owned = std::move(*it);
   sibs.erase(it);
   owned->parent = nullptr;
@@ -201,11 +209,11 @@ ArtObject* Document::place(std::unique_ptr<ArtObject> art, const Target& t) {
   auto& kids = t.parent->children;
   size_t index = t.atTop ? 0 : kids.size();
   if (t.anchor) {
-    auto it = std::find_if(kids.begin(), kids.end(), [&](const auto& p) { return p.get() == t.anchor; });
-    index = static_cast<size_t>(it - kids.begin()) + (t.below ? 1 : 0);
+    index = indexOf(t.anchor) + (t.below ? 1 : 0);
   }
   ArtObject* raw = art.get();
   raw->parent = t.parent;
+  raw->indexHint = index;
   kids.insert(kids.begin() + static_cast<std::ptrdiff_t>(index), std::move(art));
   registerTree(raw);
   return raw;
@@ -223,6 +231,7 @@ ArtObject* Document::appendChild(ArtObject* parent, std::unique_ptr<ArtObject> a
   ArtObject* raw = art.get();
   raw->parent = parent;
   auto& kids = parent->children;
+  raw->indexHint = onTop ? 0 : kids.size();
   if (onTop)
     kids.insert(kids.begin(), std::move(art));
   else
@@ -310,16 +319,14 @@ ArtObject* Document::firstChild(const ArtObject* art) {
 
 ArtObject* Document::nextSibling(const ArtObject* art) const {
   const auto& sibs = siblingsOf(art);
-  for (size_t k = 0; k < sibs.size(); ++k)
-    if (sibs[k].get() == art) return k + 1 < sibs.size() ? sibs[k + 1].get() : nullptr;
-  return nullptr;
+  const size_t k = indexOf(art);
+  return k + 1 < sibs.size() ? sibs[k + 1].get() : nullptr;
 }
 
 ArtObject* Document::priorSibling(const ArtObject* art) const {
   const auto& sibs = siblingsOf(art);
-  for (size_t k = 0; k < sibs.size(); ++k)
-    if (sibs[k].get() == art) return k > 0 ? sibs[k - 1].get() : nullptr;
-  return nullptr;
+  const size_t k = indexOf(art);
+  return k > 0 && k < sibs.size() ? sibs[k - 1].get() : nullptr;
 }
 
 std::vector<ArtObject*> Document::allArt() const {

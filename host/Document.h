@@ -48,6 +48,10 @@ struct ArtObject {
   ArtObject* parent = nullptr;  // the layer for top-level art; null for layers
   std::vector<std::unique_ptr<ArtObject>> children;  // top first
   bool isLayer = false;  // layers are group art at the root
+  // Where this object last was in its parent's child list; checked before
+  // use and refreshed for the whole list when stale, so sibling steps are
+  // O(1) in the usual walks.
+  mutable size_t indexHint = 0;
 
   // Paths.
   std::vector<AIPathSegment> segments;
@@ -164,6 +168,8 @@ class Document {
   std::vector<std::unique_ptr<ArtObject>>& siblingsOf(const ArtObject* art);
   const std::vector<std::unique_ptr<ArtObject>>& siblingsOf(const ArtObject* art) const;
   std::unique_ptr<ArtObject> detach(ArtObject* art);
+  // Position of art in its sibling list.
+  size_t indexOf(const ArtObject* art) const;
   struct Target;
   // Where (paintOrder, prep) puts `moving`; refuses without changing anything.
   AIErr resolve(int16_t paintOrder, ArtObject* prep, const ArtObject* moving, Target& t);

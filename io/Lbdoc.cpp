@@ -463,14 +463,10 @@ struct Reader {
       fail(path, std::string("bad mesh: ") + e.what());
     }
     if (!art.mesh) fail(path, "mesh could not be read");
-    // A selected mesh with no vertex flags is selected as a whole; a mesh
-    // with selected vertices is a selected art object.
+    // The mesh reader applies "a selected mesh with no vertex flags is
+    // selected as a whole"; a mesh with selected vertices is selected art.
     const auto empty = lb::host::meshaccess::isSelectionEmpty(*art.mesh);
-    if (art.selected()) {
-      if (empty.value_or(false)) lb::host::meshaccess::selectAll(*art.mesh);
-    } else if (empty && !*empty) {
-      art.userAttr |= kArtSelected;
-    }
+    if (!art.selected() && empty && !*empty) art.userAttr |= kArtSelected;
   }
 };
 

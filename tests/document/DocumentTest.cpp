@@ -2,6 +2,7 @@
 // dispose, matching order, selection semantics, bounds and transforms.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -411,4 +412,45 @@ TEST(Styles, ByNameAndReplace) {
   EXPECT_TRUE(d.ownsStyle(a));
   lb::host::GraphicStyle other;
   EXPECT_FALSE(d.ownsStyle(&other));
+}
+
+TEST(Walks, StayCorrectAcrossMixedInsertsMovesAndDisposals) {
+  // Sibling steps use cached positions; every kind of edit must keep the
+  // walks exact.
+  Document d;
+  ArtObject* layer = d.addLayer("L");
+  std::vector<std::string> expected;
+  std::vector<ArtObject*> arts;
+  for (int k = 0; k < 200; ++k) {
+    const std::string name = std::to_string(k);
+    ArtObject* a = nullptr;
+    if (k % 3 == 0) {
+      a = make(d, kPathArt, kPlaceInsideOnTop, layer, name);
+      expected.insert(expected.begin(), name);
+    } else if (k % 3 == 1) {
+      a = make(d, kPathArt, kPlaceInsideOnBottom, layer, name);
+      expected.push_back(name);
+    } else {
+      // Directly below the art made just before.
+      ArtObject* prev = arts.back();
+      a = make(d, kPathArt, kPlaceBelow, prev, name);
+      auto it = std::find(expected.begin(), expected.end(), prev->name);
+      expected.insert(it + 1, name);
+    }
+    arts.push_back(a);
+    if (k % 17 == 0) {
+      ASSERT_EQ(walkDown(d, layer), expected) << k;
+    }
+  }
+  ASSERT_EQ(walkDown(d, layer), expected);
+  for (int k = 0; k < 200; k += 7) {
+    ASSERT_EQ(d.disposeArt(arts[k]), kNoErr);
+    expected.erase(std::find(expected.begin(), expected.end(), std::to_string(k)));
+  }
+  ASSERT_EQ(d.reorderArt(arts[1], kPlaceAboveAll, nullptr), kNoErr);
+  expected.erase(std::find(expected.begin(), expected.end(), "1"));
+  expected.insert(expected.begin(), "1");
+  EXPECT_EQ(walkDown(d, layer), expected);
+  std::vector<std::string> reversed(expected.rbegin(), expected.rend());
+  EXPECT_EQ(walkUp(d, layer), reversed);
 }

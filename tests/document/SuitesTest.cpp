@@ -67,6 +67,18 @@ struct Suites : ::testing::Test {
 
 using Names = std::vector<std::string>;
 
+// A flat I x J mesh art object as .lbdoc JSON.
+std::string mesh(const std::string& name, bool selected, int I, int J) {
+  std::string nodes;
+  for (int j = 0; j <= J; ++j)
+    for (int i = 0; i <= I; ++i) {
+      if (!nodes.empty()) nodes += ", ";
+      nodes += "{\"p\": [" + std::to_string(i * 10) + ", " + std::to_string(j * 10) + "]}";
+    }
+  return R"({"type": "mesh", "name": ")" + name + R"(", "selected": )" + (selected ? "true" : "false") +
+         R"(, "size": [)" + std::to_string(I) + ", " + std::to_string(J) + R"(], "nodes": [)" + nodes + "]}";
+}
+
 }  // namespace
 
 TEST_F(Suites, HandlesAreValidated) {
@@ -140,11 +152,8 @@ TEST_F(Suites, WalkTheTreeThroughTheArtSuite) {
 
 TEST_F(Suites, MatchingArtHandsOutCountedMemory) {
   load(R"({"latticebender": 1, "layers": [
-    {"name": "L", "children": [
-      {"type": "mesh", "name": "m1", "selected": true, "size": [1, 1]},
-      {"type": "group", "name": "g", "children": [
-        {"type": "mesh", "name": "m2", "selected": true, "size": [1, 1]},
-        {"type": "mesh", "name": "m3", "size": [1, 1]}]},
+    {"name": "L", "children": [)" + mesh("m1", true, 1, 1) + R"(,
+      {"type": "group", "name": "g", "children": [)" + mesh("m2", true, 1, 1) + ", " + mesh("m3", false, 1, 1) + R"(]},
       {"type": "raster", "name": "r", "selected": true, "width": 1, "height": 1, "pixels": "AA=="}]}]})");
   const long before = host.counters().memoryHandles;
   AIArtHandle** h = nullptr;
@@ -195,8 +204,7 @@ TEST_F(Suites, MemoryResizeKeepsContents) {
 }
 
 TEST_F(Suites, AttributesAndMeshSelection) {
-  load(R"({"latticebender": 1, "layers": [
-    {"name": "L", "children": [{"type": "mesh", "name": "m", "size": [2, 2]}]}]})");
+  load(R"({"latticebender": 1, "layers": [{"name": "L", "children": [)" + mesh("m", false, 2, 2) + "]}]}");
   AIArtHandle m = doc().layers()[0]->children[0].get();
   int32_t attr = -1;
   ASSERT_EQ(art->GetArtUserAttr(m, kArtSelected | kArtLocked, &attr), kNoErr);

@@ -50,7 +50,20 @@ const char* kFull = R"({
        "matrix": [1, 0.5, -0.5, 1, 100, 200], "pixels": "AAECAwQFBgc=", "fill": {"color": {"rgb": [0, 0.5, 1]}}},
       {"type": "placed", "id": "pl", "width": 1, "height": 1, "space": "cmyk", "bits": 16,
        "pixels": "AAEAAgADAAQ=", "placedType": 3, "selected": true},
-      {"type": "mesh", "id": "m", "name": "Mesh", "selected": true, "opacity": 0.75, "blend": "multiply", "size": [2, 3]}
+      {"type": "mesh", "id": "m", "name": "Mesh", "selected": true, "opacity": 0.75, "blend": "multiply", "size": [2, 3],
+       "nodes": [
+         {"p": [0, 0]},
+         {"p": [10, 0]},
+         {"p": [20, 0]},
+         {"p": [0, 10]},
+         {"p": [10, 10], "selected": true},
+         {"p": [20, 10]},
+         {"p": [0, 20]},
+         {"p": [10, 20]},
+         {"p": [20, 20]},
+         {"p": [0, 30]},
+         {"p": [10, 30]},
+         {"p": [20, 30], "color": {"cmyk": [0.1, 0.2, 0.3, 0.4]}, "opacity": 0.5}]}
     ]},
     {"name": "Bottom", "hidden": true, "locked": true, "children": []}
   ]
@@ -473,5 +486,51 @@ TEST(Describe, SummarisesTreeAttributesAndMeshes) {
   EXPECT_NE(text.find("placed #pl selected 1x1 cmyk 16-bit placedType=3"), std::string::npos) << text;
   EXPECT_NE(text.find("mesh \"Mesh\" #m selected opacity=0.75 blend=multiply key 2x3 cells"), std::string::npos)
       << text;
+  EXPECT_NE(text.find("2x3 cells, 12 vertices, 1 selected"), std::string::npos) << text;
   EXPECT_NE(text.find("layer \"Bottom\" hidden locked (0 children)"), std::string::npos) << text;
+}
+
+namespace {
+std::string flatMesh(const std::string& extra, const std::string& nodeExtra = "") {
+  std::string nodes;
+  for (int j = 0; j <= 1; ++j)
+    for (int i = 0; i <= 2; ++i) {
+      if (!nodes.empty()) nodes += ", ";
+      nodes += "{\"p\": [" + std::to_string(i) + ", " + std::to_string(j) + "]" +
+               (i == 1 && j == 1 ? nodeExtra : std::string()) + "}";
+    }
+  return withArt(R"({"type": "mesh", "size": [2, 1], "nodes": [)" + nodes + "]" + extra + "}");
+}
+}  // namespace
+
+TEST(LbdocMesh, SelectionRulesBetweenArtAndVertices) {
+  // Selected art, no vertex flags: the whole mesh.
+  auto whole = readDocument(flatMesh(R"(, "selected": true)"));
+  const ArtObject* m = whole->layers()[0]->children[0].get();
+  EXPECT_TRUE(m->selected());
+  EXPECT_TRUE(m->mesh->isSelectionFull());
+  // Unselected art with a selected node: selected art, that node only.
+  auto partial = readDocument(flatMesh("", R"(, "selected": true)"));
+  const ArtObject* p = partial->layers()[0]->children[0].get();
+  EXPECT_TRUE(p->selected());
+  EXPECT_EQ(p->mesh->selectedCount(), 1u);
+  // Unselected, no flags: nothing.
+  auto none = readDocument(flatMesh(""));
+  EXPECT_FALSE(none->layers()[0]->children[0]->selected());
+  EXPECT_TRUE(none->layers()[0]->children[0]->mesh->isSelectionEmpty());
+  // A selected mesh whose vertices were all deselected stays that way
+  // through a write and a read.
+  auto again = readDocument(writeDocument(*partial));
+  EXPECT_EQ(writeDocument(*again), writeDocument(*partial));
+  partial->layers()[0]->children[0]->mesh->clearSelection();
+  auto empty = readDocument(writeDocument(*partial));
+  EXPECT_TRUE(empty->layers()[0]->children[0]->selected());
+  EXPECT_TRUE(empty->layers()[0]->children[0]->mesh->isSelectionEmpty());
+}
+
+TEST(LbdocMesh, MeshErrorsCarryTheArtPath) {
+  const FormatError e = readError(withArt(R"({"type": "group", "children": [{"type": "mesh", "size": [1, 1], "nodes": []}]})"));
+  EXPECT_EQ(e.path(), "layers[0].children[0].children[0].nodes");
+  const FormatError c = readError(flatMesh("", R"(, "color": {"gray": 2})"));
+  EXPECT_EQ(c.path(), "layers[0].children[0].nodes[4].color.gray");
 }
