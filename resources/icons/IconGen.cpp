@@ -50,14 +50,20 @@ void Grid(cairo_t* cr, double x, double y, double w, double h, int nx, int ny, d
           Rgb c = kGrid, double lw = 1.0) {
   Src(cr, c);
   cairo_set_line_width(cr, lw);
+  // Straight lines sit on pixel centres so that they stay sharp.
+  auto snap = [](double v) { return std::floor(v) + 0.5; };
+  x = snap(x);
+  y = snap(y);
+  w = std::round(w);
+  h = std::round(h);
   for (int i = 0; i <= nx; ++i) {
-    double px = x + w * i / nx;
+    double px = snap(x + w * i / nx);
     double b = (i == 0 || i == nx) ? 0 : bend;
     cairo_move_to(cr, px, y);
     cairo_curve_to(cr, px + b, y + h / 3, px - b, y + 2 * h / 3, px, y + h);
   }
   for (int j = 0; j <= ny; ++j) {
-    double py = y + h * j / ny;
+    double py = snap(y + h * j / ny);
     double b = (j == 0 || j == ny) ? 0 : bend;
     cairo_move_to(cr, x, py);
     cairo_curve_to(cr, x + w / 3, py - b, x + 2 * w / 3, py + b, x + w, py);
@@ -67,7 +73,8 @@ void Grid(cairo_t* cr, double x, double y, double w, double h, int nx, int ny, d
 
 // A node: a small square, outlined, filled when selected.
 void Node(cairo_t* cr, double cx, double cy, bool selected, double s = 4.0) {
-  cairo_rectangle(cr, cx - s / 2, cy - s / 2, s, s);
+  const double half = std::round(s / 2);
+  cairo_rectangle(cr, std::floor(cx) - half + 0.5, std::floor(cy) - half + 0.5, 2 * half, 2 * half);
   Src(cr, selected ? kSel : kWhite);
   cairo_fill_preserve(cr);
   Src(cr, selected ? kSel : kNode);
@@ -77,7 +84,7 @@ void Node(cairo_t* cr, double cx, double cy, bool selected, double s = 4.0) {
 
 // A colour swatch with a thin dark edge.
 void Swatch(cairo_t* cr, double x, double y, double w, double h, Rgb c, double a = 1.0) {
-  cairo_rectangle(cr, x, y, w, h);
+  cairo_rectangle(cr, std::floor(x) + 0.5, std::floor(y) + 0.5, std::round(w), std::round(h));
   Src(cr, c, a);
   cairo_fill_preserve(cr);
   Src(cr, kNode, 0.8);
@@ -615,9 +622,9 @@ void SewDocked(cairo_t* cr) {
 
 // 162 / 163: grid density up or down.
 void Density(cairo_t* cr, bool inc) {
-  Grid(cr, 2, 5, 12, 22, inc ? 1 : 4, inc ? 2 : 4, 1.0, kGrid, 0.9);
+  Grid(cr, 2, 5, 12, 22, inc ? 1 : 4, inc ? 2 : 4, 1.0, kGrid, 1.0);
   Arrow(cr, 15, 16, 19, 16, kArrow, 1.4, 3.5);
-  Grid(cr, 20, 5, 10, 22, inc ? 4 : 1, inc ? 4 : 2, 1.0, kGrid, 0.9);
+  Grid(cr, 20, 5, 10, 22, inc ? 4 : 1, inc ? 4 : 2, 1.0, kGrid, 1.0);
   Glyph(cr, inc ? '+' : '-', 17, 3.5, 5, inc ? kArrow : kRemove);
 }
 
@@ -657,7 +664,7 @@ void Sew0(cairo_t* cr) {
 
 // 166: UV coordinates reset.
 void UvReset(cairo_t* cr) {
-  Grid(cr, 3, 3, 26, 26, 3, 3, 3.0, kGrid, 0.9);
+  Grid(cr, 3, 3, 26, 26, 3, 3, 3.0, kGrid, 1.0);
   Src(cr, kArrow);
   cairo_set_line_width(cr, 1.5);
   cairo_move_to(cr, 10, 5);
@@ -673,7 +680,7 @@ void UvReset(cairo_t* cr) {
 
 // 167: grid direction rotated or reflected.
 void DirRotate(cairo_t* cr) {
-  Grid(cr, 6, 6, 20, 20, 2, 2, 1.0, {0.7, 0.7, 0.72}, 0.8);
+  Grid(cr, 6, 6, 20, 20, 2, 2, 1.0, {0.7, 0.7, 0.72}, 1.0);
   Arrow(cr, 7, 25, 24, 25, kRemove, 1.5, 4);
   Arrow(cr, 7, 25, 7, 8, kArrow, 1.5, 4);
   ArcArrow(cr, 16, 16, 12, -kPi * 0.85, -kPi * 0.15, kSel, 1.5);

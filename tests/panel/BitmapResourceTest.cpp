@@ -1,0 +1,169 @@
+// LoadBitmapResource against a scripted data-filter suite: the request
+// sizes, the stop rule, the unlinking on every path and the codes.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "AIFrameSuites.h"
+#include "ZC_DIB.h"
+
+// The plug-in globals the loader reads; the real ones live in the module.
+const AIDataFilterSuite* sAIDataFilter = nullptr;
+SPPluginRef gPluginRef = reinterpret_cast<SPPluginRef>(0x1234);
+
+struct _AIDataFilter {
+  std::vector<unsigned char> data;
+  size_t pos = 0;
+};
+
+namespace {
+
+struct Script {
+  std::map<std::string, std::vector<unsigned char>> resources;
+  std::vector<size_t> requests;  // sizes asked for
+  std::vector<size_t> returned;  // sizes given
+  int32_t lastType = 0;
+  SPPluginRef lastPlugin = nullptr;
+  int links = 0;
+  int unlinks = 0;
+  int failReadAt = -1;  // index of the read that fails
+  AIErr unlinkCode = kNoErr;
+  bool returnNullFilter = false;
+};
+Script* gScript = nullptr;
+
+AIErr New(SPPluginRef plugin, int32_t type, int32_t, const char* name, AIDataFilter** filter) {
+  gScript->lastType = type;
+  gScript->lastPlugin = plugin;
+  *filter = nullptr;
+  if (gScript->returnNullFilter) return kNoErr;
+  auto it = gScript->resources.find(name ? name : "");
+  if (it == gScript->resources.end()) return kNoSuchResourceErr;
+  *filter = new _AIDataFilter{it->second, 0};
+  return kNoErr;
+}
+AIErr Link(AIDataFilter*, AIDataFilter*) {
+  ++gScript->links;
+  return kNoErr;
+}
+AIErr Unlink(AIDataFilter* f, AIDataFilter**) {
+  ++gScript->unlinks;
+  delete f;
+  return gScript->unlinkCode;
+}
+AIErr Read(AIDataFilter* f, char* store, size_t* count) {
+  gScript->requests.push_back(*count);
+  if (static_cast<int>(gScript->requests.size()) - 1 == gScript->failReadAt) return AIFourCC("READ");
+  size_t n = std::min(*count, f->data.size() - f->pos);
+  std::memcpy(store, f->data.data() + f->pos, n);
+  f->pos += n;
+  *count = n;
+  gScript->returned.push_back(n);
+  return kNoErr;
+}
+const AIDataFilterSuite kSuite = {
+    .NewResourceDataFilter = New, .LinkDataFilter = Link, .UnlinkDataFilter = Unlink, .ReadDataFilter = Read};
+
+// A 32-bit BMP of w x h pixels, all (b, g, r, a) = (1, 2, 3, 4), padded
+// with zero bytes to `total` when given.
+std::vector<unsigned char> Bmp32(int w, int h, size_t total = 0) {
+  std::vector<unsigned char> buf(54, 0);
+  buf[0] = 'B';
+  buf[1] = 'M';
+  uint32_t off = 54;
+  std::memcpy(&buf[10], &off, 4);
+  BITMAPINFOHEADER ih{};
+  ih.biSize = 40;
+  ih.biWidth = w;
+  ih.biHeight = h;
+  ih.biPlanes = 1;
+  ih.biBitCount = 32;
+  std::memcpy(&buf[14], &ih, 40);
+  for (int i = 0; i < w * h; ++i) buf.insert(buf.end(), {1, 2, 3, 4});
+  if (buf.size() < total) buf.resize(total, 0);
+  return buf;
+}
+
+class LoadBitmap : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    gScript = &script;
+    sAIDataFilter = &kSuite;
+  }
+  void TearDown() override {
+    sAIDataFilter = nullptr;
+    gScript = nullptr;
+  }
+  Script script;
+};
+
+TEST_F(LoadBitmap, ReadsInKilobytePiecesUntilAShortRead) {
+  script.resources["PIC"] = Bmp32(32, 32);  // 4150 bytes: 1024 x 4 + 54
+  ZC_DIB d;
+  EXPECT_EQ(LoadBitmapResource("PIC", d), kNoErr);
+  EXPECT_EQ(script.requests, (std::vector<size_t>{1024, 1024, 1024, 1024, 1024}));
+  EXPECT_EQ(script.returned, (std::vector<size_t>{1024, 1024, 1024, 1024, 54}));
+  EXPECT_EQ(script.lastType, AIFourCC("BMPP"));
+  EXPECT_EQ(script.lastPlugin, gPluginRef);
+  EXPECT_EQ(script.links, 1);
+  EXPECT_EQ(script.unlinks, 1);
+  ASSERT_EQ(d.GetW(), 32);
+  ASSERT_EQ(d.GetH(), 32);
+  const unsigned char* p = d.PixelAt(31, 31);
+  EXPECT_EQ(std::vector<int>(p, p + 4), (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST_F(LoadBitmap, ExactlyOneKilobyteTakesASecondEmptyRead) {
+  script.resources["PIC"] = Bmp32(15, 16, 1024);  // 54 + 960 bytes, padded to 1024
+  ZC_DIB d;
+  EXPECT_EQ(LoadBitmapResource("PIC", d), kNoErr);
+  EXPECT_EQ(script.returned, (std::vector<size_t>{1024, 0}));
+  EXPECT_EQ(d.GetW(), 15);
+  EXPECT_EQ(script.unlinks, 1);
+}
+
+TEST_F(LoadBitmap, MissingResourceLeavesTheTargetAndReturnsTheUnlinkCode) {
+  script.unlinkCode = AIFourCC("UNLK");
+  ZC_DIB d(3, 3, 24);
+  EXPECT_EQ(LoadBitmapResource("NOPE", d), AIFourCC("UNLK"));
+  EXPECT_EQ(d.GetW(), 3);
+  EXPECT_TRUE(script.requests.empty());
+  EXPECT_EQ(script.unlinks, 1);
+  EXPECT_EQ(script.links, 0);
+
+  script.returnNullFilter = true;
+  script.unlinks = 0;
+  EXPECT_EQ(LoadBitmapResource("NOPE", d), AIFourCC("UNLK"));
+  EXPECT_EQ(script.unlinks, 1);
+}
+
+TEST_F(LoadBitmap, ReadErrorUnlinksAndKeepsTheTarget) {
+  script.resources["PIC"] = Bmp32(32, 32);
+  script.failReadAt = 2;
+  script.unlinkCode = AIFourCC("UNLK");
+  ZC_DIB d(5, 5, 24);
+  EXPECT_EQ(LoadBitmapResource("PIC", d), AIFourCC("UNLK"));
+  EXPECT_EQ(script.requests.size(), 3u);
+  EXPECT_EQ(script.unlinks, 1);
+  EXPECT_EQ(d.GetW(), 5);
+}
+
+TEST_F(LoadBitmap, EmptyResourceLeavesTheTarget) {
+  script.resources["EMPTY"] = {};
+  ZC_DIB d(5, 5, 24);
+  EXPECT_EQ(LoadBitmapResource("EMPTY", d), kNoErr);
+  EXPECT_EQ(script.returned, (std::vector<size_t>{0}));
+  EXPECT_EQ(d.GetW(), 5);
+}
+
+TEST(LoadBitmapWithoutSuite, DoesNothing) {
+  ASSERT_EQ(sAIDataFilter, nullptr);
+  ZC_DIB d(2, 2, 24);
+  EXPECT_EQ(LoadBitmapResource("PIC", d), kNoErr);
+  EXPECT_EQ(d.GetW(), 2);
+}
+
+}  // namespace

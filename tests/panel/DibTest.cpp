@@ -1,0 +1,337 @@
+// ZC_DIB: result codes of the region operations, bottom-up storage, the
+// blending rule, loading from a BMP image and drawing to a window.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "ZC_DIB.h"
+#include "lbwin.h"
+
+namespace {
+
+ZS_COLOR Rgba(unsigned char r, unsigned char g, unsigned char b, unsigned char a = 255) {
+  return ZS_COLOR{b, g, r, a};
+}
+
+// Bytes (b, g, r[, a]) of pixel (x, y), y from the top.
+std::vector<int> Px(const ZC_DIB& d, int x, int y) {
+  const unsigned char* p = d.PixelAt(x, y);
+  if (!p) return {};
+  if (d.GetBitCount() == 32) return {p[0], p[1], p[2], p[3]};
+  return {p[0], p[1], p[2]};
+}
+
+// A BMP file image: headers, then `rows` bottom-up at pixel offset `offset`.
+std::vector<unsigned char> Bmp(int w, int h, int bpp, uint32_t offset,
+                               const std::vector<unsigned char>& pixels) {
+  std::vector<unsigned char> buf(offset, 0);
+  BITMAPFILEHEADER fh{};
+  fh.bfType = 0x4D42;
+  fh.bfSize = static_cast<DWORD>(offset + pixels.size());
+  fh.bfOffBits = offset;
+  BITMAPINFOHEADER ih{};
+  ih.biSize = 40;
+  ih.biWidth = w;
+  ih.biHeight = h;
+  ih.biPlanes = 1;
+  ih.biBitCount = static_cast<WORD>(bpp);
+  std::memcpy(buf.data(), &fh, 14);
+  std::memcpy(buf.data() + 14, &ih, 40);
+  buf.insert(buf.end(), pixels.begin(), pixels.end());
+  return buf;
+}
+
+TEST(DibMake, EmptyAndSizedBitmaps) {
+  ZC_DIB empty;
+  EXPECT_EQ(empty.GetW(), 0);
+  EXPECT_EQ(empty.GetH(), 0);
+  ZC_DIB eight(10, 10, 8);
+  EXPECT_TRUE(eight.IsEmpty());
+  EXPECT_EQ(eight.GetW(), 0);
+
+  ZC_DIB d(5, 3, 24);
+  EXPECT_EQ(d.GetW(), 5);
+  EXPECT_EQ(d.GetH(), 3);
+  const BITMAPINFOHEADER& ih = d.InfoHeader();
+  EXPECT_EQ(ih.biSize, 40u);
+  EXPECT_EQ(ih.biPlanes, 1);
+  EXPECT_EQ(ih.biBitCount, 24);
+  EXPECT_EQ(ih.biSizeImage, 0u);
+  EXPECT_EQ(ih.biXPelsPerMeter, 1);
+  EXPECT_EQ(ih.biYPelsPerMeter, 1);
+  // 24-bit rows are padded to 4 bytes: 15 -> 16.
+  EXPECT_EQ(d.PixelAt(0, 1) - d.PixelAt(0, 2), 16);
+
+  // Make again replaces the pixels and the size.
+  d.Make(2, 2, 32);
+  EXPECT_EQ(d.GetW(), 2);
+  EXPECT_EQ(d.PixelAt(0, 0) - d.PixelAt(0, 1), 8);
+  d.Make(2, 2, 16);
+  EXPECT_TRUE(d.IsEmpty());
+}
+
+TEST(DibFill, RegionCodesInOrder) {
+  ZS_COLOR c = Rgba(1, 2, 3);
+  ZC_DIB empty;
+  EXPECT_EQ(empty.FillAll(&c), 1);
+  EXPECT_EQ(empty.FillReg(&c, 0, 0, 1, 1), 1);
+
+  ZC_DIB d(10, 8, 24);
+  EXPECT_EQ(d.FillReg(&c, 10, 0, 1, 1), 2);
+  EXPECT_EQ(d.FillReg(&c, 0, 8, 1, 1), 3);
+  EXPECT_EQ(d.FillReg(&c, -1, 0, 1, 1), 4);
+  EXPECT_EQ(d.FillReg(&c, 0, -1, 1, 1), 5);
+  EXPECT_EQ(d.FillReg(&c, 0, 0, 0, 1), 6);
+  EXPECT_EQ(d.FillReg(&c, 0, 0, 1, 0), 7);
+  // The first failing check decides: x past the edge beats negative y.
+  EXPECT_EQ(d.FillReg(&c, 10, -1, 0, 0), 2);
+  EXPECT_EQ(d.FillReg(&c, -1, -1, 0, 0), 4);
+}
+
+TEST(DibFill, WholeBitmapAndClipping) {
+  ZS_COLOR black = Rgba(0, 0, 0);
+  ZS_COLOR red = Rgba(255, 0, 0);
+  ZC_DIB d(10, 8, 24);
+  ASSERT_EQ(d.FillAll(&black), 0);
+  EXPECT_EQ(d.FillReg(&red, 0, 0, -1, -1), 0);
+  for (int y = 0; y < 8; ++y)
+    for (int x = 0; x < 10; ++x) ASSERT_EQ(Px(d, x, y), (std::vector<int>{0, 0, 255})) << x << "," << y;
+
+  // A rectangle running past the right and bottom edges is cut there.
+  ZS_COLOR blue = Rgba(0, 0, 255);
+  ASSERT_EQ(d.FillAll(&black), 0);
+  EXPECT_EQ(d.FillReg(&blue, 7, 6, 100, 100), 0);
+  EXPECT_EQ(Px(d, 7, 6), (std::vector<int>{255, 0, 0}));
+  EXPECT_EQ(Px(d, 9, 7), (std::vector<int>{255, 0, 0}));
+  EXPECT_EQ(Px(d, 6, 6), (std::vector<int>{0, 0, 0}));
+  EXPECT_EQ(Px(d, 7, 5), (std::vector<int>{0, 0, 0}));
+}
+
+TEST(DibFill, FillAllLeavesRowPaddingAlone) {
+  ZC_DIB d(1, 2, 24);  // 3 bytes of pixel, 1 byte of padding per row
+  unsigned char* bits = const_cast<unsigned char*>(d.Bits());
+  std::memset(bits, 0x5A, 8);
+  ZS_COLOR c = Rgba(1, 2, 3);
+  ASSERT_EQ(d.FillAll(&c), 0);
+  EXPECT_EQ(bits[3], 0x5A);
+  EXPECT_EQ(bits[7], 0x5A);
+  EXPECT_EQ(bits[0], 3);  // blue first
+  EXPECT_EQ(bits[2], 1);
+}
+
+TEST(DibStorage, TopRowIsTheLastStoredRow) {
+  ZC_DIB d(4, 3, 32);
+  ZS_COLOR clear = Rgba(0, 0, 0, 0);
+  ZS_COLOR top = Rgba(10, 20, 30, 40);
+  d.FillAll(&clear);
+  d.FillReg(&top, 0, 0, -1, 1);
+  const unsigned char* bits = d.Bits();
+  // Stored row 2 (the last) is picture row 0.
+  EXPECT_EQ(bits[2 * 16 + 0], 30);
+  EXPECT_EQ(bits[2 * 16 + 1], 20);
+  EXPECT_EQ(bits[2 * 16 + 2], 10);
+  EXPECT_EQ(bits[2 * 16 + 3], 40);
+  EXPECT_EQ(bits[0], 0);
+  EXPECT_EQ(bits[16], 0);
+}
+
+TEST(DibCopy, RegionCodesInOrder) {
+  ZC_DIB empty;
+  ZC_DIB src(4, 4, 32);
+  ZC_DIB d(10, 8, 24);
+  EXPECT_EQ(empty.CopyRegRaw(0, 0, &src, 0, 0, 1, 1), 1);
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &empty, 0, 0, 1, 1), 2);
+  EXPECT_EQ(d.CopyRegRaw(-1, 0, &src, 0, 0, 1, 1), 3);
+  EXPECT_EQ(d.CopyRegRaw(0, -1, &src, 0, 0, 1, 1), 4);
+  EXPECT_EQ(d.CopyRegRaw(10, 0, &src, 0, 0, 1, 1), 5);
+  EXPECT_EQ(d.CopyRegRaw(0, 8, &src, 0, 0, 1, 1), 6);
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, -1, 0, 1, 1), 7);
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, -1, 1, 1), 8);
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 4, 0, 1, 1), 9);
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 4, 1, 1), 10);
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, 0, 1), 11);
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, 1, 0), 12);
+  // The blending copy shares the checks.
+  EXPECT_EQ(d.CopyReg(0, 0, &empty, 0, 0, 1, 1), 2);
+  EXPECT_EQ(d.CopyReg(10, 0, &src, 0, 0, 1, 1), 5);
+  EXPECT_EQ(d.CopyReg(0, 0, &src, 0, 0, 1, 0), 12);
+}
+
+TEST(DibCopy, PictureAtTheRightEdgeIsCut) {
+  ZS_COLOR grey = Rgba(208, 208, 208);
+  ZS_COLOR red = Rgba(255, 0, 0);
+  ZC_DIB d(227, 40, 24);
+  d.FillAll(&grey);
+  ZC_DIB pic(32, 32, 32);
+  pic.FillAll(&red);
+  EXPECT_EQ(d.CopyRegRaw(220, 0, &pic, 0, 0, 32, 32), 0);
+  for (int x = 220; x < 227; ++x) EXPECT_EQ(Px(d, x, 31), (std::vector<int>{0, 0, 255})) << x;
+  EXPECT_EQ(Px(d, 219, 0), (std::vector<int>{208, 208, 208}));
+  EXPECT_EQ(Px(d, 226, 32), (std::vector<int>{208, 208, 208}));
+}
+
+TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
+  ZC_DIB src(4, 4, 24);
+  ZS_COLOR black = Rgba(0, 0, 0);
+  ZS_COLOR white = Rgba(255, 255, 255);
+  src.FillAll(&black);
+  src.FillReg(&white, 2, 2, 2, 2);  // bottom-right quarter
+  ZC_DIB d(10, 10, 24);
+  ZS_COLOR grey = Rgba(100, 100, 100);
+  d.FillAll(&grey);
+  // From (2, 2) of the source, asking for 5 x 5: only 2 x 2 exist.
+  EXPECT_EQ(d.CopyRegRaw(5, 5, &src, 2, 2, 5, 5), 0);
+  EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));
+  EXPECT_EQ(Px(d, 6, 6), (std::vector<int>{255, 255, 255}));
+  EXPECT_EQ(Px(d, 7, 5), (std::vector<int>{100, 100, 100}));
+  EXPECT_EQ(Px(d, 5, 7), (std::vector<int>{100, 100, 100}));
+  // Negative sizes take the source's whole width and height.
+  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, -1, -1), 0);
+  EXPECT_EQ(Px(d, 3, 3), (std::vector<int>{255, 255, 255}));
+  EXPECT_EQ(Px(d, 1, 1), (std::vector<int>{0, 0, 0}));
+  EXPECT_EQ(Px(d, 4, 4), (std::vector<int>{100, 100, 100}));
+  EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));  // from the first copy
+}
+
+TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
+  ZC_DIB src32(2, 2, 32);
+  ZS_COLOR half = Rgba(10, 20, 30, 77);
+  src32.FillAll(&half);
+  ZC_DIB d32(2, 2, 32);
+  ZS_COLOR opaque = Rgba(0, 0, 0, 255);
+  d32.FillAll(&opaque);
+  ASSERT_EQ(d32.CopyRegRaw(0, 0, &src32, 0, 0, -1, -1), 0);
+  EXPECT_EQ(Px(d32, 1, 1), (std::vector<int>{30, 20, 10, 77}));
+
+  ZC_DIB src24(2, 2, 24);
+  src24.FillAll(&half);
+  d32.FillAll(&opaque);
+  ASSERT_EQ(d32.CopyRegRaw(0, 0, &src24, 0, 0, -1, -1), 0);
+  EXPECT_EQ(Px(d32, 0, 0), (std::vector<int>{30, 20, 10, 255}));
+
+  ZC_DIB d24(2, 2, 24);
+  ASSERT_EQ(d24.CopyRegRaw(0, 0, &src32, 0, 0, -1, -1), 0);
+  EXPECT_EQ(Px(d24, 0, 1), (std::vector<int>{30, 20, 10}));
+}
+
+TEST(DibBlend, AlphaRule) {
+  ZC_DIB d(3, 1, 24);
+  ZS_COLOR grey = Rgba(208, 208, 208);
+  d.FillAll(&grey);
+  ZC_DIB src(3, 1, 32);
+  ZS_COLOR transparent = Rgba(0, 0, 0, 0);
+  ZS_COLOR solid = Rgba(12, 34, 56, 255);
+  ZS_COLOR half = Rgba(0, 0, 255, 128);
+  src.FillReg(&transparent, 0, 0, 1, 1);
+  src.FillReg(&solid, 1, 0, 1, 1);
+  src.FillReg(&half, 2, 0, 1, 1);
+  ASSERT_EQ(d.CopyReg(0, 0, &src, 0, 0, -1, -1), 0);
+  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{208, 208, 208}));  // alpha 0: unchanged
+  EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{56, 34, 12}));     // alpha 255: the source
+  // 0 over 208 at 128: trunc(-208 * 128 / 255.0 + 208) = 103; 255 over 208: 231.
+  EXPECT_EQ(Px(d, 2, 0), (std::vector<int>{231, 103, 103}));
+}
+
+TEST(DibBlend, DestinationAlphaKeptAndOpaqueSourceCopied) {
+  ZC_DIB d(1, 1, 32);
+  ZS_COLOR dst = Rgba(100, 100, 100, 9);
+  d.FillAll(&dst);
+  ZC_DIB src(1, 1, 32);
+  ZS_COLOR s = Rgba(200, 0, 100, 51);  // a = 0.2
+  src.FillAll(&s);
+  ASSERT_EQ(d.CopyReg(0, 0, &src, 0, 0, 1, 1), 0);
+  // 100 + 100 * 51 / 255 = 120; 100 - 100 * 0.2 = 80; 100 + 0 = 100.
+  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{100, 80, 120, 9}));
+
+  ZC_DIB src24(1, 1, 24);
+  ZS_COLOR t = Rgba(1, 2, 3);
+  src24.FillAll(&t);
+  ASSERT_EQ(d.CopyReg(0, 0, &src24, 0, 0, 1, 1), 0);
+  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 2, 1, 9}));
+}
+
+TEST(DibLoad, BottomUpPixelsFromThePixelOffset) {
+  // 2 x 2, 32 bits: stored bottom row first.
+  std::vector<unsigned char> px = {1, 1, 1, 255, 2, 2, 2, 255,   // bottom row
+                                   3, 3, 3, 255, 4, 4, 4, 128};  // top row
+  auto buf = Bmp(2, 2, 32, 58, px);  // four spare bytes before the pixels
+  ZC_DIB d;
+  EXPECT_EQ(d.LoadFromBuff(buf.data()), 1);
+  ASSERT_EQ(d.GetW(), 2);
+  ASSERT_EQ(d.GetH(), 2);
+  EXPECT_EQ(d.FileHeader().bfOffBits, 58u);
+  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 3, 3, 255}));
+  EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{4, 4, 4, 128}));
+  EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{1, 1, 1, 255}));
+}
+
+TEST(DibLoad, TwentyFourBitRowsArePadded) {
+  // 1 x 2, 24 bits: 3 bytes of pixel and 1 of padding per row.
+  std::vector<unsigned char> px = {9, 8, 7, 0, 6, 5, 4, 0};
+  auto buf = Bmp(1, 2, 24, 54, px);
+  ZC_DIB d;
+  d.LoadFromBuff(buf.data());
+  ASSERT_EQ(d.GetH(), 2);
+  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{6, 5, 4}));
+  EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{9, 8, 7}));
+}
+
+TEST(DibLoad, OtherBitCountsLeaveTheBitmapEmpty) {
+  auto buf = Bmp(4, 4, 8, 54, std::vector<unsigned char>(16, 0));
+  ZC_DIB d(3, 3, 24);
+  EXPECT_EQ(d.LoadFromBuff(buf.data()), 1);
+  EXPECT_TRUE(d.IsEmpty());
+  EXPECT_EQ(d.GetW(), 0);
+}
+
+class DibDraw : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    wnd = lbwinCreateWindow(20, 20);
+    hdc = GetDC(wnd);
+    // 3 x 2, 24 bits; pixel (x, y) has red 10 x + 1 and green 10 y + 1.
+    dib.Make(3, 2, 24);
+    for (int y = 0; y < 2; ++y)
+      for (int x = 0; x < 3; ++x) {
+        ZS_COLOR c = Rgba(static_cast<unsigned char>(10 * x + 1), static_cast<unsigned char>(10 * y + 1), 0);
+        dib.FillReg(&c, x, y, 1, 1);
+      }
+  }
+  void TearDown() override {
+    ReleaseDC(wnd, hdc);
+    DestroyWindow(wnd);
+  }
+  HWND wnd = nullptr;
+  HDC hdc = nullptr;
+  ZC_DIB dib;
+};
+
+TEST_F(DibDraw, WholeBitmapLandsTopDown) {
+  dib.Draw(hdc, 5, 6, 0, 0, -1, -1);
+  for (int y = 0; y < 2; ++y)
+    for (int x = 0; x < 3; ++x)
+      EXPECT_EQ(lbwinGetPixel(wnd, 5 + x, 6 + y), RGB(10 * x + 1, 10 * y + 1, 0)) << x << "," << y;
+  EXPECT_EQ(lbwinGetPixel(wnd, 8, 6), RGB(255, 255, 255));
+  EXPECT_EQ(lbwinGetPixel(wnd, 5, 8), RGB(255, 255, 255));
+}
+
+TEST_F(DibDraw, SubRectangle) {
+  // Pixel (1, 1) alone, drawn at (0, 0).
+  dib.Draw(hdc, 0, 0, 1, 1, 1, 1);
+  EXPECT_EQ(lbwinGetPixel(wnd, 0, 0), RGB(11, 11, 0));
+  EXPECT_EQ(lbwinGetPixel(wnd, 1, 0), RGB(255, 255, 255));
+  EXPECT_EQ(lbwinGetPixel(wnd, 0, 1), RGB(255, 255, 255));
+  // Columns 1..2 of the top row.
+  dib.Draw(hdc, 10, 10, 1, 0, 2, 1);
+  EXPECT_EQ(lbwinGetPixel(wnd, 10, 10), RGB(11, 1, 0));
+  EXPECT_EQ(lbwinGetPixel(wnd, 11, 10), RGB(21, 1, 0));
+  EXPECT_EQ(lbwinGetPixel(wnd, 10, 11), RGB(255, 255, 255));
+  // Negative sizes run to the edges from (sx, sy).
+  dib.Draw(hdc, 15, 15, 2, 1, -1, -1);
+  EXPECT_EQ(lbwinGetPixel(wnd, 15, 15), RGB(21, 11, 0));
+  EXPECT_EQ(lbwinGetPixel(wnd, 16, 15), RGB(255, 255, 255));
+  EXPECT_EQ(lbwinGetPixel(wnd, 15, 16), RGB(255, 255, 255));
+}
+
+}  // namespace

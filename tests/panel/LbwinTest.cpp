@@ -1,0 +1,137 @@
+// The window layer: the platform behaviours the panel relies on.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "lbwin.h"
+
+namespace {
+
+struct Recorder {
+  static inline std::vector<UINT> seen;
+  static inline WNDPROC previous = nullptr;
+  static LRESULT Proc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
+    seen.push_back(msg);
+    if (msg == WM_NULL) return 7;
+    return CallWindowProc(previous, hwnd, msg, wp, lp);
+  }
+};
+
+TEST(Lbwin, LinesExcludeTheirEndPixel) {
+  HWND w = lbwinCreateWindow(10, 10);
+  HDC dc = GetDC(w);
+  HPEN pen = CreatePen(PS_SOLID, 1, RGB(1, 2, 3));
+  HGDIOBJ old = SelectObject(dc, pen);
+  MoveToEx(dc, 2, 2, nullptr);
+  LineTo(dc, 6, 2);
+  LineTo(dc, 6, 5);
+  EXPECT_EQ(lbwinGetPixel(w, 2, 2), RGB(1, 2, 3));
+  EXPECT_EQ(lbwinGetPixel(w, 5, 2), RGB(1, 2, 3));
+  EXPECT_EQ(lbwinGetPixel(w, 6, 2), RGB(1, 2, 3));  // start of the second line
+  EXPECT_EQ(lbwinGetPixel(w, 6, 4), RGB(1, 2, 3));
+  EXPECT_EQ(lbwinGetPixel(w, 6, 5), RGB(255, 255, 255));
+  EXPECT_EQ(lbwinGetPixel(w, 1, 2), RGB(255, 255, 255));
+  // A selected pen cannot be deleted; after deselecting it can.
+  EXPECT_FALSE(DeleteObject(pen));
+  SelectObject(dc, old);
+  EXPECT_TRUE(DeleteObject(pen));
+  ReleaseDC(w, dc);
+  DestroyWindow(w);
+}
+
+TEST(Lbwin, RectangleWithoutOutlineLosesItsLastRowAndColumn) {
+  HWND w = lbwinCreateWindow(10, 10);
+  HDC dc = GetDC(w);
+  HBRUSH brush = CreateSolidBrush(RGB(9, 9, 9));
+  HGDIOBJ oldBrush = SelectObject(dc, brush);
+  HGDIOBJ oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
+  Rectangle(dc, 2, 3, 6, 8);
+  EXPECT_EQ(lbwinGetPixel(w, 2, 3), RGB(9, 9, 9));
+  EXPECT_EQ(lbwinGetPixel(w, 4, 6), RGB(9, 9, 9));
+  EXPECT_EQ(lbwinGetPixel(w, 5, 6), RGB(255, 255, 255));
+  EXPECT_EQ(lbwinGetPixel(w, 4, 7), RGB(255, 255, 255));
+  SelectObject(dc, oldPen);
+  SelectObject(dc, oldBrush);
+  EXPECT_TRUE(DeleteObject(brush));
+  ReleaseDC(w, dc);
+  DestroyWindow(w);
+}
+
+TEST(Lbwin, SubclassingPropertiesAndDestroy) {
+  HWND w = lbwinCreateWindow(4, 4);
+  Recorder::seen.clear();
+  Recorder::previous = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtr(w, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Recorder::Proc)));
+  EXPECT_EQ(Recorder::previous, &DefWindowProc);
+  EXPECT_EQ(lbwinSendMessage(w, WM_NULL, 0, 0), 7);
+
+  int data = 0;
+  EXPECT_TRUE(SetProp(w, "TPNL", &data));
+  EXPECT_EQ(GetProp(w, "TPNL"), &data);
+  EXPECT_EQ(RemoveProp(w, "TPNL"), &data);
+  EXPECT_EQ(GetProp(w, "TPNL"), nullptr);
+
+  const long windows = lbwinLiveWindows();
+  EXPECT_TRUE(DestroyWindow(w));
+  EXPECT_EQ(lbwinLiveWindows(), windows - 1);
+  EXPECT_EQ(Recorder::seen.back(), static_cast<UINT>(WM_NCDESTROY));
+  EXPECT_NE(std::find(Recorder::seen.begin(), Recorder::seen.end(), static_cast<UINT>(WM_DESTROY)),
+            Recorder::seen.end());
+  EXPECT_FALSE(IsWindow(w));
+  EXPECT_EQ(lbwinSendMessage(w, WM_NULL, 0, 0), 0);  // a dead window gets nothing
+}
+
+TEST(Lbwin, KeyStatesAndMousePositions) {
+  lbwinSetKeyState(VK_MENU, TRUE);
+  EXPECT_TRUE(GetKeyState(VK_MENU) & 0x80);
+  EXPECT_LT(GetKeyState(VK_MENU), 0);
+  EXPECT_FALSE(GetKeyState(VK_CONTROL) & 0x80);
+  lbwinSetKeyState(VK_MENU, FALSE);
+  EXPECT_FALSE(GetKeyState(VK_MENU) & 0x80);
+
+  const LPARAM lp = MAKELPARAM(-3, 70);
+  EXPECT_EQ(GET_X_LPARAM(lp), -3);
+  EXPECT_EQ(GET_Y_LPARAM(lp), 70);
+}
+
+TEST(Lbwin, LeaveIsDeliveredOncePerRequest) {
+  HWND w = lbwinCreateWindow(4, 4);
+  Recorder::seen.clear();
+  Recorder::previous = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtr(w, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Recorder::Proc)));
+  EXPECT_FALSE(lbwinMouseLeave(w));
+  TRACKMOUSEEVENT tme{sizeof(TRACKMOUSEEVENT), TME_LEAVE, w, 0};
+  EXPECT_TRUE(TrackMouseEvent(&tme));
+  EXPECT_TRUE(lbwinMouseLeave(w));
+  EXPECT_FALSE(lbwinMouseLeave(w));
+  EXPECT_EQ(std::count(Recorder::seen.begin(), Recorder::seen.end(), static_cast<UINT>(WM_MOUSELEAVE)), 1);
+  SetCapture(w);
+  EXPECT_EQ(GetCapture(), w);
+  DestroyWindow(w);
+  EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST(Lbwin, BottomUpAndTopDownBitmaps) {
+  HWND w = lbwinCreateWindow(4, 4);
+  HDC dc = GetDC(w);
+  // 1 x 2, 32 bits; stored rows: red, then green.
+  const unsigned char bits[] = {0, 0, 255, 0, 0, 255, 0, 0};
+  BITMAPINFO bi{};
+  bi.bmiHeader.biSize = 40;
+  bi.bmiHeader.biWidth = 1;
+  bi.bmiHeader.biHeight = 2;  // bottom-up: red is the bottom row
+  bi.bmiHeader.biPlanes = 1;
+  bi.bmiHeader.biBitCount = 32;
+  EXPECT_EQ(SetDIBitsToDevice(dc, 0, 0, 1, 2, 0, 0, 0, 2, bits, &bi, DIB_RGB_COLORS), 2);
+  EXPECT_EQ(lbwinGetPixel(w, 0, 0), RGB(0, 255, 0));
+  EXPECT_EQ(lbwinGetPixel(w, 0, 1), RGB(255, 0, 0));
+  bi.bmiHeader.biHeight = -2;  // top-down
+  SetDIBitsToDevice(dc, 1, 0, 1, 2, 0, 0, 0, 2, bits, &bi, DIB_RGB_COLORS);
+  EXPECT_EQ(lbwinGetPixel(w, 1, 0), RGB(255, 0, 0));
+  EXPECT_EQ(lbwinGetPixel(w, 1, 1), RGB(0, 255, 0));
+  ReleaseDC(w, dc);
+  DestroyWindow(w);
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+// The pictures embedded in the module: every button picture and checkbox
+// icon is a BMP with exactly the header the panel's loader expects, and
+// the logos are RGBA PNGs of the three sizes.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <set>
+#include <string>
+
+#include "LBModule.h"
+
+namespace {
+
+uint32_t U32(const unsigned char* p) { return p[0] | (p[1] << 8) | (p[2] << 16) | (uint32_t(p[3]) << 24); }
+uint16_t U16(const unsigned char* p) { return static_cast<uint16_t>(p[0] | (p[1] << 8)); }
+uint32_t BigU32(const unsigned char* p) {
+  return (uint32_t(p[0]) << 24) | (p[1] << 16) | (p[2] << 8) | p[3];
+}
+
+class ModuleResources : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    handle = dlopen(LB_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(handle, nullptr) << dlerror();
+    auto get = reinterpret_cast<LBGetResourceTableProc>(dlsym(handle, kLBGetResourceTableSymbol));
+    ASSERT_NE(get, nullptr);
+    const LBResourceTable* table = get();
+    for (uint32_t i = 0; i < table->count; ++i) {
+      const LBResourceEntry& e = table->entries[i];
+      if (e.type == AIFourCC("BMPP")) bmpp[e.name] = &e;
+      if (e.type == AIFourCC("PNGI")) png[e.name] = &e;
+    }
+  }
+  void TearDown() override {
+    if (handle) dlclose(handle);
+  }
+  void* handle = nullptr;
+  std::map<std::string, const LBResourceEntry*> bmpp;
+  std::map<std::string, const LBResourceEntry*> png;
+};
+
+// The 37 picture names of the command table, and the spare one.
+const char* const kButtonPictures[] = {
+    "IMG_SET_OF_PATHS", "IMG_AXES_AND_NODES", "IMG_MOVE_CORNER_NODE", "IMG_KNOTS_TO_VERTICES",
+    "IMG_VERTICES_TO_KNOTS", "IMG_COLOR_SHIFT", "IMG_COLOR_REFLECT", "IMG_COLOR_ROTATE",
+    "IMG_COLOR_CLONE", "IMG_SPLIT", "IMG_ONE_CELL_MESH", "IMG_BMG_CREATE", "IMG_BMG_TO_MESH",
+    "IMG_HANDLES_SMOOTH", "IMG_HANDLES_1_3", "IMG_HANDLES_0", "IMG_ALIGN_HOR", "IMG_ALIGN_VERT",
+    "IMG_COLOR_SPREAD", "IMG_SEL_REGION", "IMG_SEL_PERIM", "IMG_SEW_MESH_MOVE", "IMG_SEW_MESH_ADD",
+    "IMG_COLOR_PATTERN", "IMG_SEL_CROSS", "IMG_SEL_SHIFT", "IMG_ALIGN_PATH", "IMG_COLOR_CAPTURE",
+    "IMG_HANDLES_90", "IMG_SEL", "IMG_SEW_DOCKED", "IMG_DENSITY_INC", "IMG_DENSITY_DEC",
+    "IMG_SEW_PATH", "IMG_SEW_0", "IMG_UV_RESET", "IMG_DIR_ROTATE", "IMG_000"};
+
+void ExpectBmpHeader(const LBResourceEntry& e, int size) {
+  SCOPED_TRACE(e.name);
+  const uint32_t image = uint32_t(size) * size * 4;
+  ASSERT_EQ(e.size, 54 + image);
+  const unsigned char* p = e.data;
+  EXPECT_EQ(p[0], 'B');
+  EXPECT_EQ(p[1], 'M');
+  EXPECT_EQ(U32(p + 2), 54 + image);  // file size
+  EXPECT_EQ(U32(p + 6), 0u);          // reserved words
+  EXPECT_EQ(U32(p + 10), 54u);        // pixel offset
+  EXPECT_EQ(U32(p + 14), 40u);        // info header size
+  EXPECT_EQ(U32(p + 18), uint32_t(size));
+  EXPECT_EQ(U32(p + 22), uint32_t(size));  // positive: bottom-up
+  EXPECT_EQ(U16(p + 26), 1);               // planes
+  EXPECT_EQ(U16(p + 28), 32);              // bits per pixel
+  EXPECT_EQ(U32(p + 30), 0u);              // no compression
+  EXPECT_EQ(U32(p + 34), image);           // image size filled in
+  EXPECT_EQ(U32(p + 38), 3780u);
+  EXPECT_EQ(U32(p + 42), 3780u);
+  EXPECT_EQ(U32(p + 46), 0u);
+  EXPECT_EQ(U32(p + 50), 0u);
+  EXPECT_EQ(e.language, 1033);
+}
+
+TEST_F(ModuleResources, ButtonPicturesHaveTheExactBmpHeader) {
+  for (const char* name : kButtonPictures) {
+    auto it = bmpp.find(name);
+    ASSERT_NE(it, bmpp.end()) << name << " is missing";
+    ExpectBmpHeader(*it->second, 32);
+  }
+}
+
+TEST_F(ModuleResources, ButtonPicturesUseTheirAlpha) {
+  // Each picture leaves some of its cell transparent and draws something
+  // opaque: a fully transparent or fully opaque picture is a drawing bug.
+  for (const char* name : kButtonPictures) {
+    const LBResourceEntry* e = bmpp.at(name);
+    int transparent = 0, opaque = 0;
+    for (uint32_t k = 54 + 3; k < e->size; k += 4) {
+      transparent += e->data[k] == 0;
+      opaque += e->data[k] == 255;
+    }
+    EXPECT_GT(transparent, 0) << name;
+    EXPECT_GT(opaque, 20) << name;
+  }
+}
+
+TEST_F(ModuleResources, CheckboxIconsAreOpaqueSixteenPixelBmps) {
+  for (const char* name : {"IMG_CB_COLOR", "IMG_CB_OPACITY"}) {
+    auto it = bmpp.find(name);
+    ASSERT_NE(it, bmpp.end()) << name << " is missing";
+    ExpectBmpHeader(*it->second, 16);
+    for (uint32_t k = 54 + 3; k < it->second->size; k += 4) ASSERT_EQ(it->second->data[k], 255) << name;
+  }
+  EXPECT_EQ(bmpp.size(), 40u);
+}
+
+TEST_F(ModuleResources, LogosAreRgbaPngsOfThreeSizes) {
+  const std::map<std::string, uint32_t> sizes = {
+      {"LBLOGOW", 23}, {"LBLOGOW_AT_2X", 46}, {"LBLOGOW_AT_3TO2X", 35},
+      {"LBLOGOD", 23}, {"LBLOGOD_AT_2X", 46}, {"LBLOGOD_AT_3TO2X", 35}};
+  for (const auto& [name, size] : sizes) {
+    auto it = png.find(name);
+    ASSERT_NE(it, png.end()) << name << " is missing";
+    const unsigned char* p = it->second->data;
+    ASSERT_GT(it->second->size, 33u);
+    EXPECT_EQ(std::memcmp(p, "\x89PNG\r\n\x1a\n", 8), 0) << name;
+    EXPECT_EQ(std::memcmp(p + 12, "IHDR", 4), 0) << name;
+    EXPECT_EQ(BigU32(p + 16), size) << name;
+    EXPECT_EQ(BigU32(p + 20), size) << name;
+    EXPECT_EQ(p[24], 8) << name;  // bits per channel
+    EXPECT_EQ(p[25], 6) << name;  // RGBA
+  }
+}
+
+}  // namespace

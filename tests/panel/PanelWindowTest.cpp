@@ -1,0 +1,484 @@
+// The panel of the loaded plug-in, driven through its native window the way
+// the platform would: paint, hover, press, move and release, with the
+// document showing which command ran and with which keys and checkboxes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "host/Document.h"
+#include "host/Host.h"
+#include "host/PanelHost.h"
+#include "io/Lbdoc.h"
+#include "lbwin.h"
+
+namespace {
+
+constexpr COLORREF kWhite = RGB(255, 255, 255);
+constexpr COLORREF kShadow = RGB(128, 128, 128);
+constexpr COLORREF kGrey = RGB(208, 208, 208);
+constexpr COLORREF kBlue = RGB(0, 0, 255);
+constexpr COLORREF kStrip = 0xE1FFFF;
+constexpr COLORREF kBlack = RGB(0, 0, 0);
+
+// Command ids by grid place (row, column).
+const std::map<int, std::pair<int, int>> kGrid = {
+    {131, {0, 0}}, {132, {0, 1}}, {133, {0, 2}}, {134, {0, 3}}, {135, {0, 4}},
+    {136, {1, 0}}, {137, {1, 1}}, {138, {1, 2}}, {139, {1, 3}}, {149, {1, 4}}, {154, {1, 5}},
+    {165, {2, 0}}, {140, {2, 1}}, {141, {2, 2}}, {142, {2, 3}}, {143, {2, 4}}, {158, {2, 5}},
+    {144, {3, 0}}, {159, {3, 1}}, {145, {3, 2}}, {146, {3, 3}}, {147, {3, 4}}, {148, {3, 5}},
+    {160, {4, 0}}, {150, {4, 1}}, {151, {4, 2}}, {155, {4, 3}}, {156, {4, 4}}, {157, {4, 5}},
+    {152, {5, 0}}, {153, {5, 1}}, {161, {5, 2}}, {164, {5, 3}}, {162, {5, 4}}, {163, {5, 5}},
+    {166, {6, 0}}, {167, {6, 1}}};
+
+struct Rect {
+  int x, y, w, h;
+};
+Rect ButtonRect(int id) {
+  auto [row, col] = kGrid.at(id);
+  return Rect{col * 37 + 3, row * 37 + 3, 36, 36};
+}
+
+constexpr int kShiftColors = 136;
+constexpr int kReflectColors = 137;
+// Centres of the shift-colours and reflect-colours buttons.
+constexpr int kShiftX = 21, kShiftY = 58;
+constexpr int kReflectX = 58, kReflectY = 58;
+// Inside the colour and opacity checkboxes; an empty grid cell.
+constexpr int kColorBoxX = 195, kColorBoxY = 10;
+constexpr int kOpacityBoxX = 195, kOpacityBoxY = 28;
+constexpr int kEmptyX = 130, kEmptyY = 240;
+
+// A 2 x 1 mesh, every node selected; node n = i + 3 j carries gray
+// (n + 1) / 7 and opacity 1 - (n + 1) / 14, so that after a command each
+// node tells whose colour and whose opacity it holds.
+std::string MeshDocument() {
+  using nlohmann::json;
+  json nodes = json::array();
+  for (int j = 0; j <= 1; ++j)
+    for (int i = 0; i <= 2; ++i) {
+      const int n = i + 3 * j;
+      nodes.push_back({{"p", {10.0 * i, 10.0 * j}},
+                       {"color", {{"gray", (n + 1) / 7.0}}},
+                       {"opacity", 1.0 - (n + 1) / 14.0},
+                       {"selected", true}});
+    }
+  json mesh = {{"type", "mesh"}, {"size", {2, 1}}, {"selected", true}, {"nodes", nodes}};
+  json doc = {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", {mesh}}}}}};
+  return doc.dump();
+}
+
+class Panel : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    windows = lbwinLiveWindows();
+    host = std::make_unique<lb::host::Host>(lb::io::readDocument(MeshDocument()));
+    host->loadPlugin();
+    hwnd = lb::host::currentPanelWindow();
+    ASSERT_NE(hwnd, nullptr);
+    lbwinPaint(hwnd);
+    counters = host->counters();
+    dcs = lbwinLiveDCs();
+    objects = lbwinLiveGdiObjects();
+  }
+  void TearDown() override {
+    lbwinSetKeyState(VK_CONTROL, FALSE);
+    lbwinSetKeyState(VK_MENU, FALSE);
+    if (!host) return;
+    if (hwnd) {
+      EXPECT_EQ(host->counters(), counters) << "a window message left a host object alive";
+      EXPECT_EQ(lbwinLiveDCs(), dcs) << "a device context was not released";
+      EXPECT_EQ(lbwinLiveGdiObjects(), objects) << "a pen or brush was not deleted";
+    }
+    host->shutdownPlugin();
+    host.reset();
+    EXPECT_EQ(lbwinLiveWindows(), windows);
+  }
+
+  void Move(int x, int y, WPARAM keys = 0) { lbwinSendMessage(hwnd, WM_MOUSEMOVE, keys, MAKELPARAM(x, y)); }
+  void Down(int x, int y) { lbwinSendMessage(hwnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y)); }
+  void Up(int x, int y) { lbwinSendMessage(hwnd, WM_LBUTTONUP, 0, MAKELPARAM(x, y)); }
+  void Click(int x, int y) {
+    Move(x, y);
+    Down(x, y);
+    Up(x, y);
+  }
+  COLORREF At(int x, int y) const { return lbwinGetPixel(hwnd, x, y); }
+
+  // The strip's pixels, row by row.
+  std::vector<COLORREF> Strip() const {
+    std::vector<COLORREF> out;
+    for (int y = 267; y < 411; ++y)
+      for (int x = 3; x < 224; ++x) out.push_back(At(x, y));
+    return out;
+  }
+  // Columns holding text (dark) pixels inside the strip.
+  std::pair<int, int> TextColumns() const {
+    int lo = 1000, hi = -1;
+    for (int y = 269; y < 409; ++y)
+      for (int x = 5; x < 222; ++x) {
+        COLORREF c = At(x, y);
+        if (GetRValue(c) + GetGValue(c) + GetBValue(c) < 300) {
+          lo = std::min(lo, x);
+          hi = std::max(hi, x);
+        }
+      }
+    return {lo, hi};
+  }
+  bool Framed(int id, COLORREF light, COLORREF dark) const {
+    Rect r = ButtonRect(id);
+    return At(r.x, r.y) == light && At(r.x, r.y + r.h - 2) == light && At(r.x + r.w - 2, r.y) == light &&
+           At(r.x + r.w - 1, r.y) == dark && At(r.x + r.w - 1, r.y + r.h - 1) == dark &&
+           At(r.x, r.y + r.h - 1) == dark;
+  }
+  std::set<int> BlueButtons() const {
+    std::set<int> out;
+    for (const auto& [id, place] : kGrid)
+      if (Framed(id, kBlue, kBlue)) out.insert(id);
+    return out;
+  }
+
+  // The mesh as written: whose colour and opacity node (i, j) now holds.
+  nlohmann::json MeshNode(int i, int j) const {
+    auto doc = nlohmann::json::parse(lb::io::writeDocument(host->document()));
+    return doc.at("layers")[0].at("children")[0].at("nodes").at(i + 3 * j);
+  }
+  int ColorFrom(int i, int j) const {
+    return static_cast<int>(std::lround(MeshNode(i, j).at("color").at("gray").get<double>() * 7)) - 1;
+  }
+  int OpacityFrom(int i, int j) const {
+    return static_cast<int>(std::lround((1.0 - MeshNode(i, j).at("opacity").get<double>()) * 14)) - 1;
+  }
+
+  std::unique_ptr<lb::host::Host> host;
+  HWND hwnd = nullptr;
+  lb::host::Counters counters;
+  long windows = 0, dcs = 0, objects = 0;
+};
+
+// ---- The composed picture -------------------------------------------------------
+
+TEST_F(Panel, HostPanelAndWindow) {
+  const lb::host::PanelInfo* info = lb::host::currentPanel();
+  ASSERT_NE(info, nullptr);
+  EXPECT_EQ(info->id, "LatticeBender");
+  EXPECT_EQ(info->title, "LatticeBender");
+  EXPECT_EQ(info->minWidth, 200);
+  EXPECT_EQ(info->minHeight, 200);
+  RECT rc;
+  ASSERT_TRUE(GetClientRect(hwnd, &rc));
+  EXPECT_EQ(rc.right, 227);
+  EXPECT_EQ(rc.bottom, 414);
+  EXPECT_NE(GetProp(hwnd, "TPNL"), nullptr);
+  EXPECT_NE(GetWindowLongPtr(hwnd, GWLP_WNDPROC), reinterpret_cast<LONG_PTR>(&DefWindowProc));
+  // A bright interface gets the white logo.
+  EXPECT_EQ(info->icons, (std::vector<std::pair<int32_t, int32_t>>{{220, 220}}));
+}
+
+TEST_F(Panel, EveryPictureButtonIsRaisedWithItsPictureInside) {
+  for (const auto& [id, place] : kGrid) {
+    SCOPED_TRACE(id);
+    EXPECT_TRUE(Framed(id, kWhite, kShadow));
+    Rect r = ButtonRect(id);
+    // The 32 x 32 picture sits at (X + 2, Y + 2): the ring just inside the
+    // frame stays background.
+    for (int k = 1; k <= 34; ++k) {
+      EXPECT_EQ(At(r.x + 1, r.y + k), kGrey);
+      EXPECT_EQ(At(r.x + 34, r.y + k), kGrey);
+      EXPECT_EQ(At(r.x + k, r.y + 1), kGrey);
+      EXPECT_EQ(At(r.x + k, r.y + 34), kGrey);
+    }
+    int drawn = 0;
+    for (int y = r.y + 2; y < r.y + 34; ++y)
+      for (int x = r.x + 2; x < r.x + 34; ++x) drawn += At(x, y) != kGrey;
+    EXPECT_GT(drawn, 20) << "no picture";
+  }
+}
+
+TEST_F(Panel, BackgroundBetweenAndAroundTheButtons) {
+  for (int y = 0; y < 262; ++y) {
+    EXPECT_EQ(At(39, y), kGrey) << y;   // between columns 0 and 1
+    EXPECT_EQ(At(2, y), kGrey) << y;    // left margin
+  }
+  for (int x = 0; x < 227; ++x) EXPECT_EQ(At(x, 39), kGrey) << x;  // between rows 0 and 1
+  // The empty cells of the last row have no frame.
+  for (int x = 77; x < 224; ++x) EXPECT_EQ(At(x, 225), kGrey) << x;
+}
+
+TEST_F(Panel, CheckboxFramesAndMarks) {
+  for (int top : {4, 22}) {
+    SCOPED_TRACE(top);
+    EXPECT_EQ(At(189, top), kShadow);            // left column and top row
+    EXPECT_EQ(At(189, top + 14), kShadow);       // the left column runs the full height
+    EXPECT_EQ(At(203, top), kShadow);            // the top row runs the full width
+    EXPECT_EQ(At(203, top + 7), kWhite);         // right column
+    EXPECT_EQ(At(195, top + 14), kWhite);        // bottom row
+    EXPECT_EQ(At(190, top + 1), RGB(64, 64, 64));
+    EXPECT_EQ(At(190, top + 13), RGB(64, 64, 64));  // inner left wins over inner bottom
+    EXPECT_EQ(At(202, top + 1), RGB(64, 64, 64));   // inner top wins over inner right
+    EXPECT_EQ(At(202, top + 7), RGB(212, 212, 212));
+    EXPECT_EQ(At(195, top + 13), RGB(212, 212, 212));
+    EXPECT_EQ(At(192, top + 6), kWhite);  // inside, left of the mark
+
+    // The 7 x 7 check mark lands 4 pixels in from the box's corner.
+    const int mx = 193, my = top + 4;
+    const int tops[7] = {2, 3, 4, 3, 2, 1, 0};  // first black row of columns 0..6
+    for (int c = 0; c < 7; ++c)
+      for (int r = 0; r < 7; ++r) {
+        const bool black = r >= tops[c] && r < tops[c] + 3;
+        EXPECT_EQ(At(mx + c, my + r), black ? kBlack : kWhite) << c << "," << r;
+      }
+  }
+}
+
+TEST_F(Panel, TextStripAndVersionText) {
+  EXPECT_EQ(At(3, 267), kStrip);
+  EXPECT_EQ(At(222, 409), kStrip);
+  EXPECT_EQ(At(2, 300), kGrey);
+  EXPECT_EQ(At(100, 266), kGrey);
+  // Filled without an outline: the last column and row stay background.
+  EXPECT_EQ(At(223, 300), kGrey);
+  EXPECT_EQ(At(100, 410), kGrey);
+  // "Lattice Bender" over "0.41.4", each centred.
+  auto [lo, hi] = TextColumns();
+  ASSERT_LT(lo, hi);
+  EXPECT_NEAR((lo + hi) / 2.0, 113.0, 4.0);
+  EXPECT_GT(lo, 40);
+  int bands = 0;
+  bool inText = false;
+  for (int y = 269; y < 409; ++y) {
+    bool any = false;
+    for (int x = 5; x < 222; ++x) {
+      const COLORREF c = At(x, y);
+      any = any || GetRValue(c) + GetGValue(c) + GetBValue(c) < 300;
+    }
+    if (any && !inText) ++bands;
+    inText = any;
+  }
+  EXPECT_EQ(bands, 2);
+}
+
+// ---- Hovering -----------------------------------------------------------------------
+
+TEST_F(Panel, HoverShowsTheTooltipFromTheLeftAndEmptySpotsTheVersion) {
+  const auto version = Strip();
+  Move(kShiftX, kShiftY);
+  EXPECT_NE(Strip(), version);
+  EXPECT_LT(TextColumns().first, 12);
+  Move(kEmptyX, kEmptyY);
+  EXPECT_EQ(Strip(), version);
+  Move(kShiftX, kShiftY);
+  Move(1, 1);  // the margin is no button either
+  EXPECT_EQ(Strip(), version);
+}
+
+TEST_F(Panel, TheStripIsRedrawnOnlyWhenItsTextChanges) {
+  Move(kShiftX, kShiftY);
+  HDC dc = GetDC(hwnd);
+  SetPixel(dc, 150, 400, RGB(1, 2, 3));
+  ReleaseDC(hwnd, dc);
+  Move(kShiftX + 5, kShiftY + 5);  // same button, same text
+  EXPECT_EQ(At(150, 400), RGB(1, 2, 3));
+  Move(kReflectX, kReflectY);
+  EXPECT_EQ(At(150, 400), kStrip);
+
+  dc = GetDC(hwnd);
+  SetPixel(dc, 150, 400, RGB(1, 2, 3));
+  ReleaseDC(hwnd, dc);
+  lbwinPaint(hwnd);  // painting always redraws it
+  EXPECT_EQ(At(150, 400), kStrip);
+}
+
+TEST_F(Panel, CheckboxHoverOutlinesTheButtonsItAffects) {
+  Move(kColorBoxX, kColorBoxY);
+  EXPECT_EQ(BlueButtons(), (std::set<int>{136, 137, 138, 139, 149, 154, 158, 141}));
+  Move(kOpacityBoxX, kOpacityBoxY);
+  EXPECT_EQ(BlueButtons(), (std::set<int>{136, 137, 138, 139, 149, 154, 158}));
+  EXPECT_TRUE(Framed(141, kWhite, kShadow));
+  Move(kShiftX, kShiftY);
+  EXPECT_TRUE(BlueButtons().empty());
+  Move(kColorBoxX, kColorBoxY);
+  Move(kEmptyX, kEmptyY);
+  EXPECT_TRUE(BlueButtons().empty());
+}
+
+TEST_F(Panel, NoOutlinesWhilePressed) {
+  Down(kShiftX, kShiftY);
+  Move(kColorBoxX, kColorBoxY, MK_LBUTTON);
+  EXPECT_TRUE(BlueButtons().empty());
+  Up(kColorBoxX, kColorBoxY);
+}
+
+TEST_F(Panel, LeavingClearsOutlinesAndRestoresTheVersion) {
+  const auto version = Strip();
+  Move(kColorBoxX, kColorBoxY);
+  ASSERT_FALSE(BlueButtons().empty());
+  EXPECT_TRUE(lbwinIsTrackingLeave(hwnd));
+  EXPECT_TRUE(lbwinMouseLeave(hwnd));
+  EXPECT_TRUE(BlueButtons().empty());
+  EXPECT_EQ(Strip(), version);
+  for (const auto& [id, place] : kGrid) EXPECT_TRUE(Framed(id, kWhite, kShadow)) << id;
+  // The request was used up; the next move asks again.
+  EXPECT_FALSE(lbwinMouseLeave(hwnd));
+  Move(kShiftX, kShiftY);
+  EXPECT_TRUE(lbwinIsTrackingLeave(hwnd));
+}
+
+// ---- Pressing and releasing -----------------------------------------------------------
+
+TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
+  Down(kShiftX, kShiftY);
+  EXPECT_TRUE(Framed(kShiftColors, kShadow, kWhite));
+  EXPECT_EQ(GetCapture(), hwnd);
+  Move(kEmptyX, kEmptyY, MK_LBUTTON);
+  EXPECT_TRUE(Framed(kShiftColors, kWhite, kShadow));
+  Move(kShiftX, kShiftY, MK_LBUTTON);
+  EXPECT_TRUE(Framed(kShiftColors, kShadow, kWhite));
+  Move(kShiftX, kShiftY, 0);  // the button is no longer held
+  EXPECT_TRUE(Framed(kShiftColors, kWhite, kShadow));
+  Up(kEmptyX, kEmptyY);
+  EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(Panel, ReleaseAwayFromThePressedButtonRunsNothing) {
+  Down(kShiftX, kShiftY);
+  Move(kEmptyX, kEmptyY, MK_LBUTTON);
+  Up(kEmptyX, kEmptyY);
+  EXPECT_EQ(ColorFrom(0, 0), 0);
+  // Released over a different button: nothing either.
+  Down(kShiftX, kShiftY);
+  Move(kReflectX, kReflectY, MK_LBUTTON);
+  Up(kReflectX, kReflectY);
+  EXPECT_EQ(ColorFrom(0, 0), 0);
+  EXPECT_EQ(ColorFrom(2, 1), 5);
+  // A press outside every button, released over one: nothing.
+  Down(kEmptyX, kEmptyY);
+  Up(kShiftX, kShiftY);
+  EXPECT_EQ(ColorFrom(0, 0), 0);
+}
+
+TEST_F(Panel, ReleaseAfterLeavingAndReturningRunsTheCommand) {
+  Down(kShiftX, kShiftY);
+  Move(kEmptyX, kEmptyY, MK_LBUTTON);
+  Move(kShiftX + 3, kShiftY - 3, MK_LBUTTON);
+  Up(kShiftX + 3, kShiftY - 3);
+  EXPECT_EQ(ColorFrom(0, 0), 2);  // shifted along I: (0, 0) takes (2, 0)'s colour
+  EXPECT_TRUE(Framed(kShiftColors, kWhite, kShadow));
+}
+
+TEST_F(Panel, CheckboxTogglesOnPressAndTheNextCommandSeesIt) {
+  Down(kColorBoxX, kColorBoxY);
+  EXPECT_EQ(At(199, 8), kWhite);  // the mark is gone at once
+  Up(kColorBoxX, kColorBoxY);
+  EXPECT_EQ(At(199, 8), kWhite);
+  // Colour off, opacity on: only the opacities shift.
+  Click(kShiftX, kShiftY);
+  EXPECT_EQ(ColorFrom(0, 0), 0);
+  EXPECT_EQ(OpacityFrom(0, 0), 2);
+  // Pressing again checks it again; a release elsewhere does not matter.
+  Down(kColorBoxX, kColorBoxY);
+  EXPECT_EQ(At(199, 8), kBlack);
+  Up(kEmptyX, kEmptyY);
+  Click(kShiftX, kShiftY);
+  EXPECT_EQ(ColorFrom(0, 0), 2);
+  EXPECT_EQ(OpacityFrom(0, 0), 1);
+}
+
+TEST_F(Panel, OpacityCheckboxClearedLeavesOpacities) {
+  Click(kOpacityBoxX, kOpacityBoxY);
+  EXPECT_EQ(At(199, 26), kWhite);
+  EXPECT_EQ(At(199, 8), kBlack);
+  Click(kShiftX, kShiftY);
+  EXPECT_EQ(ColorFrom(0, 0), 2);
+  EXPECT_EQ(OpacityFrom(0, 0), 0);
+}
+
+struct KeyCase {
+  bool alt, ctrl;
+  int expected;  // whose colour node (0, 0) takes
+};
+
+class PanelKeys : public Panel, public ::testing::WithParamInterface<KeyCase> {};
+
+TEST_P(PanelKeys, KeysAreReadAtTheRelease) {
+  const KeyCase k = GetParam();
+  // Keys held at the press do not count...
+  lbwinSetKeyState(VK_MENU, !k.alt);
+  lbwinSetKeyState(VK_CONTROL, !k.ctrl);
+  Move(kShiftX, kShiftY);
+  Down(kShiftX, kShiftY);
+  // ...those held at the release do.
+  lbwinSetKeyState(VK_MENU, k.alt);
+  lbwinSetKeyState(VK_CONTROL, k.ctrl);
+  Up(kShiftX, kShiftY);
+  EXPECT_EQ(ColorFrom(0, 0), k.expected);
+}
+
+// Shift colours moves each node's paint one node towards the higher index
+// (I forward, no key), the lower index (I backward, Alt) or along J (Ctrl).
+INSTANTIATE_TEST_SUITE_P(ShiftColors, PanelKeys,
+                         ::testing::Values(KeyCase{false, false, 2}, KeyCase{true, false, 1},
+                                           KeyCase{false, true, 3}));
+
+TEST_F(Panel, ReflectButtonRunsItsOwnCommand) {
+  lbwinSetKeyState(VK_CONTROL, TRUE);
+  Click(kReflectX, kReflectY);
+  EXPECT_EQ(ColorFrom(0, 0), 3);  // reflected along J
+  EXPECT_EQ(ColorFrom(2, 0), 5);
+}
+
+// ---- Theme and lifetime ------------------------------------------------------------------
+
+TEST_F(Panel, BrightnessChangesSwapTheLogo) {
+  const auto& icons = lb::host::currentPanel()->icons;
+  ASSERT_EQ(icons.size(), 1u);
+  host->fireNotifier("AI UI Brightness Changed Notifier");
+  ASSERT_EQ(icons.size(), 2u);  // the first notification always sets it
+  EXPECT_EQ(icons.back(), std::make_pair(220, 220));
+  host->fireNotifier("AI UI Brightness Changed Notifier");
+  EXPECT_EQ(icons.size(), 2u);  // unchanged brightness: no icon
+  lb::host::setUIBrightness(0);
+  host->fireNotifier("AI UI Brightness Changed Notifier");
+  ASSERT_EQ(icons.size(), 3u);
+  EXPECT_EQ(icons.back(), std::make_pair(240, 240));
+}
+
+TEST_F(Panel, MenuItemShowsAndHidesThePanel) {
+  AIMenuItemHandle item = host->pluginMenuItem();
+  ASSERT_NE(item, nullptr);
+  const bool before = lb::host::currentPanel()->shown;
+  host->sendMenuGo(item);
+  EXPECT_NE(lb::host::currentPanel()->shown, before);
+  host->sendMenuUpdate(item);
+  EXPECT_EQ(host->menuItemChecked(item), lb::host::currentPanel()->shown);
+  host->sendMenuGo(item);
+  EXPECT_EQ(lb::host::currentPanel()->shown, before);
+}
+
+TEST_F(Panel, ShutdownRestoresAndDestroysTheWindow) {
+  host->shutdownPlugin();
+  EXPECT_FALSE(IsWindow(hwnd));
+  EXPECT_EQ(lb::host::livePanels(), 0);
+  EXPECT_EQ(lb::host::currentPanelWindow(), nullptr);
+  EXPECT_EQ(lbwinLiveDCs(), dcs);
+  EXPECT_EQ(lbwinLiveGdiObjects(), objects);
+  hwnd = nullptr;
+  host.reset();
+  EXPECT_EQ(lbwinLiveWindows(), windows);
+}
+
+TEST(PanelDarkInterface, StartsWithTheDarkLogo) {
+  lb::host::Host host;
+  lb::host::setUIBrightness(0);
+  host.loadPlugin();
+  ASSERT_NE(lb::host::currentPanel(), nullptr);
+  EXPECT_EQ(lb::host::currentPanel()->icons, (std::vector<std::pair<int32_t, int32_t>>{{240, 240}}));
+  host.shutdownPlugin();
+}
+
+}  // namespace
