@@ -491,9 +491,9 @@ void SelPerim(cairo_t* cr) {
 
 // 152: two meshes sewn by moving the vertices of one side onto the other.
 void SewMeshMove(cairo_t* cr) {
-  Grid(cr, 2, 4, 12, 24, 2, 3, 1.0);
-  Grid(cr, 19, 6, 11, 22, 2, 3, 1.0);
-  for (int j = 0; j <= 3; ++j) Arrow(cr, 19, 6 + 22.0 * j / 3, 15, 4 + 8.0 * j, kArrow, 1.2, 3);
+  Grid(cr, 2, 4, 9, 24, 1, 3, 1.0);
+  Grid(cr, 21, 4, 9, 24, 1, 3, 1.0);
+  for (int j = 0; j <= 3; ++j) Arrow(cr, 20, 4.5 + 8.0 * j, 12.5, 4.5 + 8.0 * j, kArrow, 1.5, 4);
 }
 
 // 153: two meshes sewn by adding a row of cells between them.
@@ -665,17 +665,25 @@ void Sew0(cairo_t* cr) {
 // 166: UV coordinates reset.
 void UvReset(cairo_t* cr) {
   Grid(cr, 3, 3, 26, 26, 3, 3, 3.0, kGrid, 1.0);
+  // "UV" on a white label in the upper left.
+  cairo_rectangle(cr, 2, 2, 18, 13);
+  Src(cr, kWhite);
+  cairo_fill(cr);
   Src(cr, kArrow);
-  cairo_set_line_width(cr, 1.5);
-  cairo_move_to(cr, 10, 5);
-  cairo_line_to(cr, 10, 11);
-  cairo_curve_to(cr, 10, 15, 16, 15, 16, 11);
-  cairo_line_to(cr, 16, 5);
-  cairo_move_to(cr, 18, 5);
-  cairo_line_to(cr, 21, 14);
-  cairo_line_to(cr, 24, 5);
+  cairo_set_line_width(cr, 1.8);
+  cairo_move_to(cr, 4.5, 4);
+  cairo_line_to(cr, 4.5, 10);
+  cairo_curve_to(cr, 4.5, 14, 10.5, 14, 10.5, 10);
+  cairo_line_to(cr, 10.5, 4);
+  cairo_move_to(cr, 12.5, 4);
+  cairo_line_to(cr, 15.5, 13);
+  cairo_line_to(cr, 18.5, 4);
   cairo_stroke(cr);
-  ArcArrow(cr, 16, 22, 6, 0.2, kPi * 1.7, kArrow, 1.4);
+  // A reset arrow on a white disc in the lower right.
+  cairo_arc(cr, 22, 22, 8, 0, 2 * kPi);
+  Src(cr, kWhite);
+  cairo_fill(cr);
+  ArcArrow(cr, 22, 22, 5, -kPi * 0.3, kPi * 1.3, kArrow, 1.6);
 }
 
 // 167: grid direction rotated or reflected.

@@ -159,6 +159,24 @@ TEST_F(LoadBitmap, EmptyResourceLeavesTheTarget) {
   EXPECT_EQ(d.GetW(), 5);
 }
 
+TEST_F(LoadBitmap, TruncatedPictureLoadsWithoutReadingPastItsEnd) {
+  auto bytes = Bmp32(4, 4);
+  bytes.resize(54 + 4 * 4 * 2);  // the top two rows are missing
+  script.resources["CUT"] = bytes;
+  ZC_DIB d;
+  EXPECT_EQ(LoadBitmapResource("CUT", d), kNoErr);
+  ASSERT_EQ(d.GetH(), 4);
+  const unsigned char* bottom = d.PixelAt(0, 3);
+  const unsigned char* top = d.PixelAt(0, 0);
+  EXPECT_EQ(std::vector<int>(bottom, bottom + 4), (std::vector<int>{1, 2, 3, 4}));
+  EXPECT_EQ(std::vector<int>(top, top + 4), (std::vector<int>{0, 0, 0, 0}));
+
+  script.resources["TINY"] = {'B', 'M', 0, 0};
+  ZC_DIB e(2, 2, 24);
+  EXPECT_EQ(LoadBitmapResource("TINY", e), kNoErr);
+  EXPECT_TRUE(e.IsEmpty());  // no bit count: nothing to load
+}
+
 TEST(LoadBitmapWithoutSuite, DoesNothing) {
   ASSERT_EQ(sAIDataFilter, nullptr);
   ZC_DIB d(2, 2, 24);
