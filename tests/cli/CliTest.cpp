@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -163,6 +164,27 @@ TEST_F(Cli, DemoDocumentIsValidAndInfoDescribesIt) {
   if (r.status == 0) {
     EXPECT_FALSE(r.out.empty());
   }
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(Cli, DemoWritesBeforeAndAfterForEveryStep) {
+  Result r = Invoke({"demo", "-o", P("tour")});
+  EXPECT_EQ(r.status, 0) << r.err;
+  const auto& tour = lb::app::demoTour();
+  ASSERT_FALSE(tour.empty());
+  for (size_t k = 0; k < tour.size(); ++k) {
+    char prefix[8];
+    std::snprintf(prefix, sizeof prefix, "%02zu-", k + 1);
+    const std::string base = std::string(prefix) + tour[k].stem;
+    EXPECT_TRUE(fs::exists(dir / "tour" / (base + "-before.lbdoc"))) << base;
+    EXPECT_TRUE(fs::exists(dir / "tour" / (base + "-after.lbdoc"))) << base;
+  }
+  // One line per step and a closing summary.
+  EXPECT_GE(std::count(r.out.begin(), r.out.end(), '\n'), static_cast<long>(tour.size() + 1));
+  EXPECT_NE(r.out.find(std::to_string(tour.size()) + " steps"), std::string::npos);
 }
 
 }  // namespace

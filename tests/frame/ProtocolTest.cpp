@@ -109,10 +109,13 @@ TEST(UnloadReload, KeepsTheRecordAndReallyUnloads) {
   void* record = host.pluginGlobals();
   EXPECT_NE(record, nullptr);
   EXPECT_FALSE(host.pluginLoaded());
-  // No other reference keeps the module mapped.
+#ifndef __SANITIZE_ADDRESS__
+  // No other reference keeps the module mapped. (The address sanitizer's
+  // runtime keeps closed modules mapped, so this only holds without it.)
   void* still = dlopen(host.modulePath().c_str(), RTLD_NOW | RTLD_NOLOAD);
   EXPECT_EQ(still, nullptr);
   if (still) dlclose(still);
+#endif
 
   host.reloadPlugin();
   EXPECT_TRUE(host.pluginLoaded());

@@ -117,3 +117,55 @@ TEST(PropertyList, EntryPointIsFoundAndDamageIsRejected) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(HostServices, MessageAlertsAreRecordedAndPassedToTheSink) {
+  Host host;
+  std::vector<std::string> seen;
+  host.setAlertSink([&](const std::string& text) { seen.push_back(text); });
+  SPBasicSuite* basic = lb::host::basicSuite();
+  const void* u = nullptr;
+  const void* s = nullptr;
+  ASSERT_EQ(basic->AcquireSuite(kAIUserSuite, kAIUserSuiteVersion, &u), kNoErr);
+  ASSERT_EQ(basic->AcquireSuite(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion, &s), kNoErr);
+  auto* user = static_cast<const AIUserSuite*>(u);
+  auto* strings = static_cast<const AIUnicodeStringSuite*>(s);
+  AIUnicodeStringRef text = nullptr;
+  ASSERT_EQ(strings->InitializeFromWide(&text, L"UV: 0.5 \u00e9\nline two"), kNoErr);
+  size_t length = 0;
+  strings->Length(text, &length);
+  EXPECT_EQ(length, 18u);  // code points, not bytes
+  EXPECT_EQ(user->MessageAlert(text), kNoErr);
+  strings->Destroy(text);
+  EXPECT_EQ(host.alerts(), std::vector<std::string>{"UV: 0.5 \xc3\xa9\nline two"});
+  EXPECT_EQ(seen, host.alerts());
+  EXPECT_EQ(host.counters().strings, 0);
+  basic->ReleaseSuite(kAIUserSuite, kAIUserSuiteVersion);
+  basic->ReleaseSuite(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion);
+  // Releasing more than was acquired is refused.
+  EXPECT_NE(basic->ReleaseSuite(kAIUserSuite, kAIUserSuiteVersion), kNoErr);
+  EXPECT_EQ(host.counters().suiteAcquisitions, 0);
+}
+
+TEST(HostServices, SuitesAreServedByNameAndVersion) {
+  Host host;
+  SPBasicSuite* basic = lb::host::basicSuite();
+  const void* p = nullptr;
+  EXPECT_EQ(basic->AcquireSuite(kAIMenuSuite, kAIMenuSuiteVersion + 1, &p), kSPSuiteNotFoundError);
+  EXPECT_EQ(basic->AcquireSuite("AI Nonexistent Suite", 1, &p), kSPSuiteNotFoundError);
+  EXPECT_EQ(host.counters().suiteAcquisitions, 0);
+  EXPECT_TRUE(basic->IsEqual("Startup", "Startup"));
+  EXPECT_FALSE(basic->IsEqual("Startup", "startup"));
+  void* block = nullptr;
+  ASSERT_EQ(basic->AllocateBlock(24, &block), kNoErr);
+  static_cast<char*>(block)[23] = 'x';
+  void* bigger = nullptr;
+  ASSERT_EQ(basic->ReallocateBlock(block, 4096, &bigger), kNoErr);
+  EXPECT_EQ(static_cast<char*>(bigger)[23], 'x');
+  EXPECT_EQ(host.counters().blocks, 1);
+  basic->FreeBlock(bigger);
+  EXPECT_EQ(host.counters().blocks, 0);
+}
+
+}  // namespace
