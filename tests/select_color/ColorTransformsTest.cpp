@@ -201,6 +201,7 @@ TEST(RotateColors, CtrlDoesNothingAndASingleNodeKeepsItsPaint) {
     ExpectPaint(s.mesh(0), kUnmoved, {true, true});
     EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(0, 1, 0, 1));
   }
+
   Session one({Spec(3, 3, {{2, 1}})});
   one.run(kRotate, false, false, true, true);
   ExpectPaint(one.mesh(0), kUnmoved, {true, true});
@@ -330,10 +331,12 @@ TEST(SpreadColors, OneColumnRunsAlongWholeRows) {
 }
 
 TEST(SpreadColors, SingleNodeSpreadsAcrossItsRowOrItsColumn) {
-  Session row({Spec(3, 3, {{1, 2}})});
-  row.run(kSpread, false, false, true, true);
-  ExpectPaint(row.mesh(0), [](int i, int j) { return j == 2 ? Node{1, 2} : Node{i, j}; }, {true, true});
-  EXPECT_EQ(row.mesh(0).selectedNodes(), Rect(0, 3, 2, 2));
+  {
+    Session row({Spec(3, 3, {{1, 2}})});
+    row.run(kSpread, false, false, true, true);
+    ExpectPaint(row.mesh(0), [](int i, int j) { return j == 2 ? Node{1, 2} : Node{i, j}; }, {true, true});
+    EXPECT_EQ(row.mesh(0).selectedNodes(), Rect(0, 3, 2, 2));
+  }
 
   Session col({Spec(3, 3, {{1, 2}})});
   col.run(kSpread, true, true, true, true);

@@ -84,18 +84,18 @@ inline std::string DocText(const std::vector<MeshSpec>& meshes) {
 class MeshState {
  public:
   explicit MeshState(const nlohmann::json& art) : m_art(art) {
-    I = art["size"][0].get<int>();
-    J = art["size"][1].get<int>();
+    I = art.at("size").at(0).get<int>();
+    J = art.at("size").at(1).get<int>();
   }
   int I = 0, J = 0;
 
-  const nlohmann::json& node(int i, int j) const { return m_art["nodes"][i + (I + 1) * j]; }
+  const nlohmann::json& node(int i, int j) const { return m_art.at("nodes").at(i + (I + 1) * j); }
   bool selected(int i, int j) const { return node(i, j).value("selected", false); }
   bool artSelected() const { return m_art.value("selected", false); }
   // Number of the node whose colour (opacity) node (i, j) now carries, or
   // -1 when it matches none.
-  int colorFrom(int i, int j) const { return Decode(node(i, j)["color"]["gray"].get<double>(), false); }
-  int opacityFrom(int i, int j) const { return Decode(node(i, j)["opacity"].get<double>(), true); }
+  int colorFrom(int i, int j) const { return Decode(node(i, j).at("color").at("gray").get<double>(), false); }
+  int opacityFrom(int i, int j) const { return Decode(node(i, j).at("opacity").get<double>(), true); }
   NodeSet selectedNodes() const {
     NodeSet out;
     for (int j = 0; j <= J; ++j)
@@ -107,10 +107,10 @@ class MeshState {
   // axis, in order.
   std::vector<bool> innerSelected(int i, int j, char axis) const {
     std::vector<bool> out;
-    for (const auto& run : m_art["runs"]) {
-      if (run["node"][0] != i || run["node"][1] != j || run["axis"] != std::string(1, axis)) continue;
+    for (const auto& run : m_art.value("runs", nlohmann::json::array())) {
+      if (run.at("node").at(0) != i || run.at("node").at(1) != j || run.at("axis") != std::string(1, axis)) continue;
       for (const auto& in : run.value("inner", nlohmann::json::array()))
-        if (in["kind"] == "vertex") out.push_back(in.value("selected", false));
+        if (in.at("kind") == "vertex") out.push_back(in.value("selected", false));
     }
     return out;
   }
@@ -146,7 +146,7 @@ class Session {
   }
   MeshState mesh(size_t k) {
     const nlohmann::json doc = nlohmann::json::parse(lb::io::writeDocument(host.document()));
-    return MeshState(doc["layers"][0]["children"][k]);
+    return MeshState(doc.at("layers").at(0).at("children").at(k));
   }
   bool noLeaks() { return host.counters() == before; }
 

@@ -139,7 +139,14 @@ TEST_F(MeshSelectionTest, WholeMeshSelectionIsTheWholeGrid) {
 }
 
 TEST_F(MeshSelectionTest, NothingSelectedGivesAnEmptyRegionAndNoMarks) {
-  Load({Spec(2, 2, {})});
+  // A selected mesh whose only selected node is then deselected.
+  Load({Spec(2, 2, {{1, 1}})});
+  {
+    SelectionRef sel = GetSelectionRef(Mesh(0));
+    VertexRef v = GetNodeRef(Mesh(0), 1, 1);
+    ASSERT_EQ(lb::s::sMeshSelection->SelectVertex(sel, v, false), kNoErr);
+    ASSERT_TRUE(lb::s::sMeshSelection->IsEmpty(sel));
+  }
   std::vector<int> li(3, 0), lj(3, 0);
   CMeshRegion r;
   ASSERT_EQ(r.GetMeshRegIncVert(Mesh(0), 0, li.data(), lj.data()), 0);
@@ -228,7 +235,7 @@ TEST_F(MeshSelectionTest, WalkVisitsEveryVertexOfTheLineInOrder) {
   int inner = 0;
   WalkLine(
       Mesh(0), 1, 1, 3, 1, kAIMeshIAxis, [&](AIMeshVertexIterator) { ++inner; }, false);
-  EXPECT_EQ(inner, 3);  // (2, 1), the vertex after it, and nothing at the ends
+  EXPECT_EQ(inner, 2);  // (2, 1) and the vertex after it; not the two ends
 
   int single = 0;
   WalkLine(Mesh(0), 2, 0, 2, 0, kAIMeshJAxis, [&](AIMeshVertexIterator) { ++single; });

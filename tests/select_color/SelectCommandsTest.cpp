@@ -65,7 +65,10 @@ TEST(SelectRegion, EmptySelectionStaysEmptyAndWholeMeshStaysWhole) {
   // stays whole.
   MeshSpec whole = Spec(2, 2, {});
   whole.whole = true;
-  Session s({Spec(3, 3, {}), whole});
+  Session s({Spec(3, 3, {}, {{{1, 1, 'I'}, true}}), whole});
+  s.run(kNodes, false, false);  // keeps nodes only: nothing is left in the top mesh
+  ASSERT_TRUE(s.mesh(0).selectedNodes().empty());
+  ASSERT_FALSE(s.mesh(0).innerSel(1, 1, 'I'));
   s.run(kRegion, false, false);
   EXPECT_TRUE(s.mesh(0).selectedNodes().empty());
   EXPECT_EQ(s.mesh(1).selectedNodes(), Rect(0, 2, 0, 2));
@@ -160,11 +163,12 @@ TEST(SelectCross, WholeRowAndColumnThroughASelectedNode) {
 TEST(SelectCross, SelectedVertexMarksOnlyItsOwnLine) {
   // A vertex on row j = 1 between i = 0 and 1: with columns only nothing
   // is left; with rows, that whole row.
-  Session cols({Spec(3, 2, {}, {{{0, 1, 'I'}, true}})});
-  cols.run(kCross, false, true);
-  EXPECT_TRUE(cols.mesh(0).selectedNodes().empty());
-  EXPECT_FALSE(cols.mesh(0).innerSel(0, 1, 'I'));
-
+  {
+    Session cols({Spec(3, 2, {}, {{{0, 1, 'I'}, true}})});
+    cols.run(kCross, false, true);
+    EXPECT_TRUE(cols.mesh(0).selectedNodes().empty());
+    EXPECT_FALSE(cols.mesh(0).innerSel(0, 1, 'I'));
+  }
   Session rows({Spec(3, 2, {}, {{{0, 1, 'I'}, true}})});
   rows.run(kCross, false, false);
   EXPECT_EQ(rows.mesh(0).selectedNodes(), Rect(0, 3, 1, 1));
@@ -223,13 +227,15 @@ TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
 
 TEST(SelectNodesOrVertices, KeepsOneKindAndOnlyEverDeselects) {
   const std::map<Inner, bool> inner{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
-  Session nodes({Spec(2, 2, {{0, 0}, {2, 2}}, inner)});
-  nodes.run(kNodes, false, false);
-  EXPECT_EQ(nodes.mesh(0).selectedNodes(), (NodeSet{{0, 0}, {2, 2}}));
-  EXPECT_FALSE(nodes.mesh(0).innerSel(0, 0, 'I'));
-  EXPECT_FALSE(nodes.mesh(0).innerSel(1, 0, 'J'));
-  EXPECT_FALSE(nodes.mesh(0).innerSel(1, 1, 'I'));
-  EXPECT_TRUE(nodes.noLeaks());
+  {
+    Session nodes({Spec(2, 2, {{0, 0}, {2, 2}}, inner)});
+    nodes.run(kNodes, false, false);
+    EXPECT_EQ(nodes.mesh(0).selectedNodes(), (NodeSet{{0, 0}, {2, 2}}));
+    EXPECT_FALSE(nodes.mesh(0).innerSel(0, 0, 'I'));
+    EXPECT_FALSE(nodes.mesh(0).innerSel(1, 0, 'J'));
+    EXPECT_FALSE(nodes.mesh(0).innerSel(1, 1, 'I'));
+    EXPECT_TRUE(nodes.noLeaks());
+  }
 
   Session verts({Spec(2, 2, {{0, 0}, {2, 2}}, inner)});
   verts.run(kNodes, true, false);

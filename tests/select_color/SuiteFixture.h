@@ -15,6 +15,7 @@ namespace sctest {
 class SuiteFixture : public ::testing::Test {
  protected:
   void Load(const std::vector<MeshSpec>& meshes) {
+    host.reset();  // one host at a time
     host = std::make_unique<lb::host::Host>(lb::io::readDocument(DocText(meshes)));
     mesh = *static_cast<const AIMeshSuite*>(lb::host::findSuite(kAIMeshSuite, kAIMeshSuiteVersion));
     vertex = *static_cast<const AIMeshVertexIteratorSuite*>(
@@ -53,7 +54,7 @@ class SuiteFixture : public ::testing::Test {
   AIArtHandle Mesh(size_t k) const { return host->document().layers()[0]->children[k].get(); }
   MeshState State(size_t k) const {
     const auto doc = nlohmann::json::parse(lb::io::writeDocument(host->document()));
-    return MeshState(doc["layers"][0]["children"][k]);
+    return MeshState(doc.at("layers").at(0).at("children").at(k));
   }
   bool NoLeaks() const { return host->counters() == before; }
 

@@ -1,0 +1,117 @@
+// The paint record and its three switches, on real mesh nodes.
+#include <gtest/gtest.h>
+
+#include "SuiteFixture.h"
+#include "HostRefs.h"
+#include "color/ColorOpacity.h"
+
+using namespace sctest;
+
+namespace {
+
+class ColorOpacityTest : public SuiteFixture {
+ protected:
+  void SetUp() override {
+    saved[0] = CColorOpacity::sm_bUseColor;
+    saved[1] = CColorOpacity::sm_bUseOpacity;
+    saved[2] = CColorOpacity::sm_bUseAll;
+    MeshSpec s;
+    s.I = 1;
+    s.J = 1;
+    Load({s});
+    a = GetNodeRef(Mesh(0), 0, 0);
+    b = GetNodeRef(Mesh(0), 1, 1);
+  }
+  void TearDown() override {
+    a.reset();
+    b.reset();
+    EXPECT_TRUE(NoLeaks());
+    CColorOpacity::sm_bUseColor = saved[0];
+    CColorOpacity::sm_bUseOpacity = saved[1];
+    CColorOpacity::sm_bUseAll = saved[2];
+    SuiteFixture::TearDown();
+  }
+  void Use(int color, int opacity, int all) {
+    CColorOpacity::sm_bUseColor = color;
+    CColorOpacity::sm_bUseOpacity = opacity;
+    CColorOpacity::sm_bUseAll = all;
+  }
+  // Copies node a's paint onto node b through a record.
+  void CopyAtoB() {
+    CColorOpacity p;
+    p.Read(a);
+    p.Write(b);
+  }
+  int saved[3] = {};
+  VertexRef a, b;
+};
+
+TEST_F(ColorOpacityTest, SwitchesStartAsColourOnly) {
+  // Nothing in this process has touched them before the fixture saved them.
+  EXPECT_EQ(saved[0], 1);
+  EXPECT_EQ(saved[1], 0);
+  EXPECT_EQ(saved[2], 0);
+}
+
+TEST_F(ColorOpacityTest, EachSwitchMovesOnlyItsHalf) {
+  struct Case {
+    int color, opacity, all;
+    bool colorMoves, opacityMoves;
+  };
+  const Case cases[] = {{1, 0, 0, true, false}, {0, 1, 0, false, true}, {0, 0, 0, false, false},
+                        {1, 1, 0, true, true},  {0, 0, 1, true, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.color << c.opacity << c.all);
+    a.reset();
+    b.reset();
+    Load({MeshSpec{}});
+    a = GetNodeRef(Mesh(0), 0, 0);
+    b = GetNodeRef(Mesh(0), 1, 1);
+    Use(c.color, c.opacity, c.all);
+    CopyAtoB();
+    const MeshState m = State(0);
+    EXPECT_EQ(m.colorFrom(1, 1), c.colorMoves ? 0 : 3);
+    EXPECT_EQ(m.opacityFrom(1, 1), c.opacityMoves ? 0 : 3);
+    EXPECT_EQ(m.colorFrom(0, 0), 0);
+  }
+}
+
+TEST_F(ColorOpacityTest, OpacityReadsAsOneWhenItTakesNoPart) {
+  Use(1, 0, 0);
+  CColorOpacity p;
+  p.m_dOpacity = 0.25;
+  p.Read(a);
+  EXPECT_EQ(p.m_dOpacity, 1.0);
+  Use(0, 1, 0);
+  p.Read(a);
+  EXPECT_EQ(p.m_dOpacity, OpacityOf(0, 4));
+}
+
+TEST_F(ColorOpacityTest, EveryColourKindRoundTripsExactly) {
+  Use(1, 1, 0);
+  AIColor rgb{};
+  rgb.kind = kThreeColor;
+  rgb.c.rgb = {0.1, 0.2 / 3.0, 1.0};
+  AIColor cmyk{};
+  cmyk.kind = kFourColor;
+  cmyk.c.f = {0.3, 0.0, 1.0 / 7.0, 0.9};
+  for (const AIColor& in : {rgb, cmyk}) {
+    ASSERT_EQ(lb::s::sMeshVertexIterator->SetColor(a, &in), kNoErr);
+    CopyAtoB();
+    AIColor out{};
+    ASSERT_EQ(lb::s::sMeshVertexIterator->GetColor(b, &out), kNoErr);
+    EXPECT_EQ(out.kind, in.kind);
+    if (in.kind == kThreeColor) {
+      EXPECT_EQ(out.c.rgb.red, in.c.rgb.red);
+      EXPECT_EQ(out.c.rgb.green, in.c.rgb.green);
+      EXPECT_EQ(out.c.rgb.blue, in.c.rgb.blue);
+    } else {
+      EXPECT_EQ(out.c.f.cyan, in.c.f.cyan);
+      EXPECT_EQ(out.c.f.magenta, in.c.f.magenta);
+      EXPECT_EQ(out.c.f.yellow, in.c.f.yellow);
+      EXPECT_EQ(out.c.f.black, in.c.f.black);
+    }
+  }
+}
+
+}  // namespace
