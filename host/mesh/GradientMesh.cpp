@@ -404,6 +404,13 @@ struct GradientMesh::Impl {
     return fieldAt(i, j, s, t, nc);
   }
 
+  void clampCell(int* i, int* j, double* s, double* t) const {
+    *i = std::clamp(*i, 0, I - 1);
+    *j = std::clamp(*j, 0, J - 1);
+    *s = std::isfinite(*s) ? std::clamp(*s, 0.0, 1.0) : 0.0;
+    *t = std::isfinite(*t) ? std::clamp(*t, 0.0, 1.0) : 0.0;
+  }
+
   // Cell and local coordinate of a relative coordinate.
   static void locate(const std::vector<double>& g, double x, int* cell, double* local) {
     const int n = static_cast<int>(g.size()) - 1;
@@ -448,7 +455,10 @@ struct GradientMesh::Impl {
     bool smooth[2] = {false, false};
   };
 
-  static SplitInfo splitRun(const Run& r, double f) {
+  // Splits a run at chain parameter f. A new point cut inside a segment
+  // is selected when both ends of that segment are (startSel / endSel are
+  // the run's nodes).
+  static SplitInfo splitRun(const Run& r, double f, bool startSel, bool endSel) {
     SplitInfo out;
     const int m = r.pieces();
     const double x = f * m;
@@ -472,6 +482,9 @@ struct GradientMesh::Impl {
       } else {
         const bool sm = collinear(r.pts[3 * a - 1], r.pts[3 * a], r.pts[3 * a + 1]);
         out.smooth[0] = out.smooth[1] = sm;
+        const int a0 = prevVertexAnchor(r, a), a1 = nextVertexAnchor(r, a);
+        out.selected = (a0 == 0 ? startSel : r.joints[a0 - 1].selected) &&
+                       (a1 == m ? endSel : r.joints[a1 - 1].selected);
       }
       return out;
     }
@@ -486,6 +499,10 @@ struct GradientMesh::Impl {
     out.right.joints.assign(r.joints.begin() + q, r.joints.end());
     out.point = L[3];
     out.smooth[0] = out.smooth[1] = true;
+    const int a0 = prevVertexAnchor(r, q + 1), a1 = nextVertexAnchor(r, q);
+    const bool s0 = a0 == 0 ? startSel : r.joints[a0 - 1].selected;
+    const bool s1 = a1 == m ? endSel : r.joints[a1 - 1].selected;
+    out.selected = s0 && s1;
     return out;
   }
 
@@ -548,7 +565,8 @@ struct GradientMesh::Impl {
       ops[j] = opacityAt(k, cj, f, t);
     }
     std::vector<SplitInfo> splits(J + 1);
-    for (int j = 0; j <= J; ++j) splits[j] = splitRun(runAt(0, k, j), f);
+    for (int j = 0; j <= J; ++j)
+      splits[j] = splitRun(runAt(0, k, j), f, nodeAt(k, j).selected, nodeAt(k + 1, j).selected);
     std::vector<Run> iso(J);
     for (int j = 0; j < J; ++j) iso[j] = isoCurve(k, j, f, splits[j].point, splits[j + 1].point);
 
@@ -1020,7 +1038,9 @@ VertexId GradientMesh::split(SegmentRef s, int k) {
   Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
   Joint& jt = r.joints[a - 1];
   jt.id = impl_->newId(Loc{kInnerLoc, static_cast<int8_t>(sp.axis), sp.i, sp.j, a});
-  jt.selected = false;
+  // The new vertex joins the selection when the segment it cuts was selected.
+  jt.selected = selected(impl_->anchorId(sp.axis, sp.i, sp.j, sp.a0)) &&
+                selected(impl_->anchorId(sp.axis, sp.i, sp.j, sp.a1));
   jt.smooth[0] = jt.smooth[1] = collinear(r.pts[3 * a - 1], r.pts[3 * a], r.pts[3 * a + 1]);
   return jt.id;
 }
@@ -1126,16 +1146,22 @@ double GradientMesh::evalOpacity(double u, double v) const {
   return impl_->opacityAt(i, j, s, t);
 }
 AIRealPoint GradientMesh::patchPoint(int i, int j, double s, double t) const {
+  impl_->clampCell(&i, &j, &s, &t);
   P p;
   impl_->patchEval(i, j, s, t, &p, nullptr, nullptr);
   return p;
 }
 void GradientMesh::patchDerivs(int i, int j, double s, double t, AIRealPoint* p, AIRealPoint* ps,
                                AIRealPoint* pt) const {
+  impl_->clampCell(&i, &j, &s, &t);
   impl_->patchEval(i, j, s, t, p, ps, pt);
 }
-AIColor GradientMesh::patchColor(int i, int j, double s, double t) const { return impl_->colorAt(i, j, s, t); }
+AIColor GradientMesh::patchColor(int i, int j, double s, double t) const {
+  impl_->clampCell(&i, &j, &s, &t);
+  return impl_->colorAt(i, j, s, t);
+}
 double GradientMesh::patchOpacity(int i, int j, double s, double t) const {
+  impl_->clampCell(&i, &j, &s, &t);
   return impl_->opacityAt(i, j, s, t);
 }
 

@@ -250,11 +250,18 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   EXPECT_TRUE(m().selected(m().node(0, 0)));
   m().selectAll();
   EXPECT_TRUE(s.sel->IsFull(vis));
-  // A new vertex is not selected, so the mesh is no longer fully selected.
-  s.seg->InsertKnots(g, 0, 1);
+  // A vertex cut into a selected segment is selected, so the visible
+  // selection stays full; the detached one does not know the new vertex.
+  s.seg->InsertKnots(g, 0, 2);
+  s.seg->Split(g, 0);
+  EXPECT_TRUE(s.sel->IsFull(vis));
+  EXPECT_FALSE(s.sel->IsFull(full));
+  // One end unselected: the next vertex cut there is not selected.
+  s.sel->SelectVertex(vis, v, false);
+  s.seg->InsertKnots(g, 0, 1);  // g runs from (1, 0) to the first new vertex
   s.seg->Split(g, 0);
   EXPECT_FALSE(s.sel->IsFull(vis));
-  EXPECT_FALSE(s.sel->IsFull(full));
+  EXPECT_EQ(m().selectedCount(), 4u);
   m().clearSelection();
   EXPECT_TRUE(s.sel->IsEmpty(vis));
   EXPECT_FALSE(s.sel->IsEmpty(mine));
