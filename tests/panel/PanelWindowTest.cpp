@@ -263,6 +263,22 @@ TEST_F(Panel, TextStripAndVersionText) {
   EXPECT_EQ(bands, 2);
 }
 
+TEST_F(Panel, PrintClientDrawsTheCompositeAlone) {
+  HWND other = lbwinCreateWindow(227, 414);
+  HDC dc = GetDC(other);
+  lbwinSendMessage(hwnd, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), 0);
+  ReleaseDC(other, dc);
+  // The composite holds pictures, checkboxes and marks, but neither the
+  // buttons' frames nor the text strip.
+  EXPECT_EQ(lbwinGetPixel(other, 3, 3), kGrey);
+  EXPECT_EQ(lbwinGetPixel(other, 38, 38), kGrey);
+  EXPECT_EQ(lbwinGetPixel(other, 199, 8), kBlack);
+  EXPECT_EQ(lbwinGetPixel(other, 189, 4), kShadow);
+  EXPECT_EQ(lbwinGetPixel(other, 100, 300), kGrey);
+  EXPECT_EQ(lbwinGetPixel(other, 30, 20), At(30, 20));
+  DestroyWindow(other);
+}
+
 // ---- Hovering -----------------------------------------------------------------------
 
 TEST_F(Panel, HoverShowsTheTooltipFromTheLeftAndEmptySpotsTheVersion) {
