@@ -5,8 +5,10 @@
 # LB_GENERATED_RESOURCES ("TYPE|NAME|LANG|ABSOLUTE_FILE" entries) and
 # LB_ICONS_TARGET for cmake/Resources.cmake, which embeds them.
 
-# The window layer draws its text with cairo.
-target_link_libraries(lbwin PRIVATE PkgConfig::CAIRO)
+# The window layer draws its text with cairo (and hands fontconfig's caches
+# back at exit).
+pkg_check_modules(LB_FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
+target_link_libraries(lbwin PRIVATE PkgConfig::CAIRO PkgConfig::LB_FONTCONFIG)
 
 add_executable(lb_icongen ${CMAKE_SOURCE_DIR}/resources/icons/IconGen.cpp)
 target_link_libraries(lb_icongen PRIVATE PkgConfig::CAIRO)

@@ -405,6 +405,11 @@ AIErr AddWidgets() {
   AIErr err = sAIPanel->GetPlatformWindow(g->panel, &window);
   if (err) return err;
   HWND hwnd = reinterpret_cast<HWND>(window);
+  // A new window: no press, no leave request and no strip text of its own
+  // yet, even when the module outlived an earlier panel.
+  gPressed = -1;
+  gTracking = false;
+  gLastText = nullptr;
   SetProp(hwnd, kWindowProperty, g);
   g->oldWindowProc = reinterpret_cast<void*>(
       SetWindowLongPtr(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NewWindowProc)));

@@ -58,7 +58,7 @@ AIErr Read(AIDataFilter* f, char* store, size_t* count) {
   gScript->requests.push_back(*count);
   if (static_cast<int>(gScript->requests.size()) - 1 == gScript->failReadAt) return AIFourCC("READ");
   size_t n = std::min(*count, f->data.size() - f->pos);
-  std::memcpy(store, f->data.data() + f->pos, n);
+  if (n) std::memcpy(store, f->data.data() + f->pos, n);
   f->pos += n;
   *count = n;
   gScript->returned.push_back(n);

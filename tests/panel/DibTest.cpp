@@ -260,7 +260,8 @@ TEST(DibLoad, BottomUpPixelsFromThePixelOffset) {
   EXPECT_EQ(d.LoadFromBuff(buf.data()), 1);
   ASSERT_EQ(d.GetW(), 2);
   ASSERT_EQ(d.GetH(), 2);
-  EXPECT_EQ(d.FileHeader().bfOffBits, 58u);
+  const uint32_t offset = d.FileHeader().bfOffBits;  // a packed field: read it by value
+  EXPECT_EQ(offset, 58u);
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 3, 3, 255}));
   EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{4, 4, 4, 128}));
   EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{1, 1, 1, 255}));

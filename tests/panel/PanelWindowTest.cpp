@@ -488,6 +488,22 @@ TEST_F(Panel, ShutdownRestoresAndDestroysTheWindow) {
   EXPECT_EQ(lbwinLiveWindows(), windows);
 }
 
+TEST(PanelSessions, ASecondPanelStartsWithoutPressOrLeaveRequest) {
+  for (int session = 0; session < 2; ++session) {
+    SCOPED_TRACE(session);
+    lb::host::Host host;
+    host.loadPlugin();
+    HWND hwnd = lb::host::currentPanelWindow();
+    ASSERT_NE(hwnd, nullptr);
+    lbwinPaint(hwnd);
+    lbwinSendMessage(hwnd, WM_MOUSEMOVE, 0, MAKELPARAM(kShiftX, kShiftY));
+    EXPECT_TRUE(lbwinIsTrackingLeave(hwnd));
+    // Left pressed when the session ends.
+    lbwinSendMessage(hwnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(kShiftX, kShiftY));
+    host.shutdownPlugin();
+  }
+}
+
 TEST(PanelDarkInterface, StartsWithTheDarkLogo) {
   lb::host::Host host;
   lb::host::setUIBrightness(0);
