@@ -32,6 +32,7 @@ struct MeshSpec {
   std::string id;
   bool selected = true;
   double originH = 0.0;
+  bool rgbOnly = false;  // every node in RGB (else gray, RGB and CMYK mixed)
 };
 
 inline std::vector<double> Even(int n) {
@@ -46,7 +47,8 @@ inline json NodePoint(const MeshSpec& s, int i, int j) {
                       30.0 * j + 2.5 * std::cos(0.7 * i + 0.5 * j)});
 }
 
-inline json NodeColor(int i, int j) {
+inline json NodeColor(int i, int j, bool rgbOnly) {
+  if (rgbOnly) return {{"rgb", {0.25 * (i % 5), 0.3 * (j % 4), 0.3 + 0.15 * ((i + j) % 3)}}};
   switch ((i + 2 * j) % 3) {
     case 0: return {{"rgb", {0.1 * (i % 10), 0.125 * (j % 8), 0.5}}};
     case 1: return {{"gray", 0.0625 * ((i * 5 + j) % 16)}};
@@ -60,9 +62,10 @@ inline double NodeOpacity(int i, int j) { return 0.25 + 0.25 * ((i * 3 + j) % 4)
 // anchors stand off the straight line.
 inline json RunPoints(const json& a, const json& b, int pieces, double bend) {
   const double ah = a[0], av = a[1], bh = b[0], bv = b[1];
-  const double dh = bh - ah, dv = bv - av;
+  const double dh = bh - ah, dv = bv - av, len = std::hypot(dh, dv);
+  // off: distance to the left of the straight line, in document units.
   auto at = [&](double t, double off) {
-    return json::array({ah + dh * t - dv * off, av + dv * t + dh * off});
+    return json::array({ah + dh * t - dv / len * off, av + dv * t + dh / len * off});
   };
   json pts = json::array();
   for (int q = 0; q < pieces; ++q) {
@@ -97,7 +100,7 @@ inline json MakeMeshArt(const MeshSpec& s) {
       if (i < s.I) smooth["I+"] = (i + 2 * j) % 3 == 0;
       if (j < s.J) smooth["J+"] = (2 * i + j) % 2 == 1;
       nodes.push_back({{"p", NodePoint(s, i, j)},
-                       {"color", NodeColor(i, j)},
+                       {"color", NodeColor(i, j, s.rgbOnly)},
                        {"opacity", NodeOpacity(i, j)},
                        {"smooth", smooth}});
     }
