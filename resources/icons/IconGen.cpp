@@ -498,16 +498,19 @@ void SewMeshMove(cairo_t* cr) {
 
 // 153: two meshes sewn by adding a row of cells between them.
 void SewMeshAdd(cairo_t* cr) {
-  Grid(cr, 2, 4, 10, 24, 2, 3, 1.0);
-  Grid(cr, 20, 4, 10, 24, 2, 3, 1.0);
+  Grid(cr, 2, 4, 9, 24, 1, 3, 1.0);
+  Grid(cr, 21, 4, 9, 24, 1, 3, 1.0);
+  // The new cells, tinted green.
+  cairo_rectangle(cr, 11.5, 4.5, 10, 24);
+  Src(cr, kArrow, 0.25);
+  cairo_fill(cr);
   Src(cr, kArrow);
-  cairo_set_line_width(cr, 1.2);
+  cairo_set_line_width(cr, 1.0);
   for (int j = 0; j <= 3; ++j) {
-    cairo_move_to(cr, 12, 4 + 8.0 * j);
-    cairo_line_to(cr, 20, 4 + 8.0 * j);
+    cairo_move_to(cr, 11.5, 4.5 + 8.0 * j);
+    cairo_line_to(cr, 21.5, 4.5 + 8.0 * j);
   }
   cairo_stroke(cr);
-  Glyph(cr, '+', 16, 16, 5, kArrow);
 }
 
 // 154: a pattern of colours repeated over the nodes.
@@ -641,22 +644,30 @@ void SewPath(cairo_t* cr) {
   cairo_stroke(cr);
 }
 
-// 165: zero-width border rows added or removed.
+// 165: zero-width border rows added at (or removed from) the sides: a
+// second line hugging each side, joined to it at every row.
 void Sew0(cairo_t* cr) {
-  Grid(cr, 5, 4, 22, 24, 2, 3, 1.0);
+  Grid(cr, 8, 9, 16, 18, 2, 3, 1.0);
   Src(cr, kSel);
   cairo_set_line_width(cr, 1.0);
-  cairo_move_to(cr, 3, 4);
-  cairo_line_to(cr, 3, 28);
-  cairo_move_to(cr, 29, 4);
-  cairo_line_to(cr, 29, 28);
+  for (double x : {5.5, 26.5}) {
+    cairo_move_to(cr, x, 9.5);
+    cairo_line_to(cr, x, 27.5);
+  }
+  for (int j = 0; j <= 3; ++j) {
+    const double y = 9.5 + 6.0 * j;
+    cairo_move_to(cr, 5.5, y);
+    cairo_line_to(cr, 8.5, y);
+    cairo_move_to(cr, 23.5, y);
+    cairo_line_to(cr, 26.5, y);
+  }
   cairo_stroke(cr);
-  Glyph(cr, '+', 16, 16, 6, kArrow);
+  // "0" above the grid.
   Src(cr, kNode);
-  cairo_set_line_width(cr, 1.2);
+  cairo_set_line_width(cr, 1.3);
   cairo_save(cr);
-  cairo_translate(cr, 16, 7.5);
-  cairo_scale(cr, 1.6, 2.4);
+  cairo_translate(cr, 16, 4.5);
+  cairo_scale(cr, 2.0, 3.0);
   cairo_arc(cr, 0, 0, 1, 0, 2 * kPi);
   cairo_restore(cr);
   cairo_stroke(cr);
