@@ -1,10 +1,9 @@
 // The mesh part copy called directly, with the plug-in's suite pointers
 // acquired from the host as a command would: windows (identity, turned,
-// mirrored, shifted, invalid), node lookup through a window, and cutting a
-// rectangle of cells into a new mesh with its selection.
+// mirrored, shifted, invalid) and cutting a rectangle of cells into a new
+// mesh with its selection.
 #include <gtest/gtest.h>
 
-#include "HostRefs.h"
 #include "MeshPartCopy.h"
 #include "Suites.h"
 #include "dir_uv/MeshFixture.h"
@@ -77,36 +76,6 @@ MeshSpec Plain(int I, int J, double originH) {
   spec.originH = originH;
   spec.selected = false;
   return spec;
-}
-
-TEST_F(PartCopy, NodeOfAWindowFollowsAxesAndSenses) {
-  MeshSpec spec;  // 3 x 2
-  load(MakeDoc({MakeMeshArt(spec)}));
-  struct Case {
-    ZS_RestoreMeshData w;
-    int a, b, wantI, wantJ;
-  };
-  const Case cases[] = {
-      {{0, 0, 0, 1, 0, 0, 3, 2}, 2, 1, 2, 1},  // identity
-      {{2, 0, 1, 0, 0, 1, 2, 3}, 2, 0, 2, 2},  // a along J from (2, 0), b toward lower i
-      {{2, 0, 1, 0, 0, 1, 2, 3}, 1, 2, 0, 1},
-      {{0, 2, 1, 0, 1, 0, 2, 3}, 0, 1, 1, 2},  // a along J downward from (0, 2)
-      {{0, 2, 1, 0, 1, 0, 2, 3}, 2, 3, 3, 0},
-      {{3, 0, 0, 1, 1, 0, 3, 2}, 1, 2, 2, 2},  // mirrored along I
-      {{1, 1, 0, 1, 0, 0, 2, 1}, 2, 1, 3, 2},  // shifted
-  };
-  for (const Case& c : cases) {
-    ZS_RestoreMeshData w = c.w;
-    VertexRef node;
-    ASSERT_EQ(GetNodeCorr(art(0), c.a, c.b, node.put(), &w), kNoErr) << c.a << "," << c.b;
-    int32_t i = -1, j = -1;
-    ASSERT_EQ(lb::s::sMeshVertexIterator->GetNodeIndex(node, &i, &j), kNoErr);
-    EXPECT_EQ(i, c.wantI);
-    EXPECT_EQ(j, c.wantJ);
-  }
-  ZS_RestoreMeshData mirrored{3, 0, 0, 1, 1, 0, 3, 2};
-  VertexRef outside;
-  EXPECT_NE(GetNodeCorr(art(0), 4, 0, outside.put(), &mirrored), kNoErr);
 }
 
 TEST_F(PartCopy, InvalidWindowsChangeNothing) {
