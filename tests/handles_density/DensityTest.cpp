@@ -70,17 +70,6 @@ TEST(DensityTest, SizesLinesAndSelection) {
   }
 }
 
-TEST(DensityTest, RepeatingDoublesTheNewRangeAndRelativePositionsFollow) {
-  Session s(Grid(2, 1, {{0, 0}, {1, 1}}));
-  s.run(kDensityInc, true, false);
-  s.run(kDensityInc, true, false);
-  const auto& m = s.mesh();
-  ExpectLines(m, {0, 2.5, 5, 7.5, 10, 20}, {0, 10});
-  EXPECT_NEAR(m.relativeU(1), 0.125, kTol);
-  EXPECT_NEAR(m.relativeU(3), 0.375, kTol);
-  EXPECT_EQ(SelectedNodes(m), Range(0, 4, 0, 1));
-}
-
 TEST(DensityTest, NewNodesTakeTheMeanOpacityWhateverTheCheckboxes) {
   MeshDoc d = Grid(3, 2, {{1, 0}, {2, 2}});
   for (int j = 0; j <= 2; ++j) d.opacity[{1, j}] = 0.2, d.opacity[{2, j}] = 0.8 - 0.1 * j;

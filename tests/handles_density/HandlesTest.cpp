@@ -201,23 +201,5 @@ TEST(RightAngleTest, SeamCornersAndBorders) {
   EXPECT_PT_NEAR(m.tangent(v, JF), vf, 0.0);
 }
 
-TEST(HandleMeshesTest, EverySelectedMeshIsProcessedAndOthersAreLeft) {
-  std::vector<json> arts;
-  for (const char* id : {"a", "b", "c"}) {
-    MeshDoc d = Centre({});
-    d.id = id;
-    d.origin = {100.0 * arts.size(), 0};
-    d.handle[{1, 1, IF}] = Polar(d.P(1, 1), 4, 0.3);
-    d.artSelected = d.id != "c";
-    if (!d.artSelected) d.selected.clear();
-    arts.push_back(d.toJson());
-  }
-  Session s(MakeDoc(arts));
-  s.run(kHandles13);
-  ExpectHandle(s.mesh("a"), 1, 1, IF, 10, 0.3);
-  ExpectHandle(s.mesh("b"), 1, 1, IF, 10, 0.3);
-  ExpectHandle(s.mesh("c"), 1, 1, IF, 4, 0.3);
-}
-
 }  // namespace
 }  // namespace hdtest
