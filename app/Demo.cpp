@@ -13,7 +13,7 @@ namespace lb::app {
 
 namespace {
 std::string StepName(size_t index, const DemoStep& step) {
-  char num[8];
+  char num[24];
   std::snprintf(num, sizeof num, "%02zu", index + 1);
   return std::string(num) + "-" + step.stem;
 }

@@ -176,7 +176,7 @@ TEST_F(Cli, DemoWritesBeforeAndAfterForEveryStep) {
   const auto& tour = lb::app::demoTour();
   ASSERT_FALSE(tour.empty());
   for (size_t k = 0; k < tour.size(); ++k) {
-    char prefix[8];
+    char prefix[24];
     std::snprintf(prefix, sizeof prefix, "%02zu-", k + 1);
     const std::string base = std::string(prefix) + tour[k].stem;
     EXPECT_TRUE(fs::exists(dir / "tour" / (base + "-before.lbdoc"))) << base;
