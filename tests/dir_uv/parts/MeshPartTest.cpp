@@ -100,6 +100,21 @@ TEST_F(PartCopy, InvalidWindowsChangeNothing) {
   }
 }
 
+// A window reaching past the destination's grid is a host error half-way:
+// the copy stops, keeps what it wrote and leaves no iterator behind (the
+// fixture checks the counters).
+TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
+  MeshSpec spec;  // 3 x 2
+  load(MakeDoc({MakeMeshArt(spec), MakeMeshArt(Plain(2, 2, 300))}));
+  const MeshContent src = content(0);
+  ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 3, 2};
+  ZS_RestoreMeshData d = w;
+  EXPECT_EQ(RestoreMeshPart(art(0), art(1), &w, &d), 1);
+  const MeshContent got = content(1);
+  for (int j = 0; j <= 2; ++j)
+    for (int i = 0; i <= 1; ++i) EXPECT_EQ(got.nodes.at({i, j}).color, src.nodes.at({i, j}).color) << i << "," << j;
+}
+
 TEST_F(PartCopy, IdentityWindowCopiesEverythingButSelectionExactly) {
   MeshSpec spec;
   spec.I = 4;
