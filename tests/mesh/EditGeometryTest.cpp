@@ -270,3 +270,30 @@ TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
   EXPECT_EQ(s.mesh->DeleteGridLines(art, 0, 0.5), kBadParameterErr) << "border lines stay";
   for (auto* it : {crossing, inner, gone, keep}) s.vtx->Release(it);
 }
+
+TEST_F(GridLines, InsertOnAKnotUsesItAndNewNodesFollowTheSelection) {
+  s.mesh->InitCartesian(art, 1, 2);
+  bend(m(), 0.2);
+  // Row j = 0 gets a knot at its middle; rows 1 and 2 stay single cubics.
+  lb::host::GradientMesh& g = m();
+  const lb::host::SegmentRef row0{g.node(0, 0), lb::host::kDirIFwd};
+  ASSERT_TRUE(g.insertKnots(row0, 0, 1));
+  const AIRealPoint knot = g.segmentPoints(row0)[3];
+  g.setSelected(g.node(0, 1), true);
+  g.setSelected(g.node(1, 1), true);
+  g.setSelected(g.node(0, 2), true);
+  int32_t ni = -1;
+  ASSERT_EQ(s.mesh->InsertU(art, 0.5, &ni), kNoErr);
+  ASSERT_EQ(ni, 1);
+  const auto n0 = g.nodeData(1, 0);
+  EXPECT_EQ(n0.p.h, knot.h);
+  EXPECT_EQ(n0.p.v, knot.v);
+  EXPECT_EQ(g.runData(0, 0, 0).points.size(), 4u) << "the knot became the node, no piece is left over";
+  EXPECT_FALSE(n0.selected);
+  EXPECT_TRUE(g.nodeData(1, 1).selected) << "both ends of the cut segment were selected";
+  EXPECT_FALSE(g.nodeData(1, 2).selected) << "only one end was selected";
+  // A cut inside a piece leaves a C1 joint: smooth along I.
+  EXPECT_TRUE(g.nodeData(1, 1).smooth[lb::host::kDirIBack]);
+  EXPECT_TRUE(g.nodeData(1, 1).smooth[lb::host::kDirIFwd]);
+  EXPECT_EQ(g.vertexCount(), 9u);
+}
