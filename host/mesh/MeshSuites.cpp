@@ -53,6 +53,7 @@ struct _AIMeshSelection {
   int32_t refs = 1;
   MeshRef m;
   bool visible = false;
+  ArtObject* art = nullptr;    // the mesh art of a visible selection
   std::vector<uint8_t> flags;  // by vertex id, detached selections only
 
   bool contains(VertexId v) const {
@@ -64,6 +65,11 @@ struct _AIMeshSelection {
     if (!m.live() || !m.mesh->alive(v)) return;
     if (visible) {
       m.mesh->setSelected(v, on);
+      // Selecting a vertex the user sees selects the mesh art too (its
+      // attribute bit only: the rest of the vertex selection is kept).
+      if (on && art && art->mesh.get() == m.mesh &&
+          (!lb::host::Host::exists() || lb::host::Host::current().document().contains(art)))
+        art->userAttr |= kArtSelected;
       return;
     }
     if (v >= flags.size()) flags.resize(static_cast<size_t>(v) + 1, 0);
@@ -187,6 +193,7 @@ AIErr GetSelection(AIArtHandle art, AIMeshSelection* selection) {
   LB_MESH(art, m);
   if (!selection) return kBadParameterErr;
   *selection = newSelection(refOf(m), true);
+  (*selection)->art = art;
   return kNoErr;
 }
 AIErr NewSelection(AIArtHandle art, AIBoolean all, AIMeshSelection* selection) {

@@ -240,8 +240,11 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   AIMeshVertexIterator v = nodeIt(1, 0);
   s.sel->SelectVertex(mine, v, true);
   EXPECT_FALSE(m().selected(m().node(1, 0)));
+  EXPECT_FALSE(art->selected());
   s.sel->SelectVertex(vis, v, true);
   EXPECT_TRUE(m().selected(m().node(1, 0)));
+  EXPECT_TRUE(art->selected()) << "a visibly selected vertex selects its mesh art";
+  EXPECT_EQ(m().selectedCount(), 1u) << "without selecting the whole mesh";
   AIMeshSegmentIterator g = nullptr;
   s.vtx->GetSegment(v, 0, &g);  // (1, 0) -> (0, 0)
   EXPECT_FALSE(s.sel->ContainsSegment(vis, g));
