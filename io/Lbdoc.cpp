@@ -588,27 +588,32 @@ ojson writeArt(const Document& doc, const ArtObject& a) {
 
 bool isScalar(const ojson& v) { return !v.is_object() && !v.is_array(); }
 
-// One-line rendering with a space after commas and colons.
-std::string compact(const ojson& v) {
+// One-line rendering with a space after commas and colons, appended to
+// out; gives up (false) as soon as out grows past limit, so that large
+// values cost no more than the limit to try.
+bool compact(const ojson& v, std::string& out, size_t limit) {
+  if (out.size() > limit) return false;
   if (v.is_object()) {
-    std::string out = "{";
+    out += "{";
     bool first = true;
     for (auto it = v.begin(); it != v.end(); ++it) {
       if (!first) out += ", ";
       first = false;
-      out += ojson(it.key()).dump() + ": " + compact(it.value());
+      out += ojson(it.key()).dump() + ": ";
+      if (!compact(it.value(), out, limit)) return false;
     }
-    return out + "}";
-  }
-  if (v.is_array()) {
-    std::string out = "[";
+    out += "}";
+  } else if (v.is_array()) {
+    out += "[";
     for (size_t k = 0; k < v.size(); ++k) {
       if (k) out += ", ";
-      out += compact(v[k]);
+      if (!compact(v[k], out, limit)) return false;
     }
-    return out + "]";
+    out += "]";
+  } else {
+    out += v.dump();
   }
-  return v.dump();
+  return out.size() <= limit;
 }
 
 constexpr size_t kLineWidth = 100;
@@ -619,8 +624,9 @@ void emit(const ojson& v, std::string& out, int indent) {
   const std::string padIn(static_cast<size_t>(indent + 1) * 2, ' ');
   if (!isScalar(v)) {
     // Small values (points, colours, paints, segments, nodes) on one line.
-    std::string line = compact(v);
-    if (line.size() + static_cast<size_t>(indent) * 2 <= kLineWidth) {
+    std::string line;
+    const size_t room = kLineWidth > static_cast<size_t>(indent) * 2 ? kLineWidth - static_cast<size_t>(indent) * 2 : 0;
+    if (compact(v, line, room)) {
       out += line;
       return;
     }
