@@ -87,31 +87,4 @@ TEST_F(ColorOpacityTest, OpacityReadsAsOneWhenItTakesNoPart) {
   EXPECT_EQ(p.m_dOpacity, OpacityOf(0, 4));
 }
 
-TEST_F(ColorOpacityTest, EveryColourKindRoundTripsExactly) {
-  Use(1, 1, 0);
-  AIColor rgb{};
-  rgb.kind = kThreeColor;
-  rgb.c.rgb = {0.1, 0.2 / 3.0, 1.0};
-  AIColor cmyk{};
-  cmyk.kind = kFourColor;
-  cmyk.c.f = {0.3, 0.0, 1.0 / 7.0, 0.9};
-  for (const AIColor& in : {rgb, cmyk}) {
-    ASSERT_EQ(lb::s::sMeshVertexIterator->SetColor(a, &in), kNoErr);
-    CopyAtoB();
-    AIColor out{};
-    ASSERT_EQ(lb::s::sMeshVertexIterator->GetColor(b, &out), kNoErr);
-    EXPECT_EQ(out.kind, in.kind);
-    if (in.kind == kThreeColor) {
-      EXPECT_EQ(out.c.rgb.red, in.c.rgb.red);
-      EXPECT_EQ(out.c.rgb.green, in.c.rgb.green);
-      EXPECT_EQ(out.c.rgb.blue, in.c.rgb.blue);
-    } else {
-      EXPECT_EQ(out.c.f.cyan, in.c.f.cyan);
-      EXPECT_EQ(out.c.f.magenta, in.c.f.magenta);
-      EXPECT_EQ(out.c.f.yellow, in.c.f.yellow);
-      EXPECT_EQ(out.c.f.black, in.c.f.black);
-    }
-  }
-}
-
 }  // namespace
