@@ -23,10 +23,10 @@ const Cmd kCommands[] = {
 
 void RunCommand(benchmark::State& state, Cmd cmd) {
   const int n = static_cast<int>(state.range(0));
-  sctest::MeshSpec spec;
-  spec.I = spec.J = n;
-  spec.whole = true;
-  lb::host::Host host(lb::io::readDocument(sctest::DocText({spec})));
+  sctest::MeshPlan plan;
+  plan.I = plan.J = n;
+  plan.whole = true;
+  lb::host::Host host(lb::io::readDocument(sctest::DocText({plan})));
   host.loadPlugin();
   ArtObject* mesh = host.document().layers()[0]->children[0].get();
   for (auto _ : state) {

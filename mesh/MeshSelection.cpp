@@ -8,8 +8,8 @@ using lb::s::sMeshSelection;
 AIErr GetSelectedMeshes(AIArtHandle*** meshes, int32_t* count) {
   *meshes = nullptr;
   *count = 0;
-  AIMatchingArtSpec spec{kMeshArt, kArtSelected, kArtSelected};
-  return lb::s::sAIMatchingArt->GetMatchingArt(&spec, 1, meshes, count);
+  AIMatchingArtSpec wanted{kMeshArt, kArtSelected, kArtSelected};
+  return lb::s::sAIMatchingArt->GetMatchingArt(&wanted, 1, meshes, count);
 }
 
 SelectedMeshList::SelectedMeshList() {

@@ -15,7 +15,7 @@ class ColorOpacityTest : public SuiteFixture {
     saved[0] = CColorOpacity::sm_bUseColor;
     saved[1] = CColorOpacity::sm_bUseOpacity;
     saved[2] = CColorOpacity::sm_bUseAll;
-    MeshSpec s;
+    MeshPlan s;
     s.I = 1;
     s.J = 1;
     Load({s});
@@ -64,7 +64,7 @@ TEST_F(ColorOpacityTest, EachSwitchMovesOnlyItsHalf) {
     SCOPED_TRACE(testing::Message() << c.color << c.opacity << c.all);
     a.reset();
     b.reset();
-    Load({MeshSpec{}});
+    Load({MeshPlan{}});
     a = GetNodeRef(Mesh(0), 0, 0);
     b = GetNodeRef(Mesh(0), 1, 1);
     Use(c.color, c.opacity, c.all);

@@ -13,16 +13,16 @@ namespace {
 
 constexpr int kShift = 136, kReflect = 137, kRotate = 138, kSpread = 149;
 
-MeshSpec Spec(int I, int J, NodeSet sel, std::map<Inner, bool> inner = {}) {
-  MeshSpec s;
+MeshPlan Plan(int I, int J, NodeSet sel, std::map<Inner, bool> inner = {}) {
+  MeshPlan s;
   s.I = I;
   s.J = J;
   s.selected = std::move(sel);
   s.inner = std::move(inner);
   return s;
 }
-MeshSpec Whole(int I, int J) {
-  MeshSpec s = Spec(I, J, {});
+MeshPlan Whole(int I, int J) {
+  MeshPlan s = Plan(I, J, {});
   s.whole = true;
   return s;
 }
@@ -62,7 +62,7 @@ TEST(ReflectColors, SwapsPairsWithASelectedNodeAndIgnoresAlt) {
   for (const Boxes b : kAllBoxes)
     for (bool alt : {false, true}) {
       SCOPED_TRACE(Trace(alt, false, b));
-      Session s({Spec(3, 1, {{0, 0}, {3, 1}})});
+      Session s({Plan(3, 1, {{0, 0}, {3, 1}})});
       s.run(kReflect, alt, false, b.color, b.opacity);
       const MeshState m = s.mesh(0);
       ExpectPaint(m, src, b);
@@ -74,7 +74,7 @@ TEST(ReflectColors, SwapsPairsWithASelectedNodeAndIgnoresAlt) {
 TEST(ReflectColors, MirrorsAnOffsetRegionAlongJ) {
   // Region (1..2, 1..4) of a 3 x 5 mesh; on column 2 the inner pair has no
   // selected node and stays.
-  Session s({Spec(3, 5, {{1, 1}, {1, 2}, {2, 4}})});
+  Session s({Plan(3, 5, {{1, 1}, {1, 2}, {2, 4}})});
   s.run(kReflect, false, true);
   const MeshState m = s.mesh(0);
   ExpectPaint(
@@ -99,7 +99,7 @@ TEST(ReflectColors, WholeMeshMirrorsEverything) {
 }
 
 TEST(ReflectColors, OneNodeWideSpanChangesNothing) {
-  Session s({Spec(3, 2, {{2, 0}, {2, 2}})});
+  Session s({Plan(3, 2, {{2, 0}, {2, 2}})});
   s.run(kReflect, false, false, true, true);
   const MeshState m = s.mesh(0);
   ExpectPaint(m, kUnmoved, {true, true});
@@ -112,7 +112,7 @@ TEST(RotateColors, NonSquareRegionTurnsHalfWayEitherDirection) {
   // Region (1..3, 1..2) of a 4 x 3 mesh: 3 x 2 nodes.
   for (bool alt : {false, true}) {
     SCOPED_TRACE(alt);
-    Session s({Spec(4, 3, Rect(1, 3, 1, 2))});
+    Session s({Plan(4, 3, Rect(1, 3, 1, 2))});
     s.run(kRotate, alt, false, true, true);
     const MeshState m = s.mesh(0);
     ExpectPaint(
@@ -130,7 +130,7 @@ TEST(RotateColors, NonSquareRegionTurnsHalfWayEitherDirection) {
 TEST(RotateColors, HalfTurnLeavesUnselectedPairsAlone) {
   // Only the two corners of the 3 x 2 region: the middle column's pair and
   // the other diagonal have no selected node.
-  Session s({Spec(4, 3, {{1, 1}, {3, 2}})});
+  Session s({Plan(4, 3, {{1, 1}, {3, 2}})});
   s.run(kRotate, false, false);
   const MeshState m = s.mesh(0);
   ExpectPaint(
@@ -149,7 +149,7 @@ TEST(RotateColors, SquareRegionTurnsAQuarterAndKeepsItsCentre) {
   // local (a, b) goes to (b, n - a); counterclockwise to (n - b, a).
   for (bool clockwise : {true, false}) {
     SCOPED_TRACE(clockwise);
-    Session s({Spec(4, 5, Rect(1, 3, 2, 4))});
+    Session s({Plan(4, 5, Rect(1, 3, 2, 4))});
     s.run(kRotate, !clockwise, false, true, false);
     const MeshState m = s.mesh(0);
     ExpectPaint(
@@ -181,7 +181,7 @@ TEST(RotateColors, OddSquareMovesEveryNodeExactlyOnce) {
 TEST(RotateColors, CyclesWithoutASelectedNodeStay) {
   // Corners (0, 0) and (2, 2) of a 2 x 2 mesh: the corner cycle turns, the
   // cycle of side midpoints does not.
-  Session s({Spec(2, 2, {{0, 0}, {2, 2}})});
+  Session s({Plan(2, 2, {{0, 0}, {2, 2}})});
   s.run(kRotate, false, false);
   const MeshState m = s.mesh(0);
   ExpectPaint(
@@ -196,13 +196,13 @@ TEST(RotateColors, CyclesWithoutASelectedNodeStay) {
 
 TEST(RotateColors, CtrlDoesNothingAndASingleNodeKeepsItsPaint) {
   for (bool alt : {false, true}) {
-    Session s({Spec(3, 3, Rect(0, 1, 0, 1))});
+    Session s({Plan(3, 3, Rect(0, 1, 0, 1))});
     s.run(kRotate, alt, true, true, true);
     ExpectPaint(s.mesh(0), kUnmoved, {true, true});
     EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(0, 1, 0, 1));
   }
 
-  Session one({Spec(3, 3, {{2, 1}})});
+  Session one({Plan(3, 3, {{2, 1}})});
   one.run(kRotate, false, false, true, true);
   ExpectPaint(one.mesh(0), kUnmoved, {true, true});
   EXPECT_EQ(one.mesh(0).selectedNodes(), (NodeSet{{2, 1}}));
@@ -219,7 +219,7 @@ TEST(ShiftColors, RowsMoveCyclicallyOneNodeAndUnselectedRowsStay) {
   for (const Boxes b : kAllBoxes)
     for (bool alt : {false, true}) {
       SCOPED_TRACE(Trace(alt, false, b));
-      Session s({Spec(4, 4, kShiftSel)});
+      Session s({Plan(4, 4, kShiftSel)});
       s.run(kShift, alt, false, b.color, b.opacity);
       const MeshState m = s.mesh(0);
       ExpectPaint(
@@ -240,7 +240,7 @@ TEST(ShiftColors, RowsMoveCyclicallyOneNodeAndUnselectedRowsStay) {
 TEST(ShiftColors, ColumnsMoveAlongJ) {
   for (bool alt : {false, true}) {
     SCOPED_TRACE(alt);
-    Session s({Spec(4, 4, kShiftSel)});
+    Session s({Plan(4, 4, kShiftSel)});
     s.run(kShift, alt, true, true, true);
     const MeshState m = s.mesh(0);
     ExpectPaint(
@@ -256,7 +256,7 @@ TEST(ShiftColors, ColumnsMoveAlongJ) {
 }
 
 TEST(ShiftColors, OneNodeLinesOnlyGetSelected) {
-  Session s({Spec(3, 2, {{2, 0}, {2, 2}})});
+  Session s({Plan(3, 2, {{2, 0}, {2, 2}})});
   s.run(kShift, false, false, true, true);
   const MeshState m = s.mesh(0);
   ExpectPaint(m, kUnmoved, {true, true});
@@ -285,7 +285,7 @@ TEST(SpreadColors, EachLineTakesItsFirstNodeOrDropsOut) {
   for (const Case& c : cases)
     for (const Boxes b : kAllBoxes) {
       SCOPED_TRACE(Trace(c.alt, c.ctrl, b));
-      Session s({Spec(4, 3, {{1, 1}, {3, 2}})});
+      Session s({Plan(4, 3, {{1, 1}, {3, 2}})});
       s.run(kSpread, c.alt, c.ctrl, b.color, b.opacity);
       const MeshState m = s.mesh(0);
       ExpectPaint(
@@ -306,7 +306,7 @@ TEST(SpreadColors, OneRowRunsDownWholeColumnsWhateverTheKeys) {
   for (bool alt : {false, true})
     for (bool ctrl : {false, true}) {
       SCOPED_TRACE(Trace(alt, ctrl, {true, true}));
-      Session s({Spec(4, 3, {{1, 2}, {3, 2}})});
+      Session s({Plan(4, 3, {{1, 2}, {3, 2}})});
       s.run(kSpread, alt, ctrl, true, true);
       const MeshState m = s.mesh(0);
       ExpectPaint(m, [](int i, int j) { return (i == 1 || i == 3) ? Node{i, 2} : Node{i, j}; }, {true, true});
@@ -320,7 +320,7 @@ TEST(SpreadColors, OneColumnRunsAlongWholeRows) {
   for (bool alt : {false, true})
     for (bool ctrl : {false, true}) {
       SCOPED_TRACE(Trace(alt, ctrl, {true, false}));
-      Session s({Spec(3, 2, {{2, 0}, {2, 2}})});
+      Session s({Plan(3, 2, {{2, 0}, {2, 2}})});
       s.run(kSpread, alt, ctrl, true, false);
       const MeshState m = s.mesh(0);
       ExpectPaint(m, [](int i, int j) { return j == 1 ? Node{i, j} : Node{2, j}; }, {true, false});
@@ -332,13 +332,13 @@ TEST(SpreadColors, OneColumnRunsAlongWholeRows) {
 
 TEST(SpreadColors, SingleNodeSpreadsAcrossItsRowOrItsColumn) {
   {
-    Session row({Spec(3, 3, {{1, 2}})});
+    Session row({Plan(3, 3, {{1, 2}})});
     row.run(kSpread, false, false, true, true);
     ExpectPaint(row.mesh(0), [](int i, int j) { return j == 2 ? Node{1, 2} : Node{i, j}; }, {true, true});
     EXPECT_EQ(row.mesh(0).selectedNodes(), Rect(0, 3, 2, 2));
   }
 
-  Session col({Spec(3, 3, {{1, 2}})});
+  Session col({Plan(3, 3, {{1, 2}})});
   col.run(kSpread, true, true, true, true);
   ExpectPaint(col.mesh(0), [](int i, int j) { return i == 1 ? Node{1, 2} : Node{i, j}; }, {true, true});
   EXPECT_EQ(col.mesh(0).selectedNodes(), Rect(1, 1, 0, 3));
@@ -352,7 +352,7 @@ TEST(ColorTransforms, MeshWithoutSelectedNodesIsLeftAsItWas) {
   for (int id : ids)
     for (bool ctrl : {false, true}) {
       SCOPED_TRACE(testing::Message() << "id " << id << " ctrl " << ctrl);
-      Session s({Spec(2, 2, {}, {{{0, 1, 'I'}, true}})});
+      Session s({Plan(2, 2, {}, {{{0, 1, 'I'}, true}})});
       s.run(id, false, ctrl, true, true);
       const MeshState m = s.mesh(0);
       ExpectPaint(m, kUnmoved, {true, true});
@@ -363,11 +363,11 @@ TEST(ColorTransforms, MeshWithoutSelectedNodesIsLeftAsItWas) {
 }
 
 TEST(ColorTransforms, SeveralMeshesEachUseTheirOwnRegion) {
-  MeshSpec off = Whole(3, 1);
+  MeshPlan off = Whole(3, 1);
   off.artSelected = false;
-  MeshSpec second = Spec(2, 2, {{0, 1}, {2, 1}});
+  MeshPlan second = Plan(2, 2, {{0, 1}, {2, 1}});
   second.x0 = 40;
-  Session s({Spec(3, 1, {{1, 0}, {3, 0}}), off, second});
+  Session s({Plan(3, 1, {{1, 0}, {3, 0}}), off, second});
   s.run(kReflect, false, false, true, true);
   // Top mesh: region (1..3, 0..0), pair (1, 0)-(3, 0).
   ExpectPaint(

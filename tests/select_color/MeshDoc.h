@@ -29,7 +29,7 @@ using NodeSet = std::set<Node>;
 // run is split into two pieces with one vertex in the middle.
 using Inner = std::tuple<int, int, char>;
 
-struct MeshSpec {
+struct MeshPlan {
   int I = 1, J = 1;
   NodeSet selected;                 // selected nodes
   std::map<Inner, bool> inner;      // non-node vertices and whether selected
@@ -42,7 +42,7 @@ inline int NodeCount(int I, int J) { return (I + 1) * (J + 1); }
 inline double GrayOf(int n, int N) { return double(n + 1) / double(N + 1); }
 inline double OpacityOf(int n, int N) { return 1.0 - double(n + 1) / double(2 * (N + 1)); }
 
-inline nlohmann::json MeshJson(const MeshSpec& s) {
+inline nlohmann::json MeshJson(const MeshPlan& s) {
   using nlohmann::json;
   const int N = NodeCount(s.I, s.J);
   json m = {{"type", "mesh"}, {"size", {s.I, s.J}}, {"selected", s.artSelected}};
@@ -73,9 +73,9 @@ inline nlohmann::json MeshJson(const MeshSpec& s) {
 }
 
 // One layer holding the meshes, the first on top.
-inline std::string DocText(const std::vector<MeshSpec>& meshes) {
+inline std::string DocText(const std::vector<MeshPlan>& meshes) {
   nlohmann::json children = nlohmann::json::array();
-  for (const MeshSpec& s : meshes) children.push_back(MeshJson(s));
+  for (const MeshPlan& s : meshes) children.push_back(MeshJson(s));
   nlohmann::json doc = {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", children}}}}};
   return doc.dump();
 }
@@ -135,7 +135,7 @@ inline int NodeNo(const MeshState& m, int i, int j) { return i + (m.I + 1) * j; 
 // A loaded host with the document; runs commands and reads the meshes back.
 class Session {
  public:
-  explicit Session(const std::vector<MeshSpec>& meshes)
+  explicit Session(const std::vector<MeshPlan>& meshes)
       : host(lb::io::readDocument(DocText(meshes))) {
     host.loadPlugin();
     before = host.counters();

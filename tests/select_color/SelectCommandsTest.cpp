@@ -10,8 +10,8 @@ namespace {
 
 constexpr int kRegion = 150, kPerim = 151, kCross = 155, kShiftSel = 156, kNodes = 160;
 
-MeshSpec Spec(int I, int J, NodeSet sel, std::map<Inner, bool> inner = {}) {
-  MeshSpec s;
+MeshPlan Plan(int I, int J, NodeSet sel, std::map<Inner, bool> inner = {}) {
+  MeshPlan s;
   s.I = I;
   s.J = J;
   s.selected = std::move(sel);
@@ -36,7 +36,7 @@ std::map<Inner, bool> AroundRegion() {
 TEST(SelectRegion, FillsTheRectangleOfTheSelectionWithNodesAndVertices) {
   for (bool alt : {false, true})
     for (bool ctrl : {false, true}) {
-      Session s({Spec(4, 4, {{1, 1}, {3, 2}}, AroundRegion())});
+      Session s({Plan(4, 4, {{1, 1}, {3, 2}}, AroundRegion())});
       s.run(kRegion, alt, ctrl);
       const MeshState m = s.mesh(0);
       EXPECT_EQ(m.selectedNodes(), Rect(1, 3, 1, 2));
@@ -51,7 +51,7 @@ TEST(SelectRegion, FillsTheRectangleOfTheSelectionWithNodesAndVertices) {
 }
 
 TEST(SelectRegion, LoneVertexGrowsToItsCellSide) {
-  Session s({Spec(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}})});
+  Session s({Plan(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}})});
   s.run(kRegion, false, false);
   const MeshState m = s.mesh(0);
   EXPECT_EQ(m.selectedNodes(), (NodeSet{{2, 1}, {2, 2}}));
@@ -63,9 +63,9 @@ TEST(SelectRegion, LoneVertexGrowsToItsCellSide) {
 TEST(SelectRegion, EmptySelectionStaysEmptyAndWholeMeshStaysWhole) {
   // Nothing selected leaves nothing selected; a whole-mesh selection
   // stays whole.
-  MeshSpec whole = Spec(2, 2, {});
+  MeshPlan whole = Plan(2, 2, {});
   whole.whole = true;
-  Session s({Spec(3, 3, {}, {{{1, 1, 'I'}, true}}), whole});
+  Session s({Plan(3, 3, {}, {{{1, 1, 'I'}, true}}), whole});
   s.run(kNodes, false, false);  // keeps nodes only: nothing is left in the top mesh
   ASSERT_TRUE(s.mesh(0).selectedNodes().empty());
   ASSERT_FALSE(s.mesh(0).innerSel(1, 1, 'I'));
@@ -76,7 +76,7 @@ TEST(SelectRegion, EmptySelectionStaysEmptyAndWholeMeshStaysWhole) {
 }
 
 TEST(SelectRegion, MeshStaysSelectedSoTheNextCommandStillSeesIt) {
-  Session s({Spec(4, 4, {{1, 1}, {2, 2}})});
+  Session s({Plan(4, 4, {{1, 1}, {2, 2}})});
   s.run(kRegion, false, false);
   EXPECT_TRUE(s.mesh(0).artSelected());
   s.run(kShiftSel, false, false);  // shift along I
@@ -106,7 +106,7 @@ TEST(SelectPerimeter, RingRowsOnlyOrColumnsOnly) {
                         {true, true, ring, true, true}};
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << "alt " << c.alt << " ctrl " << c.ctrl);
-    Session s({Spec(4, 4, {{1, 1}, {3, 3}, {2, 2}}, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, true}})});
+    Session s({Plan(4, 4, {{1, 1}, {3, 3}, {2, 2}}, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, true}})});
     s.run(kPerim, c.alt, c.ctrl);
     const MeshState m = s.mesh(0);
     EXPECT_EQ(m.selectedNodes(), c.nodes);
@@ -118,7 +118,7 @@ TEST(SelectPerimeter, RingRowsOnlyOrColumnsOnly) {
 }
 
 TEST(SelectPerimeter, RowsOfATwoRowRegionLeaveItsColumnVerticesOut) {
-  Session s({Spec(4, 4, {{1, 1}, {3, 2}}, AroundRegion())});
+  Session s({Plan(4, 4, {{1, 1}, {3, 2}}, AroundRegion())});
   s.run(kPerim, true, false);
   const MeshState m = s.mesh(0);
   EXPECT_EQ(m.selectedNodes(), Rect(1, 3, 1, 2));
@@ -129,7 +129,7 @@ TEST(SelectPerimeter, RowsOfATwoRowRegionLeaveItsColumnVerticesOut) {
 }
 
 TEST(SelectPerimeter, SingleNodeStaysAlone) {
-  Session s({Spec(3, 3, {{2, 1}})});
+  Session s({Plan(3, 3, {{2, 1}})});
   s.run(kPerim, false, false);
   EXPECT_EQ(s.mesh(0).selectedNodes(), (NodeSet{{2, 1}}));
   EXPECT_TRUE(s.noLeaks());
@@ -144,7 +144,7 @@ TEST(SelectCross, WholeRowAndColumnThroughASelectedNode) {
   for (const Case c : {Case{false, false, true, true}, Case{true, false, true, false},
                        Case{false, true, false, true}, Case{true, true, true, true}}) {
     SCOPED_TRACE(testing::Message() << "alt " << c.alt << " ctrl " << c.ctrl);
-    Session s({Spec(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}})});
+    Session s({Plan(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}})});
     s.run(kCross, c.alt, c.ctrl);
     const MeshState m = s.mesh(0);
     NodeSet want;
@@ -164,12 +164,12 @@ TEST(SelectCross, SelectedVertexMarksOnlyItsOwnLine) {
   // A vertex on row j = 1 between i = 0 and 1: with columns only nothing
   // is left; with rows, that whole row.
   {
-    Session cols({Spec(3, 2, {}, {{{0, 1, 'I'}, true}})});
+    Session cols({Plan(3, 2, {}, {{{0, 1, 'I'}, true}})});
     cols.run(kCross, false, true);
     EXPECT_TRUE(cols.mesh(0).selectedNodes().empty());
     EXPECT_FALSE(cols.mesh(0).innerSel(0, 1, 'I'));
   }
-  Session rows({Spec(3, 2, {}, {{{0, 1, 'I'}, true}})});
+  Session rows({Plan(3, 2, {}, {{{0, 1, 'I'}, true}})});
   rows.run(kCross, false, false);
   EXPECT_EQ(rows.mesh(0).selectedNodes(), Rect(0, 3, 1, 1));
   EXPECT_TRUE(rows.mesh(0).innerSel(0, 1, 'I'));
@@ -178,7 +178,7 @@ TEST(SelectCross, SelectedVertexMarksOnlyItsOwnLine) {
 
 TEST(SelectCross, RowsBetweenSelectedRowsStayOut) {
   // Nodes on rows 0 and 2 only: row 1 lies in the region but is unmarked.
-  Session s({Spec(2, 3, {{0, 0}, {2, 2}})});
+  Session s({Plan(2, 3, {{0, 0}, {2, 2}})});
   s.run(kCross, true, false);
   NodeSet want = Rect(0, 2, 0, 0);
   for (const Node& n : Rect(0, 2, 2, 2)) want.insert(n);
@@ -199,7 +199,7 @@ TEST(ShiftSelection, WrapsWithinEachLineInAllFourDirections) {
                         {true, true, {{3, 2}, {1, 1}}}};
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << "alt " << c.alt << " ctrl " << c.ctrl);
-    Session s({Spec(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}})});
+    Session s({Plan(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}})});
     s.run(kShiftSel, c.alt, c.ctrl);
     const MeshState m = s.mesh(0);
     EXPECT_EQ(m.selectedNodes(), c.want);
@@ -215,7 +215,7 @@ TEST(ShiftSelection, WrapsWithinEachLineInAllFourDirections) {
 
 TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
   const NodeSet start{{0, 1}, {1, 1}, {2, 1}, {1, 0}};
-  Session s({Spec(2, 2, start)});
+  Session s({Plan(2, 2, start)});
   s.run(kShiftSel, false, false);
   EXPECT_EQ(s.mesh(0).selectedNodes(), (NodeSet{{0, 1}, {1, 1}, {2, 1}, {2, 0}}));
   s.run(kShiftSel, true, false);
@@ -228,7 +228,7 @@ TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
 TEST(SelectNodesOrVertices, KeepsOneKindAndOnlyEverDeselects) {
   const std::map<Inner, bool> inner{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
   {
-    Session nodes({Spec(2, 2, {{0, 0}, {2, 2}}, inner)});
+    Session nodes({Plan(2, 2, {{0, 0}, {2, 2}}, inner)});
     nodes.run(kNodes, false, false);
     EXPECT_EQ(nodes.mesh(0).selectedNodes(), (NodeSet{{0, 0}, {2, 2}}));
     EXPECT_FALSE(nodes.mesh(0).innerSel(0, 0, 'I'));
@@ -237,7 +237,7 @@ TEST(SelectNodesOrVertices, KeepsOneKindAndOnlyEverDeselects) {
     EXPECT_TRUE(nodes.noLeaks());
   }
 
-  Session verts({Spec(2, 2, {{0, 0}, {2, 2}}, inner)});
+  Session verts({Plan(2, 2, {{0, 0}, {2, 2}}, inner)});
   verts.run(kNodes, true, false);
   EXPECT_TRUE(verts.mesh(0).selectedNodes().empty());
   EXPECT_TRUE(verts.mesh(0).innerSel(0, 0, 'I'));
@@ -248,7 +248,7 @@ TEST(SelectNodesOrVertices, KeepsOneKindAndOnlyEverDeselects) {
 
 TEST(SelectNodesOrVertices, InvertTwiceRestoresAndCtrlAltDoesNothing) {
   const std::map<Inner, bool> inner{{{0, 0, 'I'}, true}, {{1, 1, 'I'}, false}};
-  Session s({Spec(2, 1, {{0, 0}, {1, 1}}, inner)});
+  Session s({Plan(2, 1, {{0, 0}, {1, 1}}, inner)});
   s.run(kNodes, false, true);
   MeshState m = s.mesh(0);
   EXPECT_EQ(m.selectedNodes(), (NodeSet{{1, 0}, {2, 0}, {0, 1}, {2, 1}}));
@@ -267,11 +267,11 @@ TEST(SelectNodesOrVertices, InvertTwiceRestoresAndCtrlAltDoesNothing) {
 // ---- Several meshes ---------------------------------------------------------
 
 TEST(SelectSeveralMeshes, EachSelectedMeshUsesItsOwnRegionAndOthersAreLeftAlone) {
-  MeshSpec off = Spec(2, 2, {});
+  MeshPlan off = Plan(2, 2, {});
   off.artSelected = false;
-  MeshSpec b = Spec(3, 3, {{0, 2}, {1, 3}});
+  MeshPlan b = Plan(3, 3, {{0, 2}, {1, 3}});
   b.x0 = 50;
-  Session s({Spec(3, 3, {{1, 0}, {2, 1}}), off, b});
+  Session s({Plan(3, 3, {{1, 0}, {2, 1}}), off, b});
   s.run(kRegion, false, false);
   EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(1, 2, 0, 1));
   EXPECT_TRUE(s.mesh(1).selectedNodes().empty());

@@ -14,7 +14,7 @@ namespace sctest {
 
 class SuiteFixture : public ::testing::Test {
  protected:
-  void Load(const std::vector<MeshSpec>& meshes) {
+  void Load(const std::vector<MeshPlan>& meshes) {
     host.reset();  // one host at a time
     host = std::make_unique<lb::host::Host>(lb::io::readDocument(DocText(meshes)));
     mesh = *static_cast<const AIMeshSuite*>(lb::host::findSuite(kAIMeshSuite, kAIMeshSuiteVersion));
