@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/CommandSpec.h"
+#include "app/CommandArg.h"
 #include "app/DemoTour.h"
 #include "app/PanelSnapshot.h"
 #include "app/RenderBridge.h"
@@ -19,7 +19,7 @@
 #endif
 
 namespace {
-using lb::app::CommandSpec;
+using lb::app::CommandArg;
 
 constexpr int kDone = 0;
 constexpr int kUsage = 2;
@@ -67,7 +67,7 @@ std::vector<std::pair<std::string, std::string>> OptionsInOrder(const CLI::App& 
 }
 
 int RunDocument(const std::string& docPath, const std::string& outPath,
-                const std::vector<CommandSpec>& specs) {
+                const std::vector<CommandArg>& cmds) {
   int status = kDone;
   auto doc = ReadInput(docPath, &status);
   if (!doc) return status;
@@ -80,7 +80,7 @@ int RunDocument(const std::string& docPath, const std::string& outPath,
       std::fflush(stdout);
     });
     host.loadPlugin();
-    for (const CommandSpec& c : specs) {
+    for (const CommandArg& c : cmds) {
       AIErr err = host.runCommand(c.id, c.alt, c.ctrl, c.useColor, c.useOpacity);
       if (err) throw std::runtime_error("command " + std::to_string(c.id) + " failed with code " +
                                         std::to_string(err));
@@ -185,13 +185,13 @@ int lbMain(int argc, char** argv) {
 
   try {
     if (run->parsed()) {
-      std::vector<CommandSpec> specs;
+      std::vector<CommandArg> cmds;
       try {
-        specs = lb::app::commandsInOrder(OptionsInOrder(*run, command, color, opacity));
+        cmds = lb::app::commandsInOrder(OptionsInOrder(*run, command, color, opacity));
       } catch (const std::invalid_argument& e) {
         throw UsageError{e.what()};
       }
-      return RunDocument(docPath, outPath, specs);
+      return RunDocument(docPath, outPath, cmds);
     }
     if (info->parsed()) return Info(docPath);
     if (render->parsed()) return Render(docPath, outPath, scale, selection);

@@ -143,11 +143,11 @@ class Document {
   // (empty groups, meshes when the engine gives no bounds).
   std::optional<AIRealRect> bounds(const ArtObject* art) const;
 
-  // Every art object (layers excluded) matching at least one spec, in
+  // Every art object (layers excluded) matching at least one pattern, in
   // document order from the top of the paint order down. The hidden and
-  // locked bits of a spec are tested against the art's effective state:
+  // locked bits of a pattern are tested against the art's effective state:
   // its own bit or that of any enclosing group or layer.
-  std::vector<ArtObject*> matchingArt(const AIMatchingArtSpec* specs, int numSpecs) const;
+  std::vector<ArtObject*> matchingArt(const AIMatchingArtSpec* patterns, int numSpecs) const;
 
   // Selection. The selected attribute of a mesh drives its vertex selection
   // (off clears it, on selects the whole mesh); a path's anchor states are

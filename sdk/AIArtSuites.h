@@ -86,10 +86,10 @@ struct AIMatchingArtSpec {
 constexpr const char* kAIMatchingArtSuite = "AI Matching Art Suite";
 constexpr int32_t kAIMatchingArtSuiteVersion = 7;
 struct AIMatchingArtSuite {
-  // All art matching any of the specs, topmost first, as a memory handle
+  // All art matching any of the patterns, topmost first, as a memory handle
   // to an array of AIArtHandle (dispose with MdMemoryDisposeHandle). With
   // no match, *matches is null and *numMatches 0.
-  AIErr (*GetMatchingArt)(const AIMatchingArtSpec* specs, int16_t numSpecs, AIArtHandle*** matches,
+  AIErr (*GetMatchingArt)(const AIMatchingArtSpec* patterns, int16_t numPatterns, AIArtHandle*** matches,
                           int32_t* numMatches);
   AIErr (*GetSelectedArt)(AIArtHandle*** matches, int32_t* numMatches);
 };

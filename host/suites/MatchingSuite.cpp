@@ -1,4 +1,4 @@
-// The matching-art suite: art matching a set of (type, attribute) specs,
+// The matching-art suite: art matching a set of (type, attribute) patterns,
 // topmost first, handed out as a memory handle to an array of handles.
 #include <cstring>
 
@@ -23,18 +23,18 @@ AIErr handOut(const std::vector<ArtObject*>& found, AIArtHandle*** matches, int3
   return kNoErr;
 }
 
-AIErr GetMatchingArt(const AIMatchingArtSpec* specs, int16_t numSpecs, AIArtHandle*** matches,
+AIErr GetMatchingArt(const AIMatchingArtSpec* patterns, int16_t numSpecs, AIArtHandle*** matches,
                      int32_t* numMatches) {
   if (!matches || !numMatches) return kBadParameterErr;
   *matches = nullptr;
   *numMatches = 0;
-  if (numSpecs < 0 || (numSpecs > 0 && !specs)) return kBadParameterErr;
-  return handOut(doc().matchingArt(specs, numSpecs), matches, numMatches);
+  if (numSpecs < 0 || (numSpecs > 0 && !patterns)) return kBadParameterErr;
+  return handOut(doc().matchingArt(patterns, numSpecs), matches, numMatches);
 }
 
 AIErr GetSelectedArt(AIArtHandle*** matches, int32_t* numMatches) {
-  const AIMatchingArtSpec spec{kAnyArt, kArtSelected, kArtSelected};
-  return GetMatchingArt(&spec, 1, matches, numMatches);
+  const AIMatchingArtSpec pattern{kAnyArt, kArtSelected, kArtSelected};
+  return GetMatchingArt(&pattern, 1, matches, numMatches);
 }
 
 const AIMatchingArtSuite kMatchingArtSuite = {

@@ -39,21 +39,21 @@ class EachTurn : public ::testing::TestWithParam<Turn> {};
 
 TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
   const Turn& turn = GetParam();
-  MeshSpec spec;
-  spec.I = 3;
-  spec.J = 2;
-  spec.u = {0, 0.2, 0.45, 1};
-  spec.v = {0, 0.3, 1};
-  Session s(MakeDoc({MakeMeshArt(spec)}));
+  MeshSpec layout;
+  layout.I = 3;
+  layout.J = 2;
+  layout.u = {0, 0.2, 0.45, 1};
+  layout.v = {0, 0.3, 1};
+  Session s(MakeDoc({MakeMeshArt(layout)}));
   const MeshContent old = ReadMesh(Children(s.written())[0]);
 
   // Both checkboxes off: a rebuild carries colour and opacity regardless.
   const json doc = s.run(kDirRotate, turn.alt, turn.ctrl, /*useColor=*/false, /*useOpacity=*/false);
   ASSERT_EQ(Children(doc).size(), 1u);
   const MeshContent got = ReadMesh(Children(doc)[0]);
-  const int newI = turn.swapsSize ? spec.J : spec.I, newJ = turn.swapsSize ? spec.I : spec.J;
+  const int newI = turn.swapsSize ? layout.J : layout.I, newJ = turn.swapsSize ? layout.I : layout.J;
   const MeshContent want =
-      MapMesh(old, newI, newJ, [&](int i, int j) { return turn.map(i, j, spec.I, spec.J); });
+      MapMesh(old, newI, newJ, [&](int i, int j) { return turn.map(i, j, layout.I, layout.J); });
   EXPECT_TRUE(SameContent(got, want, kTol));
 
   // The grid lines move with the nodes they pass through: a new line's
@@ -77,11 +77,11 @@ TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
 // opacities are interpolated from the same nodes and line positions.
 TEST_P(EachTurn, PictureStaysTheSame) {
   const Turn& turn = GetParam();
-  MeshSpec spec;
-  spec.u = {0, 0.2, 0.45, 1};
-  spec.v = {0, 0.3, 1};
-  spec.rgbOnly = true;  // mixed kinds are blended in the kind of node (0, 0)
-  json doc = MakeDoc({MakeMeshArt(spec)});
+  MeshSpec layout;
+  layout.u = {0, 0.2, 0.45, 1};
+  layout.v = {0, 0.3, 1};
+  layout.rgbOnly = true;  // mixed kinds are blended in the kind of node (0, 0)
+  json doc = MakeDoc({MakeMeshArt(layout)});
   doc["artboard"] = {-10, -10, 140, 75};
   Session s(doc);
   const lb::render::RenderOptions options{2.0, false};
@@ -115,8 +115,8 @@ INSTANTIATE_TEST_SUITE_P(GridDirection, EachTurn, ::testing::ValuesIn(kTurns),
                          [](const ::testing::TestParamInfo<Turn>& info) { return std::string(info.param.name); });
 
 TEST(GridDirection, CornerColourOfAThreeByTwoMeshLandsWhereTheTurnPutsIt) {
-  MeshSpec spec;  // 3 x 2
-  const json art = MakeMeshArt(spec);
+  MeshSpec layout;  // 3 x 2
+  const json art = MakeMeshArt(layout);
   const json corner = art["nodes"][0]["color"];
   {
     Session s(MakeDoc({art}));
@@ -133,9 +133,9 @@ TEST(GridDirection, CornerColourOfAThreeByTwoMeshLandsWhereTheTurnPutsIt) {
 }
 
 TEST(GridDirection, ReflectingInIMirrorsLinePositions) {
-  MeshSpec spec;
-  spec.u = {0, 0.1, 0.3, 1};
-  Session s(MakeDoc({MakeMeshArt(spec)}));
+  MeshSpec layout;
+  layout.u = {0, 0.1, 0.3, 1};
+  Session s(MakeDoc({MakeMeshArt(layout)}));
   const MeshContent got = ReadMesh(Children(s.run(kDirRotate, false, true))[0]);
   EXPECT_TRUE(SamePositions(got.u, {0, 0.7, 0.9, 1}, 1e-12));
 }
@@ -154,14 +154,14 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
       {"four clockwise turns", {{false, false}, {false, false}, {false, false}, {false, false}}},
       {"two turns equal reflecting both ways", {{false, false}, {false, false}, {false, true}, {true, true}}},
   };
-  MeshSpec spec;
-  spec.I = 4;
-  spec.J = 3;
-  spec.u = {0, 0.15, 0.5, 0.55, 1};
-  spec.v = {0, 0.6, 0.7, 1};
+  MeshSpec layout;
+  layout.I = 4;
+  layout.J = 3;
+  layout.u = {0, 0.15, 0.5, 0.55, 1};
+  layout.v = {0, 0.6, 0.7, 1};
   for (const Sequence& seq : sequences) {
     SCOPED_TRACE(seq.name);
-    Session s(MakeDoc({MakeMeshArt(spec)}));
+    Session s(MakeDoc({MakeMeshArt(layout)}));
     const MeshContent old = ReadMesh(Children(s.written())[0]);
     json doc;
     for (auto [alt, ctrl] : seq.steps) doc = s.run(kDirRotate, alt, ctrl);
@@ -236,10 +236,10 @@ TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
 }
 
 TEST(GridDirection, NothingSelectedChangesNothing) {
-  MeshSpec spec;
-  spec.selected = false;
-  spec.id = "m";
-  Session s(MakeDoc({MakeMeshArt(spec)}));
+  MeshSpec layout;
+  layout.selected = false;
+  layout.id = "m";
+  Session s(MakeDoc({MakeMeshArt(layout)}));
   const json before = s.written();
   for (int variant = 0; variant < 4; ++variant) EXPECT_EQ(s.run(kDirRotate, variant & 1, variant & 2), before);
   EXPECT_EQ(s.run(kUvReset, false, false), before);

@@ -41,13 +41,13 @@ json RowsMesh(const std::vector<double>& row0, const std::vector<double>& row1) 
 }
 
 TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
-  MeshSpec spec;
-  spec.I = 4;
-  spec.J = 1;
-  spec.u = {0, 0.1, 0.2, 0.6, 1};
+  MeshSpec layout;
+  layout.I = 4;
+  layout.J = 1;
+  layout.u = {0, 0.1, 0.2, 0.6, 1};
   for (bool alt : {false, true}) {
     SCOPED_TRACE(alt ? "Ctrl+Alt" : "Ctrl");
-    Session s(MakeDoc({MakeMeshArt(spec)}));
+    Session s(MakeDoc({MakeMeshArt(layout)}));
     const MeshContent got = ReadMesh(Children(s.run(kUvReset, alt, true))[0]);
     EXPECT_TRUE(SamePositions(got.u, {0, 0.25, 0.5, 0.75, 1}, 1e-15));
     EXPECT_TRUE(SamePositions(got.v, {0, 1}, 0));
@@ -58,12 +58,12 @@ TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
 // the same size: every point, knot, vertex, flag and paint must come out
 // bit for bit.
 TEST(DumbReset, CopiesTheMeshExactly) {
-  MeshSpec spec;
-  spec.I = 3;
-  spec.J = 3;
-  spec.u = {0, 0.2, 0.3, 1};
-  spec.v = {0, 0.5, 0.9, 1};
-  Session s(MakeDoc({MakeMeshArt(spec)}));
+  MeshSpec layout;
+  layout.I = 3;
+  layout.J = 3;
+  layout.u = {0, 0.2, 0.3, 1};
+  layout.v = {0, 0.5, 0.9, 1};
+  Session s(MakeDoc({MakeMeshArt(layout)}));
   const MeshContent old = ReadMesh(Children(s.written())[0]);
   const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, true, false, false))[0]);
   EXPECT_TRUE(SameContent(got, MapMesh(old, 3, 3, Same), 0.0));
@@ -116,12 +116,12 @@ TEST(SmartReset, DegenerateCellKeepsAMinimalShare) {
 }
 
 TEST(SmartReset, KeepsContentPaintAndArtAttributes) {
-  MeshSpec spec;
-  spec.I = 3;
-  spec.J = 2;
-  spec.opacity = 0.5;
-  spec.blend = "screen";
-  Session s(MakeDoc({MakeMeshArt(spec)}));
+  MeshSpec layout;
+  layout.I = 3;
+  layout.J = 2;
+  layout.opacity = 0.5;
+  layout.blend = "screen";
+  Session s(MakeDoc({MakeMeshArt(layout)}));
   const MeshContent old = ReadMesh(Children(s.written())[0]);
   const json doc = s.run(kUvReset, false, false, false, false);
   const MeshContent got = ReadMesh(Children(doc)[0]);

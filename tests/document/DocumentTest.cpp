@@ -231,13 +231,13 @@ TEST(Matching, DocumentOrderTopmostFirstAcrossLayersAndGroups) {
 
   const AIMatchingArtSpec meshes{kMeshArt, kArtSelected, kArtSelected};
   EXPECT_EQ(names(d.matchingArt(&meshes, 1)), (Names{"m1", "m2", "m4", "m5"}));
-  // Several specs: any one matching is enough, order stays document order.
+  // Several layouts: any one matching is enough, order stays document order.
   const AIMatchingArtSpec two[2] = {{kPathArt, kArtSelected, kArtSelected}, {kMeshArt, kArtSelected, kArtSelected}};
   EXPECT_EQ(names(d.matchingArt(two, 2)), (Names{"m1", "m2", "p1", "m4", "m5"}));
   // Groups come before their contents; layers are never listed.
   const AIMatchingArtSpec any{kAnyArt, 0, 0};
   EXPECT_EQ(names(d.matchingArt(&any, 1)), (Names{"m1", "g", "m2", "p1", "m3", "m4", "m5"}));
-  // Hidden / locked are inherited from the layer when the spec asks.
+  // Hidden / locked are inherited from the layer when the layout asks.
   const AIMatchingArtSpec visible{kMeshArt, kArtSelected | kArtHidden, kArtSelected};
   EXPECT_EQ(names(d.matchingArt(&visible, 1)), (Names{"m1", "m2", "m4"}));
   const AIMatchingArtSpec lockedOnly{kAnyArt, kArtLocked, kArtLocked};

@@ -52,10 +52,10 @@ struct Suites : ::testing::Test {
     return a;
   }
 
-  std::vector<std::string> matchNames(const AIMatchingArtSpec* specs, int16_t n) {
+  std::vector<std::string> matchNames(const AIMatchingArtSpec* layouts, int16_t n) {
     AIArtHandle** h = nullptr;
     int32_t count = -1;
-    EXPECT_EQ(matching->GetMatchingArt(specs, n, &h, &count), kNoErr);
+    EXPECT_EQ(matching->GetMatchingArt(layouts, n, &h, &count), kNoErr);
     std::vector<std::string> out;
     for (int32_t k = 0; k < count; ++k) out.push_back((*h)[k]->name);
     if (h) {
@@ -212,10 +212,10 @@ TEST_F(Suites, AttributesAndMeshSelection) {
   ASSERT_EQ(art->SetArtUserAttr(m, kArtSelected | kArtHidden, kArtSelected | kArtLocked), kNoErr);
   ASSERT_EQ(art->GetArtUserAttr(m, kArtSelected | kArtLocked | kArtHidden, &attr), kNoErr);
   EXPECT_EQ(attr, kArtSelected);  // locked was not in the mask
-  const AIMatchingArtSpec spec{kMeshArt, kArtSelected, kArtSelected};
-  EXPECT_EQ(matchNames(&spec, 1), (Names{"m"}));
+  const AIMatchingArtSpec layout{kMeshArt, kArtSelected, kArtSelected};
+  EXPECT_EQ(matchNames(&layout, 1), (Names{"m"}));
   ASSERT_EQ(art->SetArtUserAttr(m, kArtSelected, 0), kNoErr);
-  EXPECT_EQ(matchNames(&spec, 1), (Names{}));
+  EXPECT_EQ(matchNames(&layout, 1), (Names{}));
   EXPECT_EQ(art->SetArtUserAttr(m, 0x100, 0), kBadParameterErr);
 }
 

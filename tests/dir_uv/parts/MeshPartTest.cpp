@@ -69,18 +69,18 @@ MeshContent SubMesh(const MeshContent& m, int i0, int i1, int j0, int j1) {
 }
 
 MeshSpec Plain(int I, int J, double originH) {
-  MeshSpec spec;
-  spec.I = I;
-  spec.J = J;
-  spec.structured = false;
-  spec.originH = originH;
-  spec.selected = false;
-  return spec;
+  MeshSpec layout;
+  layout.I = I;
+  layout.J = J;
+  layout.structured = false;
+  layout.originH = originH;
+  layout.selected = false;
+  return layout;
 }
 
 TEST_F(PartCopy, InvalidWindowsChangeNothing) {
-  MeshSpec spec;
-  load(MakeDoc({MakeMeshArt(spec), MakeMeshArt(Plain(3, 2, 300))}));
+  MeshSpec layout;
+  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(3, 2, 300))}));
   const json before = written();
   ZS_RestoreMeshData good{0, 0, 0, 1, 0, 0, 3, 2};
   const ZS_RestoreMeshData bad[] = {
@@ -104,8 +104,8 @@ TEST_F(PartCopy, InvalidWindowsChangeNothing) {
 // the copy stops, keeps what it wrote and leaves no iterator behind (the
 // fixture checks the counters).
 TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
-  MeshSpec spec;  // 3 x 2
-  load(MakeDoc({MakeMeshArt(spec), MakeMeshArt(Plain(2, 2, 300))}));
+  MeshSpec layout;  // 3 x 2
+  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(2, 2, 300))}));
   const MeshContent src = content(0);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 3, 2};
   ZS_RestoreMeshData d = w;
@@ -116,10 +116,10 @@ TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
 }
 
 TEST_F(PartCopy, IdentityWindowCopiesEverythingButSelectionExactly) {
-  MeshSpec spec;
-  spec.I = 4;
-  spec.J = 3;
-  load(MakeDoc({MakeMeshArt(spec), MakeMeshArt(Plain(4, 3, 500))}));
+  MeshSpec layout;
+  layout.I = 4;
+  layout.J = 3;
+  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(4, 3, 500))}));
   const MeshContent src = content(0);
   const MeshContent dstBefore = content(1);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 4, 3};
@@ -150,8 +150,8 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshSpec spec;  // 3 x 2
-    load(MakeDoc({MakeMeshArt(spec), MakeMeshArt(Plain(c.dstI, c.dstJ, 300))}));
+    MeshSpec layout;  // 3 x 2
+    load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(c.dstI, c.dstJ, 300))}));
     const MeshContent src = content(0);
     ZS_RestoreMeshData s{0, 0, 0, 1, 0, 0, 3, 2};
     ZS_RestoreMeshData d = c.dst;
@@ -163,10 +163,10 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
 }
 
 TEST_F(PartCopy, ShiftedWindowCopiesPartOfTheSource) {
-  MeshSpec spec;
-  spec.I = 4;
-  spec.J = 3;
-  load(MakeDoc({MakeMeshArt(spec), MakeMeshArt(Plain(2, 1, 400))}));
+  MeshSpec layout;
+  layout.I = 4;
+  layout.J = 3;
+  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(2, 1, 400))}));
   const MeshContent src = content(0);
   ZS_RestoreMeshData s{1, 1, 0, 1, 0, 0, 2, 1};
   ZS_RestoreMeshData d{0, 0, 0, 1, 0, 0, 2, 1};
@@ -187,12 +187,12 @@ json SelectedPartly(json mesh) {
 }
 
 TEST_F(PartCopy, CuttingTheWholeGridGivesTheSameMeshAndSelection) {
-  MeshSpec spec;
-  spec.I = 4;
-  spec.J = 2;
-  spec.opacity = 0.75;
-  spec.blend = "overlay";
-  load(MakeDoc({SelectedPartly(MakeMeshArt(spec))}));
+  MeshSpec layout;
+  layout.I = 4;
+  layout.J = 2;
+  layout.opacity = 0.75;
+  layout.blend = "overlay";
+  load(MakeDoc({SelectedPartly(MakeMeshArt(layout))}));
   const MeshContent src = content(0);
   ArtObject* part = nullptr;
   ASSERT_EQ(MakeMeshPart(art(0), &part, 0, 4, 0, 2), 0);
@@ -206,10 +206,10 @@ TEST_F(PartCopy, CuttingTheWholeGridGivesTheSameMeshAndSelection) {
 }
 
 TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
-  MeshSpec spec;
-  spec.I = 4;
-  spec.J = 2;
-  load(MakeDoc({SelectedPartly(MakeMeshArt(spec))}));
+  MeshSpec layout;
+  layout.I = 4;
+  layout.J = 2;
+  load(MakeDoc({SelectedPartly(MakeMeshArt(layout))}));
   const MeshContent src = content(0);
   ArtObject* part = nullptr;
   ASSERT_EQ(MakeMeshPart(art(0), &part, 1, 3, 1, 2), 0);
@@ -218,8 +218,8 @@ TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
 }
 
 TEST_F(PartCopy, RectangleWithoutACellOrOutsideTheGridIsRefused) {
-  MeshSpec spec;  // 3 x 2
-  load(MakeDoc({MakeMeshArt(spec)}));
+  MeshSpec layout;  // 3 x 2
+  load(MakeDoc({MakeMeshArt(layout)}));
   const json before = written();
   const int bad[][4] = {{1, 1, 0, 2}, {0, 3, 2, 2}, {-1, 2, 0, 1}, {0, 4, 0, 1}, {0, 3, 0, 3}, {2, 1, 0, 2}};
   for (const auto& r : bad) {

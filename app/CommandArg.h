@@ -10,7 +10,7 @@ namespace lb::app {
 
 // One click on the panel: a command id with the keys held and the two
 // checkbox states.
-struct CommandSpec {
+struct CommandArg {
   int id = 0;
   bool alt = false;
   bool ctrl = false;
@@ -20,13 +20,13 @@ struct CommandSpec {
 
 // "ID[+alt][+ctrl]" (modifiers in any order, each at most once, case
 // insensitive). Returns nullopt for anything else; `why` says what is wrong.
-std::optional<CommandSpec> parseCommandSpec(const std::string& text, std::string* why = nullptr);
+std::optional<CommandArg> parseCommandArg(const std::string& text, std::string* why = nullptr);
 
 // The commands of a run, from its options in the order given: ("command",
 // "138+alt"), ("color", "off"), ("opacity", "on"), ... Each checkbox option
 // holds for the commands after it; both start on. Throws
 // std::invalid_argument with a message for a bad value.
-std::vector<CommandSpec> commandsInOrder(
+std::vector<CommandArg> commandsInOrder(
     const std::vector<std::pair<std::string, std::string>>& options);
 
 // "on" / "off".

@@ -1,4 +1,4 @@
-#include "app/CommandSpec.h"
+#include "app/CommandArg.h"
 
 #include <cctype>
 #include <cerrno>
@@ -28,14 +28,14 @@ std::string Lower(std::string s) {
 }
 }  // namespace
 
-std::optional<CommandSpec> parseCommandSpec(const std::string& text, std::string* why) {
-  auto fail = [&](const std::string& reason) -> std::optional<CommandSpec> {
+std::optional<CommandArg> parseCommandArg(const std::string& text, std::string* why) {
+  auto fail = [&](const std::string& reason) -> std::optional<CommandArg> {
     if (why) *why = reason;
     return std::nullopt;
   };
   const size_t plus = text.find('+', 1);  // a leading sign belongs to the number
-  CommandSpec spec;
-  if (!ParseInt(text.substr(0, plus), &spec.id))
+  CommandArg cmd;
+  if (!ParseInt(text.substr(0, plus), &cmd.id))
     return fail("'" + text + "' does not start with a command id");
   size_t pos = plus;
   while (pos != std::string::npos) {
@@ -43,22 +43,22 @@ std::optional<CommandSpec> parseCommandSpec(const std::string& text, std::string
     const std::string mod =
         Lower(text.substr(pos + 1, next == std::string::npos ? std::string::npos : next - pos - 1));
     if (mod == "alt") {
-      if (spec.alt) return fail("'" + text + "' names alt twice");
-      spec.alt = true;
+      if (cmd.alt) return fail("'" + text + "' names alt twice");
+      cmd.alt = true;
     } else if (mod == "ctrl") {
-      if (spec.ctrl) return fail("'" + text + "' names ctrl twice");
-      spec.ctrl = true;
+      if (cmd.ctrl) return fail("'" + text + "' names ctrl twice");
+      cmd.ctrl = true;
     } else {
       return fail("'" + text + "': unknown modifier '" + mod + "' (use +alt and +ctrl)");
     }
     pos = next;
   }
-  return spec;
+  return cmd;
 }
 
-std::vector<CommandSpec> commandsInOrder(
+std::vector<CommandArg> commandsInOrder(
     const std::vector<std::pair<std::string, std::string>>& options) {
-  std::vector<CommandSpec> specs;
+  std::vector<CommandArg> cmds;
   bool useColor = true, useOpacity = true;
   for (const auto& [name, value] : options) {
     if (name == "color" || name == "opacity") {
@@ -67,16 +67,16 @@ std::vector<CommandSpec> commandsInOrder(
       (name == "color" ? useColor : useOpacity) = *v;
     } else if (name == "command") {
       std::string why;
-      auto spec = parseCommandSpec(value, &why);
-      if (!spec) throw std::invalid_argument("--command " + why);
-      spec->useColor = useColor;
-      spec->useOpacity = useOpacity;
-      specs.push_back(*spec);
+      auto cmd = parseCommandArg(value, &why);
+      if (!cmd) throw std::invalid_argument("--command " + why);
+      cmd->useColor = useColor;
+      cmd->useOpacity = useOpacity;
+      cmds.push_back(*cmd);
     } else {
       throw std::invalid_argument("unknown option --" + name);
     }
   }
-  return specs;
+  return cmds;
 }
 
 std::optional<bool> parseSwitch(const std::string& text) {

@@ -1,63 +1,63 @@
 // Parsing of the run subcommand's command and checkbox options.
 #include <gtest/gtest.h>
 
-#include "app/CommandSpec.h"
+#include "app/CommandArg.h"
 
 namespace {
 using lb::app::commandsInOrder;
-using lb::app::parseCommandSpec;
+using lb::app::parseCommandArg;
 
-TEST(CommandSpec, IdWithModifiersInAnyOrder) {
-  auto plain = parseCommandSpec("138");
+TEST(CommandArg, IdWithModifiersInAnyOrder) {
+  auto plain = parseCommandArg("138");
   ASSERT_TRUE(plain);
   EXPECT_EQ(plain->id, 138);
   EXPECT_FALSE(plain->alt);
   EXPECT_FALSE(plain->ctrl);
   for (const char* text : {"136+ctrl+alt", "136+alt+ctrl", "136+ALT+Ctrl"}) {
-    auto both = parseCommandSpec(text);
+    auto both = parseCommandArg(text);
     ASSERT_TRUE(both) << text;
     EXPECT_EQ(both->id, 136);
     EXPECT_TRUE(both->alt && both->ctrl) << text;
   }
-  auto ctrl = parseCommandSpec("165+ctrl");
+  auto ctrl = parseCommandArg("165+ctrl");
   ASSERT_TRUE(ctrl);
   EXPECT_TRUE(ctrl->ctrl);
   EXPECT_FALSE(ctrl->alt);
   // Ids outside the table are accepted: they run nothing.
-  EXPECT_TRUE(parseCommandSpec("171"));
-  EXPECT_TRUE(parseCommandSpec("-3"));
+  EXPECT_TRUE(parseCommandArg("171"));
+  EXPECT_TRUE(parseCommandArg("-3"));
 }
 
-TEST(CommandSpec, BadValuesAreRejectedWithAReason) {
+TEST(CommandArg, BadValuesAreRejectedWithAReason) {
   for (const char* text : {"", "abc", "+alt", "138+", "138+shift", "138+alt+alt", "138++alt",
                            "138 +alt", "13 8", "99999999999", "138+ctrl+ctrl", "0x8a"}) {
     std::string why;
-    EXPECT_FALSE(parseCommandSpec(text, &why)) << text;
+    EXPECT_FALSE(parseCommandArg(text, &why)) << text;
     EXPECT_FALSE(why.empty()) << text;
   }
 }
 
-TEST(CommandSpec, CheckboxOptionsHoldForTheCommandsAfterThem) {
-  auto specs = commandsInOrder({{"command", "136"},
+TEST(CommandArg, CheckboxOptionsHoldForTheCommandsAfterThem) {
+  auto cmds = commandsInOrder({{"command", "136"},
                                 {"color", "off"},
                                 {"command", "137+ctrl"},
                                 {"opacity", "off"},
                                 {"command", "138"},
                                 {"color", "on"},
                                 {"command", "139+alt"}});
-  ASSERT_EQ(specs.size(), 4u);
-  EXPECT_TRUE(specs[0].useColor && specs[0].useOpacity);  // both start on
-  EXPECT_FALSE(specs[1].useColor);
-  EXPECT_TRUE(specs[1].useOpacity);
-  EXPECT_FALSE(specs[2].useColor || specs[2].useOpacity);
-  EXPECT_TRUE(specs[3].useColor);
-  EXPECT_FALSE(specs[3].useOpacity);
-  EXPECT_EQ(specs[1].id, 137);
-  EXPECT_TRUE(specs[1].ctrl);
-  EXPECT_TRUE(specs[3].alt);
+  ASSERT_EQ(cmds.size(), 4u);
+  EXPECT_TRUE(cmds[0].useColor && cmds[0].useOpacity);  // both start on
+  EXPECT_FALSE(cmds[1].useColor);
+  EXPECT_TRUE(cmds[1].useOpacity);
+  EXPECT_FALSE(cmds[2].useColor || cmds[2].useOpacity);
+  EXPECT_TRUE(cmds[3].useColor);
+  EXPECT_FALSE(cmds[3].useOpacity);
+  EXPECT_EQ(cmds[1].id, 137);
+  EXPECT_TRUE(cmds[1].ctrl);
+  EXPECT_TRUE(cmds[3].alt);
 }
 
-TEST(CommandSpec, BadCheckboxValuesAndPoints) {
+TEST(CommandArg, BadCheckboxValuesAndPoints) {
   EXPECT_THROW(commandsInOrder({{"color", "yes"}}), std::invalid_argument);
   EXPECT_THROW(commandsInOrder({{"opacity", ""}}), std::invalid_argument);
   EXPECT_THROW(commandsInOrder({{"command", "x"}}), std::invalid_argument);
