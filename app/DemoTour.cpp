@@ -30,9 +30,13 @@ const std::vector<DemoStep>& demoTour() {
       {"Increase mesh density", "density-up", {false, kRegion}, 162},
       {"Rotate grid direction", "dir-rotate", {true, {}}, 167},
       {"Reset UV coordinates", "uv-reset", {true, {}}, 166},
-      {"Mesh segments as paths", "vis-paths", {true, {}}, 131},
-      {"Axes and corner nodes", "vis-axes", {true, {}}, 132},
-      {"UV coordinates of selected vertices", "debug-uv", {false, {{0, 0}, {6, 5}}}, 169},
+      {"Reflect colours in I", "color-reflect-i", {false, kRegion}, 137},
+      {"Handles retracted at selected nodes", "handles-zero", {false, kRegion}, 146},
+      {"Handles at right angles", "handles-90", {false, kRegion}, 159},
+      {"Decrease mesh density", "density-down", {true, {}}, 163},
+      {"Reflect grid direction in I", "dir-flip", {true, {}}, 167, false, true},
+      {"Rotate grid direction counterclockwise", "dir-rotate-ccw", {true, {}}, 167, true},
+      {"Even UV coordinates (dumb reset)", "uv-reset-even", {true, {}}, 166, false, true},
   };
   return tour;
 }
