@@ -34,7 +34,6 @@ int runDemo(const std::string& dir) {
     std::cerr << "latticebender: cannot create " << dir << ": " << e.what() << "\n";
     return 4;
   }
-  const bool pictures = renderAvailable();
   int changed = 0;
   int failed = 0;
   const auto& tour = demoTour();
@@ -45,7 +44,7 @@ int runDemo(const std::string& dir) {
       auto doc = demoDocument(step.selection);
       const std::string before = lb::io::writeDocument(*doc);
       lb::io::writeDocumentFileAtomic(*doc, base + "-before.lbdoc");
-      if (pictures) renderPng(*doc, base + "-before.png", 1.0, true);
+      renderPng(*doc, base + "-before.png", 1.0, true);
 
       std::vector<std::string> alerts;
       lb::host::Host host(std::move(doc));
@@ -58,7 +57,7 @@ int runDemo(const std::string& dir) {
       const bool differs = lb::io::writeDocument(*after) != before;
       changed += differs;
       lb::io::writeDocumentFileAtomic(*after, base + "-after.lbdoc");
-      if (pictures) renderPng(*after, base + "-after.png", 1.0, true);
+      renderPng(*after, base + "-after.png", 1.0, true);
 
       std::cout << StepName(k, step) << "  " << step.title << " [" << Keys(step) << "]: "
                 << (differs ? "changed" : "unchanged");
@@ -70,8 +69,7 @@ int runDemo(const std::string& dir) {
       ++failed;
     }
   }
-  std::cout << tour.size() << " steps, " << changed << " changed the document; files in " << dir
-            << (pictures ? "" : " (documents only: rendering is not built in)") << "\n";
+  std::cout << tour.size() << " steps, " << changed << " changed the document; files in " << dir << "\n";
   if (failed) std::cout << failed << " steps failed\n";
   return failed ? 4 : 0;
 }

@@ -1,4 +1,4 @@
-// Pictures for the command line, through the renderer when it is built in.
+// Pictures for the command line and the demo.
 #pragma once
 
 #include <string>
@@ -7,8 +7,6 @@
 
 namespace lb::app {
 
-// False while the renderer is not part of the build.
-bool renderAvailable();
 // Draws `doc` into `outPng` atomically. Throws std::runtime_error on failure.
 void renderPng(const lb::host::Document& doc, const std::string& outPng, double scale,
                bool selection);

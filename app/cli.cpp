@@ -13,10 +13,7 @@
 #include "host/Host.h"
 #include "io/Lbdoc.h"
 
-#if __has_include("io/Describe.h")
 #include "io/Describe.h"
-#define LB_HAVE_DESCRIBE 1
-#endif
 
 namespace {
 using lb::app::CommandArg;
@@ -106,13 +103,8 @@ int Info(const std::string& docPath) {
   int status = kDone;
   auto doc = ReadInput(docPath, &status);
   if (!doc) return status;
-#ifdef LB_HAVE_DESCRIBE
   std::cout << lb::io::describeDocument(*doc);
   return kDone;
-#else
-  Error("info is not available in this build");
-  return kFailure;
-#endif
 }
 
 int Render(const std::string& docPath, const std::string& outPath, double scale, bool selection) {
@@ -123,10 +115,6 @@ int Render(const std::string& docPath, const std::string& outPath, double scale,
   int status = kDone;
   auto doc = ReadInput(docPath, &status);
   if (!doc) return status;
-  if (!lb::app::renderAvailable()) {
-    Error("rendering is not available in this build");
-    return kFailure;
-  }
   try {
     lb::app::renderPng(*doc, outPath, scale, selection);
   } catch (const std::exception& e) {
