@@ -1,4 +1,0 @@
-// Operations of this family that are not built yet: each is declared by
-// the dispatcher and changes nothing until its real implementation
-// replaces it here. (All selection commands are built.)
-#include "Operations.h"
