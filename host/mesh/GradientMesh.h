@@ -25,6 +25,11 @@
 // twist, clamped to the range of the cell's four corner values, so the
 // field is C1 across patch borders wherever the clamp is not active and
 // never leaves the range of the node values.
+//
+// Cost. Reading or writing one vertex is O(1); inserting or deleting one
+// grid line is O(I + J) (order tables over stable cell storage, see
+// MeshImpl_p.h); the colour field is rebuilt lazily, once, on the first
+// evaluation after a change.
 #pragma once
 
 #include <cstddef>
@@ -33,6 +38,7 @@
 #include <vector>
 
 #include "AIMeshSuites.h"
+#include "host/Color.h"
 
 namespace lb::host {
 
@@ -156,6 +162,9 @@ class GradientMesh {
   int knotCount(SegmentRef s) const;
   // Bezier points in the segment's orientation (3 knots + 4).
   std::vector<AIRealPoint> segmentPoints(SegmentRef s) const;
+  // Copies points [start, start+count) in the segment's orientation into
+  // out; false when the range is outside the segment.
+  bool getSegmentPoints(SegmentRef s, int start, int count, AIRealPoint* out) const;
   // Sets points [start, start+count). Anchors at the ends move the vertices.
   bool setSegmentPoints(SegmentRef s, int start, int count, const AIRealPoint* pts);
   // Subdivides the piece that ends at knot m (m = knots: the last piece)
@@ -227,15 +236,13 @@ class GradientMesh {
   // to 1 with the right counts.
   bool setRelative(const std::vector<double>& u, const std::vector<double>& v);
 
- private:
+  // The engine's storage, defined in MeshImpl_p.h for the engine's own
+  // source files.
   struct Impl;
+
+ private:
   std::unique_ptr<Impl> impl_;
   std::shared_ptr<int> life_;
 };
-
-// Colour conversions the engine uses between colour kinds.
-AIColor convertColor(const AIColor& c, AIColorTag kind);
-// Screen RGB of a colour (none gives white).
-void colorToRGB(const AIColor& c, double* r, double* g, double* b);
 
 }  // namespace lb::host

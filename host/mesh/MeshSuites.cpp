@@ -458,11 +458,8 @@ int32_t SCountPoints(AIMeshSegmentIterator s) {
 }
 AIErr SGetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, AIRealPoint* points) {
   LB_SEGMENT(s);
-  const auto pts = s->m.mesh->segmentPoints(s->seg);
-  if (start < 0 || count < 0 || start + count > static_cast<int32_t>(pts.size()) || (count > 0 && !points))
-    return kBadParameterErr;
-  for (int32_t k = 0; k < count; ++k) points[k] = pts[start + k];
-  return kNoErr;
+  if (count > 0 && !points) return kBadParameterErr;
+  return s->m.mesh->getSegmentPoints(s->seg, start, count, points) ? kNoErr : kBadParameterErr;
 }
 AIErr SSetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, const AIRealPoint* points) {
   LB_SEGMENT(s);

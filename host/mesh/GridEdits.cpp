@@ -1,0 +1,354 @@
+// Grid-line insertion and deletion, fresh grids and slot compaction.
+//
+// An insertion splits the runs that cross the new line exactly (de
+// Casteljau) and builds the new line's runs as the iso-curves of the Coons
+// patches it cuts; the new nodes take the surface's colour and opacity. Both
+// operations touch only the cells of one line and the runs crossing it, so
+// each costs O(I + J) whatever the size of the mesh.
+#include <algorithm>
+#include <cmath>
+
+#include "host/mesh/MeshImpl_p.h"
+
+namespace lb::host {
+
+using namespace bez;
+
+namespace {
+
+Run straightRun(P a, P b) {
+  Run r;
+  r.pts = {a, lerp(a, b, 1.0 / 3.0), lerp(a, b, 2.0 / 3.0), b};
+  return r;
+}
+
+// Splits a run at chain parameter f; the run itself is left empty (its
+// storage becomes the left half). Where f falls on an interior anchor the
+// anchor itself becomes the node (a vertex keeps its id). A new point cut
+// inside a segment is selected when both ends of that segment are
+// (startSel / endSel are the run's nodes).
+void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
+  using Impl = GradientMesh::Impl;
+  out = SplitInfo{};
+  const int m = r.pieces();
+  const double x = f * m;
+  int q = std::min(static_cast<int>(x), m - 1);
+  double t = x - q;
+  int atAnchor = -1;
+  if (t < 1e-9 && q > 0) atAnchor = q;
+  if (t > 1 - 1e-9 && q + 1 < m) atAnchor = q + 1;
+  if (atAnchor > 0) {
+    const int a = atAnchor;
+    const Joint jt = r.joints[a - 1];
+    out.point = r.pts[3 * a];
+    out.reuse = jt.id;
+    if (jt.id != kNoVertex) {
+      out.selected = jt.selected;
+      out.smooth[0] = jt.smooth[0], out.smooth[1] = jt.smooth[1];
+    } else {
+      const bool sm = collinear(r.pts[3 * a - 1], r.pts[3 * a], r.pts[3 * a + 1]);
+      out.smooth[0] = out.smooth[1] = sm;
+      const int a0 = Impl::prevVertexAnchor(r, a), a1 = Impl::nextVertexAnchor(r, a);
+      out.selected = (a0 == 0 ? startSel : r.joints[a0 - 1].selected) &&
+                     (a1 == m ? endSel : r.joints[a1 - 1].selected);
+    }
+    out.right.pts.assign(r.pts.begin() + 3 * a, r.pts.end());
+    out.right.joints.assign(r.joints.begin() + a, r.joints.end());
+    out.left = std::move(r);
+    out.left.pts.resize(static_cast<size_t>(3 * a + 1));
+    out.left.joints.resize(static_cast<size_t>(a - 1));
+    return;
+  }
+  t = std::clamp(t, 1e-12, 1 - 1e-12);
+  P L[4], R[4];
+  bez::split(&r.pts[3 * q], t, L, R);
+  out.point = L[3];
+  out.smooth[0] = out.smooth[1] = true;
+  const int a0 = Impl::prevVertexAnchor(r, q + 1), a1 = Impl::nextVertexAnchor(r, q);
+  const bool s0 = a0 == 0 ? startSel : r.joints[a0 - 1].selected;
+  const bool s1 = a1 == m ? endSel : r.joints[a1 - 1].selected;
+  out.selected = s0 && s1;
+  out.right.pts.reserve(r.pts.size() - 3 * q);
+  out.right.pts.assign(R, R + 4);
+  out.right.pts.insert(out.right.pts.end(), r.pts.begin() + 3 * q + 4, r.pts.end());
+  out.right.joints.assign(r.joints.begin() + q, r.joints.end());
+  out.left = std::move(r);
+  out.left.pts.resize(static_cast<size_t>(3 * q + 4));
+  std::copy(L, L + 4, out.left.pts.begin() + 3 * q);
+  out.left.joints.resize(static_cast<size_t>(q));
+}
+
+// The iso-curve at fraction f of the patch between lines k and k + 1 of
+// `axis`, from cross line b to b + 1, exactly: a chain with breakpoints
+// wherever either side run has one. Writing S0, S1 for the side runs (on
+// lines k and k + 1) and C0, C1 for the crossing runs (on cross lines b and
+// b + 1), the Coons patch restricted to the line is
+//   (1 - f) S0(t) + f S1(t) + (1 - t) A + t C,
+//   A = C0(f) - (1 - f) C0(0) - f C0(1),  C = C1(f) - (1 - f) C1(0) - f C1(1),
+// which is a cubic on every piece between the side runs' breakpoints.
+Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f) {
+  using Impl = GradientMesh::Impl;
+  const int cross = 1 - axis;
+  const Run& S0 = m.cellOnAxis(axis, k, b).run[cross];
+  const Run& S1 = m.cellOnAxis(axis, k + 1, b).run[cross];
+  const Run& C0 = m.cellOnAxis(axis, k, b).run[axis];
+  const Run& C1 = m.cellOnAxis(axis, k, b + 1).run[axis];
+  const P a0 = m.cellOnAxis(axis, k, b).node.p, b0 = m.cellOnAxis(axis, k + 1, b).node.p;
+  const P a1 = m.cellOnAxis(axis, k, b + 1).node.p, b1 = m.cellOnAxis(axis, k + 1, b + 1).node.p;
+  P cf0, cf1;
+  Impl::chainEval(C0, f, &cf0, nullptr);
+  Impl::chainEval(C1, f, &cf1, nullptr);
+  const P A = cf0 - (1 - f) * a0 - f * b0;
+  const P Cc = cf1 - (1 - f) * a1 - f * b1;
+  // Breakpoints of both side runs, merged in order, near-duplicates once.
+  const int m0 = S0.pieces(), m1 = S1.pieces();
+  std::vector<double>& cuts = m.scratch.cuts;
+  cuts.clear();
+  for (int a = 0, c = 0; a <= m0 || c <= m1;) {
+    const double x0 = a <= m0 ? static_cast<double>(a) / m0 : 2.0;
+    const double x1 = c <= m1 ? static_cast<double>(c) / m1 : 2.0;
+    const double x = std::min(x0, x1);
+    (x0 <= x1 ? a : c)++;
+    if (cuts.empty() || x - cuts.back() > 1e-12) cuts.push_back(x);
+  }
+  cuts.back() = 1;
+  auto sub = [](const Run& r, double t0, double t1, P* out) {
+    const int pieces = r.pieces();
+    const double mid = 0.5 * (t0 + t1) * pieces;
+    const int q = std::min(static_cast<int>(mid), pieces - 1);
+    subCurve(&r.pts[3 * q], std::clamp(t0 * pieces - q, 0.0, 1.0), std::clamp(t1 * pieces - q, 0.0, 1.0), out);
+  };
+  Run out;
+  out.pts.reserve(3 * (cuts.size() - 1) + 1);
+  for (size_t c = 0; c + 1 < cuts.size(); ++c) {
+    const double t0 = cuts[c], t1 = cuts[c + 1];
+    P ls[4], rs[4];
+    sub(S0, t0, t1, ls);
+    sub(S1, t0, t1, rs);
+    const P l0 = (1 - t0) * A + t0 * Cc, l1 = (1 - t1) * A + t1 * Cc;
+    const P lin[4] = {l0, lerp(l0, l1, 1.0 / 3.0), lerp(l0, l1, 2.0 / 3.0), l1};
+    for (int q = (c == 0 ? 0 : 1); q < 4; ++q) out.pts.push_back((1 - f) * ls[q] + f * rs[q] + lin[q]);
+  }
+  out.joints.assign(static_cast<size_t>(out.pieces() - 1), Joint{});
+  return out;
+}
+
+}  // namespace
+
+void GradientMesh::Impl::reindexRun(int axis, int i, int j) {
+  const Run& r = runAt(axis, i, j);
+  const int32_t cs = col[i], rs = row[j];
+  for (size_t k = 0; k < r.joints.size(); ++k)
+    if (r.joints[k].id != kNoVertex)
+      locs[r.joints[k].id] = Loc{kInnerLoc, static_cast<int8_t>(axis), cs, rs, static_cast<int32_t>(k + 1)};
+}
+
+void GradientMesh::Impl::killRun(const Run& r) {
+  for (const Joint& jt : r.joints)
+    if (jt.id != kNoVertex) locs[jt.id].kind = kDead;
+}
+
+void GradientMesh::Impl::init(int i, int j) {
+  I = i, J = j;
+  locs.clear();
+  col.resize(I + 1), colPos.resize(I + 1), row.resize(J + 1), rowPos.resize(J + 1);
+  for (int k = 0; k <= I; ++k) col[k] = colPos[k] = k;
+  for (int k = 0; k <= J; ++k) row[k] = rowPos[k] = k;
+  cells.assign(static_cast<size_t>(I + 1), std::vector<Cell>(static_cast<size_t>(J + 1)));
+  u.resize(I + 1), v.resize(J + 1);
+  for (int k = 0; k <= I; ++k) u[k] = static_cast<double>(k) / I;
+  for (int k = 0; k <= J; ++k) v[k] = static_cast<double>(k) / J;
+  u[I] = 1, v[J] = 1;
+  locs.reserve(static_cast<size_t>((I + 1) * (J + 1)));
+  for (int b = 0; b <= J; ++b)
+    for (int a = 0; a <= I; ++a) {
+      Node& n = nodeAt(a, b);
+      n.p = {static_cast<double>(a) / I, static_cast<double>(b) / J};
+      n.color = whiteColor();
+      n.id = newId(Loc{kNodeLoc, 0, a, b, 0});
+    }
+  for (int b = 0; b <= J; ++b)
+    for (int a = 0; a < I; ++a) runAt(0, a, b) = straightRun(nodeAt(a, b).p, nodeAt(a + 1, b).p);
+  for (int b = 0; b < J; ++b)
+    for (int a = 0; a <= I; ++a) runAt(1, a, b) = straightRun(nodeAt(a, b).p, nodeAt(a, b + 1).p);
+  dirty = true;
+}
+
+int GradientMesh::Impl::deadSlots() const {
+  return static_cast<int>(std::count(colPos.begin(), colPos.end(), -1) +
+                          std::count(rowPos.begin(), rowPos.end(), -1));
+}
+
+void GradientMesh::Impl::compact() {
+  std::vector<std::vector<Cell>> fresh(static_cast<size_t>(I + 1));
+  for (int i = 0; i <= I; ++i) {
+    fresh[i].reserve(static_cast<size_t>(J + 1));
+    for (int j = 0; j <= J; ++j) fresh[i].push_back(std::move(cellAt(i, j)));
+  }
+  cells = std::move(fresh);
+  col.resize(I + 1), colPos.resize(I + 1), row.resize(J + 1), rowPos.resize(J + 1);
+  for (int k = 0; k <= I; ++k) col[k] = colPos[k] = k;
+  for (int k = 0; k <= J; ++k) row[k] = rowPos[k] = k;
+  for (int j = 0; j <= J; ++j)
+    for (int i = 0; i <= I; ++i) {
+      setNodeLoc(nodeAt(i, j).id, i, j);
+      if (i < I) reindexRun(0, i, j);
+      if (j < J) reindexRun(1, i, j);
+    }
+}
+
+int GradientMesh::Impl::insertLine(int axis, double at) {
+  const int n = count(axis), m = count(1 - axis);
+  if (!(at > 0 && at < n)) return -1;
+  const int k = static_cast<int>(std::floor(at));
+  const double f = at - k;
+  if (f < 1e-9 || f > 1 - 1e-9) return -1;
+  std::vector<double>& g = axis == 0 ? u : v;
+  const double gnew = g[k] + f * (g[k + 1] - g[k]);
+
+  // Everything the new line needs is read before the storage changes.
+  std::vector<AIColor>& cols = scratch.cols;
+  std::vector<double>& ops = scratch.ops;
+  std::vector<SplitInfo>& splits = scratch.splits;
+  std::vector<Run>& iso = scratch.iso;
+  cols.resize(static_cast<size_t>(m + 1));
+  ops.resize(static_cast<size_t>(m + 1));
+  splits.resize(static_cast<size_t>(m + 1));
+  iso.resize(static_cast<size_t>(m));
+  for (int b = 0; b <= m; ++b) edgePaint(axis, k, b, f, &cols[b], &ops[b]);
+  // The iso-curves read the crossing runs whole, so they come first; their
+  // ends are the split points, set once the runs are split.
+  for (int b = 0; b < m; ++b) iso[b] = isoCurve(*this, axis, k, b, f);
+  for (int b = 0; b <= m; ++b)
+    splitRun(cellOnAxis(axis, k, b).run[axis], f, cellOnAxis(axis, k, b).node.selected,
+             cellOnAxis(axis, k + 1, b).node.selected, splits[b]);
+  for (int b = 0; b < m; ++b) {
+    iso[b].pts.front() = splits[b].point;
+    iso[b].pts.back() = splits[b + 1].point;
+  }
+  const bool noneMesh = nodeAt(0, 0).color.kind == kNoneColor;
+
+  // A new slot for the line, entered into the order tables after line k.
+  if (axis == 0) {
+    const int32_t cs = static_cast<int32_t>(cells.size());
+    cells.emplace_back(rowPos.size());
+    col.insert(col.begin() + k + 1, cs);
+    colPos.push_back(0);
+    ++I;
+    for (int i = k + 1; i <= I; ++i) colPos[col[i]] = i;
+  } else {
+    const int32_t rs = static_cast<int32_t>(rowPos.size());
+    for (size_t c = 0; c < cells.size(); ++c)
+      if (colPos[c] >= 0) cells[c].emplace_back();
+    row.insert(row.begin() + k + 1, rs);
+    rowPos.push_back(0);
+    ++J;
+    for (int j = k + 1; j <= J; ++j) rowPos[row[j]] = j;
+  }
+  g.insert(g.begin() + k + 1, gnew);
+
+  const int back = axis, fwd = axis + 2;
+  for (int b = 0; b <= m; ++b) {
+    SplitInfo& s = splits[b];
+    Cell& mid = cellOnAxis(axis, k + 1, b);
+    cellOnAxis(axis, k, b).run[axis] = std::move(s.left);
+    mid.run[axis] = std::move(s.right);
+    Node& d = mid.node;
+    d = Node{};
+    d.id = s.reuse != kNoVertex ? s.reuse : newId(Loc{});
+    const int ni = axis == 0 ? k + 1 : b, nj = axis == 0 ? b : k + 1;
+    setNodeLoc(d.id, ni, nj);
+    d.p = s.point;
+    d.color = cols[b];
+    if (d.color.kind == kNoneColor && !noneMesh) d.color = whiteColor();
+    d.opacity = ops[b];
+    d.selected = s.selected;
+    d.smooth[back] = s.smooth[0];
+    d.smooth[fwd] = s.smooth[1];
+    reindexRun(axis, ni, nj);
+    if (b < m) mid.run[1 - axis] = std::move(iso[b]);
+  }
+  // Inner nodes of the new line are smooth across it where its runs meet
+  // in a straight line.
+  const int cback = 1 - axis, cfwd = 3 - axis;
+  for (int b = 1; b < m; ++b) {
+    Cell& c = cellOnAxis(axis, k + 1, b);
+    const bool sm = collinear(cellOnAxis(axis, k + 1, b - 1).run[1 - axis].pts.end()[-2], c.node.p,
+                              c.run[1 - axis].pts[1]);
+    c.node.smooth[cback] = c.node.smooth[cfwd] = sm;
+  }
+  dirty = true;
+  return k + 1;
+}
+
+void GradientMesh::Impl::deleteLine(int axis, int k) {
+  const int m = count(1 - axis);
+  const int back = axis, fwd = axis + 2;
+  for (int b = 0; b <= m; ++b) {
+    Cell& gone = cellOnAxis(axis, k, b);
+    Run& l = cellOnAxis(axis, k - 1, b).run[axis];
+    const Run& r = gone.run[axis];
+    l.pts.insert(l.pts.end(), r.pts.begin() + 1, r.pts.end());
+    Joint jt;
+    jt.id = gone.node.id;
+    jt.selected = gone.node.selected;
+    jt.smooth[0] = gone.node.smooth[back];
+    jt.smooth[1] = gone.node.smooth[fwd];
+    l.joints.push_back(jt);
+    l.joints.insert(l.joints.end(), r.joints.begin(), r.joints.end());
+    if (axis == 0)
+      reindexRun(axis, k - 1, b);
+    else
+      reindexRun(axis, b, k - 1);
+    if (b < m) killRun(gone.run[1 - axis]);
+  }
+  if (axis == 0) {
+    const int32_t cs = col[k];
+    col.erase(col.begin() + k);
+    colPos[cs] = -1;
+    --I;
+    for (int i = k; i <= I; ++i) colPos[col[i]] = i;
+    std::vector<Cell>().swap(cells[cs]);
+    u.erase(u.begin() + k);
+  } else {
+    const int32_t rs = row[k];
+    row.erase(row.begin() + k);
+    rowPos[rs] = -1;
+    --J;
+    for (int j = k; j <= J; ++j) rowPos[row[j]] = j;
+    for (size_t c = 0; c < cells.size(); ++c)
+      if (colPos[c] >= 0) cells[c][rs] = Cell{};
+    v.erase(v.begin() + k);
+  }
+  dirty = true;
+  if (deadSlots() > I + J + 2) compact();
+}
+
+// ---- public grid edits -------------------------------------------------------
+
+void GradientMesh::initCartesian(int i, int j) { impl_->init(std::max(i, 1), std::max(j, 1)); }
+
+double GradientMesh::relativeU(int i) const { return i >= 0 && i <= impl_->I ? impl_->u[i] : 0; }
+double GradientMesh::relativeV(int j) const { return j >= 0 && j <= impl_->J ? impl_->v[j] : 0; }
+const std::vector<double>& GradientMesh::relativeUs() const { return impl_->u; }
+const std::vector<double>& GradientMesh::relativeVs() const { return impl_->v; }
+
+int GradientMesh::insertU(double u) { return impl_->insertLine(0, u); }
+int GradientMesh::insertV(double v) { return impl_->insertLine(1, v); }
+
+bool GradientMesh::deleteGridLines(double u, double v) {
+  auto interior = [](double x, int n, int* k) {
+    if (!std::isfinite(x)) return false;
+    const double r = std::round(x);
+    if (std::abs(x - r) > 1e-9 || r <= 0 || r >= n) return false;
+    *k = static_cast<int>(r);
+    return true;
+  };
+  int ku = 0, kv = 0;
+  const bool du = interior(u, impl_->I, &ku), dv = interior(v, impl_->J, &kv);
+  if (du) impl_->deleteLine(0, ku);
+  if (dv) impl_->deleteLine(1, kv);
+  return du || dv;
+}
+
+}  // namespace lb::host

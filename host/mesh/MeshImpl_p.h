@@ -1,0 +1,205 @@
+// Private storage of the gradient-mesh engine, shared by its source files.
+//
+// Storage. Every node lives in a cell together with the two runs that leave
+// it forwards (along I and along J). Cells are addressed by a column slot and
+// a row slot that never change while the node exists; the order tables `col`
+// and `row` map the logical indices i and j to slots, and `colPos` / `rowPos`
+// map slots back (-1 for a deleted line). Inserting or deleting a grid line
+// therefore touches the order tables, the cells of that one line and the runs
+// that cross it: O(I + J), never the whole mesh.
+//
+// Vertex ids index `locs`, which records where a vertex lives in slot
+// coordinates, so a node's location survives insertions elsewhere unchanged.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/Color.h"
+#include "host/mesh/Bezier.h"
+#include "host/mesh/GradientMesh.h"
+
+namespace lb::host {
+
+using P = AIRealPoint;
+
+// An interior anchor of a run: a non-node vertex (with an id) or a knot.
+struct Joint {
+  VertexId id = kNoVertex;  // kNoVertex: a knot
+  bool selected = false;
+  bool smooth[2] = {false, false};  // backward, forward
+};
+
+// The chain between two adjacent nodes of a grid line.
+struct Run {
+  std::vector<P> pts;         // 3m + 1
+  std::vector<Joint> joints;  // m - 1
+  int pieces() const { return (static_cast<int>(pts.size()) - 1) / 3; }
+};
+
+struct Node {
+  VertexId id = kNoVertex;
+  P p{0, 0};
+  AIColor color{};
+  double opacity = 1.0;
+  bool selected = false;
+  bool smooth[4] = {false, false, false, false};  // by direction
+};
+
+// A node and the runs leaving it forwards: run[0] along I, run[1] along J.
+// Runs past the last line of their axis stay empty.
+struct Cell {
+  Node node;
+  Run run[2];
+};
+
+enum : int8_t { kDead = 0, kNodeLoc = 1, kInnerLoc = 2 };
+
+// Where a vertex lives, in slot coordinates: a node, or anchor a of the run
+// along `axis` that leaves the node in cell (cs, rs).
+struct Loc {
+  int8_t kind = kDead;
+  int8_t axis = 0;
+  int32_t cs = 0, rs = 0, a = 0;
+};
+
+// A vertex's location in logical indices.
+struct Where {
+  int8_t kind = kDead;
+  int8_t axis = 0;
+  int32_t i = 0, j = 0, a = 0;
+  explicit operator bool() const { return kind != kDead; }
+};
+
+// The two halves of a run split at a chain parameter, and the node between.
+struct SplitInfo {
+  Run left, right;
+  P point{};
+  VertexId reuse = kNoVertex;  // the interior vertex that becomes the node
+  bool selected = false;
+  bool smooth[2] = {false, false};
+};
+
+// Work buffers of a grid-line insertion, kept between insertions so that
+// inserting many lines allocates no large blocks; never copied.
+struct EditScratch {
+  std::vector<AIColor> cols;
+  std::vector<double> ops;
+  std::vector<SplitInfo> splits;
+  std::vector<Run> iso;
+  std::vector<double> cuts;
+  EditScratch() = default;
+  EditScratch(const EditScratch&) {}
+  EditScratch& operator=(const EditScratch&) { return *this; }
+};
+
+// Opposite handles on one line through the anchor.
+bool collinear(P in, P anchor, P out);
+
+struct GradientMesh::Impl {
+  int I = 1, J = 1;
+  std::vector<double> u{0, 1}, v{0, 1};
+  std::vector<int32_t> col, row;        // logical index -> slot
+  std::vector<int32_t> colPos, rowPos;  // slot -> logical index, -1 when deleted
+  std::vector<std::vector<Cell>> cells;  // [column slot][row slot]
+  std::vector<Loc> locs;                 // by vertex id
+
+  // Colour field cache: per node in row order, the components of the mesh's
+  // colour kind followed by the opacity, with their slopes along u and v.
+  // Rebuilt lazily on the first evaluation after a change.
+  mutable bool dirty = true;
+  mutable AIColorTag kind = kThreeColor;
+  mutable int nc = 3;
+  mutable std::vector<double> val, du, dv;
+
+  mutable EditScratch scratch;
+
+  // ---- addressing ----
+  Cell& cellAt(int i, int j) { return cells[col[i]][row[j]]; }
+  const Cell& cellAt(int i, int j) const { return cells[col[i]][row[j]]; }
+  Node& nodeAt(int i, int j) { return cellAt(i, j).node; }
+  const Node& nodeAt(int i, int j) const { return cellAt(i, j).node; }
+  bool runExists(int axis, int i, int j) const {
+    return axis == 0 ? (i >= 0 && i < I && j >= 0 && j <= J) : (i >= 0 && i <= I && j >= 0 && j < J);
+  }
+  Run& runAt(int axis, int i, int j) { return cellAt(i, j).run[axis]; }
+  const Run& runAt(int axis, int i, int j) const { return cellAt(i, j).run[axis]; }
+  static void runEndNode(int axis, int i, int j, int* ei, int* ej) {
+    *ei = axis == 0 ? i + 1 : i;
+    *ej = axis == 0 ? j : j + 1;
+  }
+  // Cell a along axis `axis` and b across it: (i, j) = (a, b) for axis 0,
+  // (b, a) for axis 1.
+  Cell& cellOnAxis(int axis, int a, int b) { return axis == 0 ? cellAt(a, b) : cellAt(b, a); }
+  const Cell& cellOnAxis(int axis, int a, int b) const { return axis == 0 ? cellAt(a, b) : cellAt(b, a); }
+  int count(int axis) const { return axis == 0 ? I : J; }
+
+  // ---- vertex ids ----
+  VertexId newId(const Loc& l) {
+    locs.push_back(l);
+    return static_cast<VertexId>(locs.size() - 1);
+  }
+  Where loc(VertexId id) const {
+    if (id >= locs.size() || locs[id].kind == kDead) return Where{};
+    const Loc& l = locs[id];
+    return Where{l.kind, l.axis, colPos[l.cs], rowPos[l.rs], l.a};
+  }
+  void setNodeLoc(VertexId id, int i, int j) { locs[id] = Loc{kNodeLoc, 0, col[i], row[j], 0}; }
+  // Records the location of every vertex inside run (axis, i, j).
+  void reindexRun(int axis, int i, int j);
+  // Marks every vertex inside a run dead.
+  void killRun(const Run& r);
+
+  // Calls f on every interior anchor of every run, in walk order of runs.
+  template <class F>
+  void forEachJoint(F f) const {
+    for (int j = 0; j <= J; ++j)
+      for (int i = 0; i <= I; ++i)
+        for (int axis = 0; axis < 2; ++axis)
+          if (runExists(axis, i, j))
+            for (const Joint& jt : runAt(axis, i, j).joints) f(jt);
+  }
+
+  void init(int i, int j);
+  // Rebuilds the slot storage in logical order, dropping deleted lines.
+  void compact();
+  int deadSlots() const;
+
+  // ---- vertices in runs ----
+  VertexId anchorId(int axis, int i, int j, int a) const;
+  static int nextVertexAnchor(const Run& r, int a);
+  static int prevVertexAnchor(const Run& r, int a);
+  static VertexId firstInner(const Run& r, int after);
+
+  // A segment as a range of anchors [a0, a1] of one run.
+  struct Span {
+    int axis = 0, i = 0, j = 0, a0 = 0, a1 = 0;
+    bool fwd = true;
+  };
+  bool span(SegmentRef s, Span* out) const;
+
+  void setNodePoint(int i, int j, P p);
+  void setRunPoint(int axis, int i, int j, int idx, P p);
+
+  // ---- geometry (MeshGeometry.cpp) ----
+  static void chainEval(const Run& r, double s, P* p, P* d);
+  void patchEval(int i, int j, double s, double t, P* p, P* ps, P* pt) const;
+  void clampCell(int* i, int* j, double* s, double* t) const;
+  static void locate(const std::vector<double>& g, double x, int* cell, double* local);
+
+  // ---- colour field (ColorField.cpp) ----
+  void buildColor() const;
+  double fieldAt(int i, int j, double s, double t, int c) const;
+  AIColor colorAt(int i, int j, double s, double t) const;
+  double opacityAt(int i, int j, double s, double t) const;
+  // Colour and opacity of the surface on cross line b at fraction f of the
+  // cell between lines k and k + 1 of `axis`, computed from the nodes of
+  // that neighbourhood alone (the same values the full field gives).
+  void edgePaint(int axis, int k, int b, double f, AIColor* color, double* opacity) const;
+
+  // ---- grid edits (GridEdits.cpp) ----
+  int insertLine(int axis, double at);
+  void deleteLine(int axis, int k);
+};
+
+}  // namespace lb::host
