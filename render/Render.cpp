@@ -308,14 +308,13 @@ class Renderer {
   // Parameters at which a patch is cut, along one direction: the knots of
   // the two runs across that direction (so every cell side is one cubic of
   // the surface) and `cuts` equal steps for the colour.
-  static std::vector<double> cutParameters(size_t piecesA, size_t piecesB, int cuts) {
-    std::vector<double> at{0.0, 1.0};
+  static void cutParameters(size_t piecesA, size_t piecesB, int cuts, std::vector<double>& at) {
+    at.assign({0.0, 1.0});
     for (size_t q = 1; q < piecesA; ++q) at.push_back(static_cast<double>(q) / piecesA);
     for (size_t q = 1; q < piecesB; ++q) at.push_back(static_cast<double>(q) / piecesB);
     for (int q = 1; q < cuts; ++q) at.push_back(static_cast<double>(q) / cuts);
     std::sort(at.begin(), at.end());
     at.erase(std::unique(at.begin(), at.end(), [](double a, double b) { return b - a < 1e-9; }), at.end());
-    return at;
   }
 
   // Cairo draws a patch's colour bilinearly in (s, t) and its shape as the
@@ -324,7 +323,7 @@ class Renderer {
   // be: at the knots of its runs, and, for the colour, into as many equal
   // steps per direction as keep straight interpolation within
   // kColourTolerance of the engine's colour (estimated from the largest
-  // second difference of colour samples a quarter apart), but no finer than
+  // second difference of colour samples a third apart), but no finer than
   // cells a few device pixels wide. A patch whose colour is already
   // bilinear enough is one cairo patch.
   void addPatch(cairo_pattern_t* pat, const GradientMesh& mesh, int i, int j) {
@@ -334,32 +333,36 @@ class Renderer {
     const auto& top = mesh.runPoints(0, i, j + 1);
     const auto& left = mesh.runPoints(1, i, j);
     const auto& right = mesh.runPoints(1, i + 1, j);
-    Rgba c[5][5];  // c[a][b] at s = a / 4, t = b / 4
-    for (int b = 0; b <= 4; ++b)
-      for (int a = 0; a <= 4; ++a) c[a][b] = colourAt(mesh, i, j, a / 4.0, b / 4.0);
+    Rgba c[4][4];  // c[a][b] at s = a / 3, t = b / 3
+    for (int b = 0; b <= 3; ++b)
+      for (int a = 0; a <= 3; ++a) c[a][b] = colourAt(mesh, i, j, a / 3.0, b / 3.0);
     double bendS = 0, bendT = 0;  // largest second differences
-    for (int b = 0; b <= 4; ++b)
-      for (int a = 1; a <= 3; ++a) {
+    for (int b = 0; b <= 3; ++b)
+      for (int a = 1; a <= 2; ++a) {
         bendS = std::max(bendS, secondDifference(c[a - 1][b], c[a][b], c[a + 1][b]));
         bendT = std::max(bendT, secondDifference(c[b][a - 1], c[b][a], c[b][a + 1]));
       }
-    // A quarter-step second difference d means |f''| ~ 16 d; straight
-    // interpolation over steps of 1 / n then misses by up to 2 d / n^2.
+    // A second difference d over steps of a third means |f''| ~ 9 d;
+    // straight interpolation over steps of 1 / n then misses by up to
+    // 9 d / (8 n^2).
     auto cutsFor = [&](double bend, double lengthPx) {
-      if (bend * 2 <= kColourTolerance) return 1;
-      const double byColour = std::ceil(std::sqrt(2 * bend / kColourTolerance));
+      const double miss = 9 * bend / 8;
+      if (miss <= kColourTolerance) return 1;
+      const double byColour = std::ceil(std::sqrt(miss / kColourTolerance));
       const double bySize = std::ceil(lengthPx / kCellPx);
       return static_cast<int>(std::clamp(std::min(byColour, bySize), 1.0, 32.0));
     };
     const double scale = opt_.scale;
     const int cutsS = cutsFor(bendS, std::max(polygonLength(bottom), polygonLength(top)) * scale);
     const int cutsT = cutsFor(bendT, std::max(polygonLength(left), polygonLength(right)) * scale);
-    const std::vector<double> S = cutParameters((bottom.size() - 1) / 3, (top.size() - 1) / 3, cutsS);
-    const std::vector<double> T = cutParameters((left.size() - 1) / 3, (right.size() - 1) / 3, cutsT);
+    std::vector<double>& S = scratch_.S;
+    std::vector<double>& T = scratch_.T;
+    cutParameters((bottom.size() - 1) / 3, (top.size() - 1) / 3, cutsS, S);
+    cutParameters((left.size() - 1) / 3, (right.size() - 1) / 3, cutsT, T);
     const Rgba& c00 = c[0][0];
-    const Rgba& c10 = c[4][0];
-    const Rgba& c11 = c[4][4];
-    const Rgba& c01 = c[0][4];
+    const Rgba& c10 = c[3][0];
+    const Rgba& c11 = c[3][3];
+    const Rgba& c01 = c[0][3];
     if (S.size() == 2 && T.size() == 2) {
       // One cell whose sides are the runs themselves.
       const AIRealPoint side[4][4] = {{bottom[0], bottom[1], bottom[2], bottom[3]},
@@ -371,8 +374,12 @@ class Renderer {
       return;
     }
     const size_t ns = S.size(), nt = T.size();
-    std::vector<AIRealPoint> node(ns * nt), dS, dT;
-    std::vector<Rgba> colour(ns * nt);
+    std::vector<AIRealPoint>& node = scratch_.node;
+    std::vector<AIRealPoint>& dS = scratch_.dS;
+    std::vector<AIRealPoint>& dT = scratch_.dT;
+    std::vector<Rgba>& colour = scratch_.colour;
+    node.resize(ns * nt);
+    colour.resize(ns * nt);
     // With single-cubic runs the surface is one polynomial piece and the
     // derivatives at the cell corners give the sides; across knots they
     // are ambiguous, so the sides come from points on the surface instead.
@@ -385,7 +392,12 @@ class Renderer {
           mesh.patchDerivs(i, j, S[a], T[b], &node[k], &dS[k], &dT[k]);
         else
           node[k] = mesh.patchPoint(i, j, S[a], T[b]);
-        colour[k] = colourAt(mesh, i, j, S[a], T[b]);
+        // Nodes at thirds already have their colour sample.
+        const double a3 = S[a] * 3, b3 = T[b] * 3;
+        if (std::fabs(a3 - std::round(a3)) < 1e-9 && std::fabs(b3 - std::round(b3)) < 1e-9)
+          colour[k] = c[static_cast<int>(std::lround(a3))][static_cast<int>(std::lround(b3))];
+        else
+          colour[k] = colourAt(mesh, i, j, S[a], T[b]);
       }
     // Inner control points of the cell side from node n0 to node n1, which
     // lies `h` further in s (alongS) or t: from the derivatives, or from
@@ -408,7 +420,10 @@ class Renderer {
       k2->h = (2 * p0.h - 9 * p1.h + 18 * p2.h - 5 * p3.h) / 6;
       k2->v = (2 * p0.v - 9 * p1.v + 18 * p2.v - 5 * p3.v) / 6;
     };
-    std::vector<AIRealPoint> alongS(2 * (ns - 1) * nt), alongT(2 * ns * (nt - 1));
+    std::vector<AIRealPoint>& alongS = scratch_.alongS;
+    std::vector<AIRealPoint>& alongT = scratch_.alongT;
+    alongS.resize(2 * (ns - 1) * nt);
+    alongT.resize(2 * ns * (nt - 1));
     for (size_t b = 0; b < nt; ++b)
       for (size_t a = 0; a + 1 < ns; ++a) {
         const size_t k = 2 * (a + b * (ns - 1));
@@ -513,6 +528,13 @@ class Renderer {
   }
 
   using MeshRunData = lb::host::MeshRunData;
+
+  // Working arrays of addPatch, kept between patches.
+  struct {
+    std::vector<double> S, T;
+    std::vector<AIRealPoint> node, dS, dT, alongS, alongT;
+    std::vector<Rgba> colour;
+  } scratch_;
 
   const Document& doc_;
   cairo_t* cr_;
