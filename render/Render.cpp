@@ -6,6 +6,7 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -76,6 +77,95 @@ void unite(AIRealRect& r, const AIRealRect& o, bool& any) {
   r.bottom = std::min(r.bottom, o.bottom);
   r.top = std::max(r.top, o.top);
 }
+
+// Builds a path from user-space points such that no device coordinate
+// handed to cairo leaves [-kReach, kReach] (cairo keeps device coordinates
+// in 24.8 fixed point and wraps beyond 2^23). A curve inside that box is
+// passed on as it is; a curve whose control points all lie beyond one side
+// of the box becomes the straight line between its end points clamped
+// onto the box; any other curve is halved until one of the two holds. The
+// picture lies well inside the box, and neither step changes the winding
+// number of any point inside it, so fills and strokes inside the picture
+// are unchanged; only art far outside is flattened onto the box's sides.
+class SafePath {
+ public:
+  static constexpr double kReach = 4194304;  // 2^22 device pixels
+
+  explicit SafePath(cairo_t* cr) : cr_(cr) {}
+
+  void moveTo(AIRealPoint p) {
+    cur_ = device(p);
+    if (inside(cur_))
+      cairo_move_to(cr_, p.h, p.v);
+    else
+      emitMove(clamp(cur_));
+  }
+  void lineTo(AIRealPoint p) {
+    const AIRealPoint d = device(p);
+    if (inside(cur_) && inside(d))
+      cairo_line_to(cr_, p.h, p.v);
+    else
+      piece({cur_, lerp(cur_, d, 1.0 / 3), lerp(cur_, d, 2.0 / 3), d}, 0);
+    cur_ = d;
+  }
+  void curveTo(AIRealPoint a, AIRealPoint b, AIRealPoint c) {
+    const Quad q{cur_, device(a), device(b), device(c)};
+    if (inside(q[0]) && inside(q[1]) && inside(q[2]) && inside(q[3]))
+      cairo_curve_to(cr_, a.h, a.v, b.h, b.v, c.h, c.v);
+    else
+      piece(q, 0);
+    cur_ = q[3];
+  }
+  void close() { cairo_close_path(cr_); }
+
+ private:
+  using Quad = std::array<AIRealPoint, 4>;
+
+  AIRealPoint device(AIRealPoint p) const {
+    double x = p.h, y = p.v;
+    cairo_user_to_device(cr_, &x, &y);
+    return {x, y};
+  }
+  static bool inside(AIRealPoint d) { return std::fabs(d.h) <= kReach && std::fabs(d.v) <= kReach; }
+  static AIRealPoint clamp(AIRealPoint d) {
+    auto c = [](double x) { return std::isnan(x) ? 0.0 : std::clamp(x, -kReach, kReach); };
+    return {c(d.h), c(d.v)};
+  }
+  static AIRealPoint lerp(AIRealPoint a, AIRealPoint b, double t) {
+    return {a.h + (b.h - a.h) * t, a.v + (b.v - a.v) * t};
+  }
+  void emitMove(AIRealPoint d) {
+    double x = d.h, y = d.v;
+    cairo_device_to_user(cr_, &x, &y);
+    cairo_move_to(cr_, x, y);
+  }
+  void emitLine(AIRealPoint d) {
+    double x = d.h, y = d.v;
+    cairo_device_to_user(cr_, &x, &y);
+    cairo_line_to(cr_, x, y);
+  }
+  void emitCurve(const Quad& q) {
+    double x[3] = {q[1].h, q[2].h, q[3].h}, y[3] = {q[1].v, q[2].v, q[3].v};
+    for (int k = 0; k < 3; ++k) cairo_device_to_user(cr_, &x[k], &y[k]);
+    cairo_curve_to(cr_, x[0], y[0], x[1], y[1], x[2], y[2]);
+  }
+  void piece(const Quad& q, int depth) {
+    if (inside(q[0]) && inside(q[1]) && inside(q[2]) && inside(q[3])) return emitCurve(q);
+    auto all = [&](auto&& test) { return test(q[0]) && test(q[1]) && test(q[2]) && test(q[3]); };
+    const bool beyond = all([](AIRealPoint d) { return d.h > kReach; }) ||
+                        all([](AIRealPoint d) { return d.h < -kReach; }) ||
+                        all([](AIRealPoint d) { return d.v > kReach; }) ||
+                        all([](AIRealPoint d) { return d.v < -kReach; });
+    if (beyond || depth >= 60) return emitLine(clamp(q[3]));
+    const AIRealPoint ab = lerp(q[0], q[1], 0.5), bc = lerp(q[1], q[2], 0.5), cd = lerp(q[2], q[3], 0.5);
+    const AIRealPoint abc = lerp(ab, bc, 0.5), bcd = lerp(bc, cd, 0.5), mid = lerp(abc, bcd, 0.5);
+    piece({q[0], ab, abc, mid}, depth + 1);
+    piece({mid, bcd, cd, q[3]}, depth + 1);
+  }
+
+  cairo_t* cr_;
+  AIRealPoint cur_{0, 0};
+};
 
 class Renderer {
  public:
@@ -168,18 +258,19 @@ class Renderer {
     if (!styled.graphicStyle.empty())
       if (const auto* gs = doc_.styleByName(styled.graphicStyle)) st = gs->paint, alpha = gs->opacity;
     cairo_new_path(cr_);
+    SafePath path(cr_);
     for (const ArtObject* p : parts) {
       const auto& segs = p->segments;
       if (segs.empty()) continue;
-      cairo_move_to(cr_, segs[0].p.h, segs[0].p.v);
+      path.moveTo(segs[0].p);
       const size_t n = segs.size();
       const size_t pieces = p->closed ? n : n - 1;
       for (size_t k = 0; k < pieces; ++k) {
         const AIPathSegment& a = segs[k];
         const AIPathSegment& b = segs[(k + 1) % n];
-        cairo_curve_to(cr_, a.out.h, a.out.v, b.in.h, b.in.v, b.p.h, b.p.v);
+        path.curveTo(a.out, b.in, b.p);
       }
-      if (p->closed) cairo_close_path(cr_);
+      if (p->closed) path.close();
     }
     cairo_set_fill_rule(cr_, rule);
     if (st.fillPaint && setColor(cr_, st.fill.color, alpha)) cairo_fill_preserve(cr_);
@@ -236,7 +327,12 @@ class Renderer {
     cairo_transform(cr_, &flip);
     cairo_set_source_surface(cr_, surf.get(), 0, 0);
     cairo_pattern_set_filter(cairo_get_source(cr_), CAIRO_FILTER_NEAREST);
-    cairo_rectangle(cr_, 0, 0, im.width, im.height);
+    SafePath path(cr_);
+    path.moveTo({0, 0});
+    path.lineTo({static_cast<double>(im.width), 0});
+    path.lineTo({static_cast<double>(im.width), static_cast<double>(im.height)});
+    path.lineTo({0, static_cast<double>(im.height)});
+    path.close();
     cairo_fill(cr_);
     cairo_restore(cr_);
   }
@@ -266,21 +362,22 @@ class Renderer {
   // back, left runs down.
   void traceOutline(const GradientMesh& mesh) {
     const int I = mesh.sizeI(), J = mesh.sizeJ();
-    cairo_move_to(cr_, mesh.runPoints(0, 0, 0)[0].h, mesh.runPoints(0, 0, 0)[0].v);
+    SafePath path(cr_);
+    path.moveTo(mesh.runPoints(0, 0, 0)[0]);
     auto run = [&](const std::vector<AIRealPoint>& pts, bool forward) {
       const size_t n = pts.size();
       for (size_t k = 1; k + 2 < n; k += 3) {
-        const AIRealPoint& a = forward ? pts[k] : pts[n - 1 - k];
-        const AIRealPoint& b = forward ? pts[k + 1] : pts[n - 2 - k];
-        const AIRealPoint& c = forward ? pts[k + 2] : pts[n - 3 - k];
-        cairo_curve_to(cr_, a.h, a.v, b.h, b.v, c.h, c.v);
+        if (forward)
+          path.curveTo(pts[k], pts[k + 1], pts[k + 2]);
+        else
+          path.curveTo(pts[n - 1 - k], pts[n - 2 - k], pts[n - 3 - k]);
       }
     };
     for (int i = 0; i < I; ++i) run(mesh.runPoints(0, i, 0), true);
     for (int j = 0; j < J; ++j) run(mesh.runPoints(1, I, j), true);
     for (int i = I - 1; i >= 0; --i) run(mesh.runPoints(0, i, J), false);
     for (int j = J - 1; j >= 0; --j) run(mesh.runPoints(1, 0, j), false);
-    cairo_close_path(cr_);
+    path.close();
   }
 
   struct Rgba {
@@ -478,6 +575,8 @@ class Renderer {
     auto dev = [&](AIRealPoint p) {
       return AIRealPoint{(p.h - area_.left) * opt_.scale, (area_.top - p.v) * opt_.scale};
     };
+    // Marks far outside the picture are left out.
+    auto near = [](AIRealPoint d) { return std::fabs(d.h) < SafePath::kReach && std::fabs(d.v) < SafePath::kReach; };
     const double blue[3] = {0.16, 0.43, 0.96};
     cairo_set_source_rgb(cr_, blue[0], blue[1], blue[2]);
     cairo_set_line_width(cr_, 1);
@@ -485,17 +584,15 @@ class Renderer {
       for (int j = 0; j <= mesh.sizeJ() - axis; ++j)
         for (int i = 0; i <= mesh.sizeI() - (1 - axis); ++i) {
           const auto& pts = mesh.runPoints(axis, i, j);
-          AIRealPoint p0 = dev(pts[0]);
-          cairo_move_to(cr_, p0.h, p0.v);
-          for (size_t k = 1; k + 2 < pts.size(); k += 3) {
-            const AIRealPoint a = dev(pts[k]), b = dev(pts[k + 1]), c = dev(pts[k + 2]);
-            cairo_curve_to(cr_, a.h, a.v, b.h, b.v, c.h, c.v);
-          }
+          SafePath line(cr_);
+          line.moveTo(dev(pts[0]));
+          for (size_t k = 1; k + 2 < pts.size(); k += 3) line.curveTo(dev(pts[k]), dev(pts[k + 1]), dev(pts[k + 2]));
           cairo_stroke(cr_);
           const MeshRunData d = mesh.runData(axis, i, j);
           for (size_t k = 0; k < d.inner.size(); ++k)
             if (!d.inner[k].vertex) {
               const AIRealPoint q = dev(pts[3 * (k + 1)]);
+              if (!near(q)) continue;
               cairo_new_sub_path(cr_);
               cairo_arc(cr_, q.h, q.v, 1.5, 0, 2 * M_PI);
               cairo_fill(cr_);
@@ -508,13 +605,16 @@ class Renderer {
         for (int dir = 0; dir < 4; ++dir) {
           if (!mesh.hasSegment(v, dir)) continue;
           const AIRealPoint h = dev(mesh.tangent(v, dir));
-          cairo_move_to(cr_, p.h, p.v);
-          cairo_line_to(cr_, h.h, h.v);
+          SafePath handle(cr_);
+          handle.moveTo(p);
+          handle.lineTo(h);
           cairo_stroke(cr_);
+          if (!near(h)) continue;
           cairo_arc(cr_, h.h, h.v, 2, 0, 2 * M_PI);
           cairo_fill(cr_);
         }
       }
+      if (!near(p)) continue;
       cairo_rectangle(cr_, p.h - 2.5, p.v - 2.5, 5, 5);
       if (sel) {
         cairo_fill(cr_);
