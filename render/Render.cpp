@@ -151,6 +151,8 @@ class SafePath {
   }
   void piece(const Quad& q, int depth) {
     if (inside(q[0]) && inside(q[1]) && inside(q[2]) && inside(q[3])) return emitCurve(q);
+    for (const AIRealPoint& d : q)
+      if (!std::isfinite(d.h) || !std::isfinite(d.v)) return emitLine(clamp(q[3]));
     auto all = [&](auto&& test) { return test(q[0]) && test(q[1]) && test(q[2]) && test(q[3]); };
     const bool beyond = all([](AIRealPoint d) { return d.h > kReach; }) ||
                         all([](AIRealPoint d) { return d.h < -kReach; }) ||
@@ -195,7 +197,7 @@ class Renderer {
       case kMeshArt:
         if (art.mesh) {
           drawMesh(*art.mesh);
-          if (art.selected()) selectedMeshes_.push_back(&art);
+          if (art.selected() && finiteRuns(*art.mesh)) selectedMeshes_.push_back(&art);
         }
         break;
       case kPathArt: drawPaths({&art}, art, CAIRO_FILL_RULE_WINDING); break;
@@ -347,7 +349,7 @@ class Renderer {
   void drawMesh(const GradientMesh& mesh) {
     if (mesh.nodeData(0, 0).color.kind == kNoneColor) return;
     const AIRealRect bb = mesh.bounds();
-    if (!finiteRect(bb) || !overlapsPicture(bb)) return;
+    if (!finiteRect(bb) || !overlapsPicture(bb) || !finiteRuns(mesh)) return;
     Pattern pat(cairo_pattern_create_mesh(), cairo_pattern_destroy);
     for (int j = 0; j < mesh.sizeJ(); ++j)
       for (int i = 0; i < mesh.sizeI(); ++i) addPatch(pat.get(), mesh, i, j);
@@ -356,6 +358,15 @@ class Renderer {
     cairo_set_source(cr_, pat.get());
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
     cairo_fill(cr_);
+  }
+
+  static bool finiteRuns(const GradientMesh& mesh) {
+    for (int axis = 0; axis < 2; ++axis)
+      for (int j = 0; j <= mesh.sizeJ() - axis; ++j)
+        for (int i = 0; i <= mesh.sizeI() - (1 - axis); ++i)
+          for (const AIRealPoint& p : mesh.runPoints(axis, i, j))
+            if (!std::isfinite(p.h) || !std::isfinite(p.v)) return false;
+    return true;
   }
 
   // The border of the mesh: bottom runs forward, right runs up, top runs
@@ -387,7 +398,8 @@ class Renderer {
   static Rgba colourAt(const GradientMesh& mesh, int i, int j, double s, double t) {
     Rgba c;
     lb::host::colorToRGB(mesh.patchColor(i, j, s, t), &c.r, &c.g, &c.b);
-    c.a = std::clamp(mesh.patchOpacity(i, j, s, t), 0.0, 1.0);
+    c.a = mesh.patchOpacity(i, j, s, t);
+    for (double* x : {&c.r, &c.g, &c.b, &c.a}) *x = std::isfinite(*x) ? std::clamp(*x, 0.0, 1.0) : 0.0;
     return c;
   }
 

@@ -136,6 +136,30 @@ INSTANTIATE_TEST_SUITE_P(
                     a->mesh->selectAll();
                   },
                   1, 100, 100, 75, 75, true, true},
+        LimitCase{"PathWithHugeAndNaNPoints",
+                  [](Document& d, ArtObject* l) {
+                    d.artboard = AIRealRect{0, 100, 100, 0};
+                    addRect(d, l, 0, 0, 10, 10);
+                    addRect(d, l, 50, -1e300, 1e300, 50);
+                    addRect(d, l, 0, 0, 100, kNaN);
+                  },
+                  1, 100, 100, 75, 75, true},
+        LimitCase{"SelectedMeshWithANaNNodeOrColour",
+                  [](Document& d, ArtObject* l) {
+                    d.artboard = AIRealRect{0, 100, 100, 0};
+                    ArtObject* a = addMesh(d, l, 0, 0, 50, 50);
+                    auto n = a->mesh->nodeData(1, 1);
+                    n.p.h = kNaN;
+                    a->mesh->setNodeData(1, 1, n);
+                    a->userAttr |= kArtSelected;
+                    a->mesh->selectAll();
+                    ArtObject* b = addMesh(d, l, 60, 60, 100, 100);
+                    auto m = b->mesh->nodeData(0, 0);
+                    m.color.c.rgb = {kNaN, 0, 0};
+                    m.opacity = kNaN;
+                    b->mesh->setNodeData(0, 0, m);
+                  },
+                  1, 100, 100, 25, 75, false, true},
         LimitCase{"ArtFarAwayIsLeftOut",
                   [](Document& d, ArtObject* l) {
                     d.artboard = AIRealRect{0, 100, 100, 0};
