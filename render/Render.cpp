@@ -1,8 +1,12 @@
 #include "render/Render.h"
 
+
+
+
 #include <cairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -10,6 +14,7 @@
 #include <unistd.h>
 
 #include "host/mesh/GradientMesh.h"
+#include "render/Png.h"
 
 namespace lb::render {
 
@@ -73,6 +78,97 @@ void unite(AIRealRect& r, const AIRealRect& o, bool& any) {
   r.top = std::max(r.top, o.top);
 }
 
+// Builds a path from user-space points such that no device coordinate
+// handed to cairo leaves [-kReach, kReach] (cairo keeps device coordinates
+// in 24.8 fixed point and wraps beyond 2^23). A curve inside that box is
+// passed on as it is; a curve whose control points all lie beyond one side
+// of the box becomes the straight line between its end points clamped
+// onto the box; any other curve is halved until one of the two holds. The
+// picture lies well inside the box, and neither step changes the winding
+// number of any point inside it, so fills and strokes inside the picture
+// are unchanged; only art far outside is flattened onto the box's sides.
+class SafePath {
+ public:
+  static constexpr double kReach = 4194304;  // 2^22 device pixels
+
+  explicit SafePath(cairo_t* cr) : cr_(cr) {}
+
+  void moveTo(AIRealPoint p) {
+    cur_ = device(p);
+    if (inside(cur_))
+      cairo_move_to(cr_, p.h, p.v);
+    else
+      emitMove(clamp(cur_));
+  }
+  void lineTo(AIRealPoint p) {
+    const AIRealPoint d = device(p);
+    if (inside(cur_) && inside(d))
+      cairo_line_to(cr_, p.h, p.v);
+    else
+      piece({cur_, lerp(cur_, d, 1.0 / 3), lerp(cur_, d, 2.0 / 3), d}, 0);
+    cur_ = d;
+  }
+  void curveTo(AIRealPoint a, AIRealPoint b, AIRealPoint c) {
+    const Quad q{cur_, device(a), device(b), device(c)};
+    if (inside(q[0]) && inside(q[1]) && inside(q[2]) && inside(q[3]))
+      cairo_curve_to(cr_, a.h, a.v, b.h, b.v, c.h, c.v);
+    else
+      piece(q, 0);
+    cur_ = q[3];
+  }
+  void close() { cairo_close_path(cr_); }
+
+ private:
+  using Quad = std::array<AIRealPoint, 4>;
+
+  AIRealPoint device(AIRealPoint p) const {
+    double x = p.h, y = p.v;
+    cairo_user_to_device(cr_, &x, &y);
+    return {x, y};
+  }
+  static bool inside(AIRealPoint d) { return std::fabs(d.h) <= kReach && std::fabs(d.v) <= kReach; }
+  static AIRealPoint clamp(AIRealPoint d) {
+    auto c = [](double x) { return std::isnan(x) ? 0.0 : std::clamp(x, -kReach, kReach); };
+    return {c(d.h), c(d.v)};
+  }
+  static AIRealPoint lerp(AIRealPoint a, AIRealPoint b, double t) {
+    return {a.h + (b.h - a.h) * t, a.v + (b.v - a.v) * t};
+  }
+  void emitMove(AIRealPoint d) {
+    double x = d.h, y = d.v;
+    cairo_device_to_user(cr_, &x, &y);
+    cairo_move_to(cr_, x, y);
+  }
+  void emitLine(AIRealPoint d) {
+    double x = d.h, y = d.v;
+    cairo_device_to_user(cr_, &x, &y);
+    cairo_line_to(cr_, x, y);
+  }
+  void emitCurve(const Quad& q) {
+    double x[3] = {q[1].h, q[2].h, q[3].h}, y[3] = {q[1].v, q[2].v, q[3].v};
+    for (int k = 0; k < 3; ++k) cairo_device_to_user(cr_, &x[k], &y[k]);
+    cairo_curve_to(cr_, x[0], y[0], x[1], y[1], x[2], y[2]);
+  }
+  void piece(const Quad& q, int depth) {
+    if (inside(q[0]) && inside(q[1]) && inside(q[2]) && inside(q[3])) return emitCurve(q);
+    for (const AIRealPoint& d : q)
+      if (!std::isfinite(d.h) || !std::isfinite(d.v)) return emitLine(clamp(q[3]));
+    auto all = [&](auto&& test) { return test(q[0]) && test(q[1]) && test(q[2]) && test(q[3]); };
+    const bool beyond = all([](AIRealPoint d) { return d.h > kReach; }) ||
+                        all([](AIRealPoint d) { return d.h < -kReach; }) ||
+                        all([](AIRealPoint d) { return d.v > kReach; }) ||
+                        all([](AIRealPoint d) { return d.v < -kReach; });
+    if (beyond || depth >= 60) return emitLine(clamp(q[3]));
+    const AIRealPoint ab = lerp(q[0], q[1], 0.5), bc = lerp(q[1], q[2], 0.5), cd = lerp(q[2], q[3], 0.5);
+    const AIRealPoint abc = lerp(ab, bc, 0.5), bcd = lerp(bc, cd, 0.5), mid = lerp(abc, bcd, 0.5);
+    piece({q[0], ab, abc, mid}, depth + 1);
+    piece({mid, bcd, cd, q[3]}, depth + 1);
+  }
+
+  cairo_t* cr_;
+  AIRealPoint cur_{0, 0};
+};
+
 class Renderer {
  public:
   Renderer(const Document& doc, cairo_t* cr, const RenderOptions& opt, const AIRealRect& area)
@@ -101,7 +197,7 @@ class Renderer {
       case kMeshArt:
         if (art.mesh) {
           drawMesh(*art.mesh);
-          if (art.selected()) selectedMeshes_.push_back(&art);
+          if (art.selected() && finiteRuns(*art.mesh)) selectedMeshes_.push_back(&art);
         }
         break;
       case kPathArt: drawPaths({&art}, art, CAIRO_FILL_RULE_WINDING); break;
@@ -137,24 +233,46 @@ class Renderer {
     return true;
   }
 
+  // An image matrix cairo can invert: finite, and not flattening the image
+  // to a line or a point at the picture's scale.
+  bool drawableMatrix(const AIRealMatrix& m) const {
+    for (double x : {m.a, m.b, m.c, m.d, m.tx, m.ty})
+      if (!std::isfinite(x)) return false;
+    const double det = (m.a * m.d - m.b * m.c) * opt_.scale * opt_.scale;
+    return std::isfinite(det) && std::fabs(det) > 1e-12;
+  }
+
   void drawPaths(const std::vector<const ArtObject*>& parts, const ArtObject& styled, cairo_fill_rule_t rule) {
+    AIRealRect hull{0, 0, 0, 0};
+    bool any = false;
+    for (const ArtObject* p : parts)
+      for (const AIPathSegment& sg : p->segments)
+        for (const AIRealPoint& q : {sg.p, sg.in, sg.out}) {
+          if (!std::isfinite(q.h) || !std::isfinite(q.v)) return;
+          unite(hull, AIRealRect{q.h, q.v, q.h, q.v}, any);
+        }
+    const double reach = styled.style.strokePaint && std::isfinite(styled.style.stroke.width)
+                             ? std::max(0.0, styled.style.stroke.width) : 0.0;
+    if (!any || !overlapsPicture(AIRealRect{hull.left - reach, hull.top + reach, hull.right + reach, hull.bottom - reach}))
+      return;
     AIPathStyle st = styled.style;
     double alpha = 1;
     if (!styled.graphicStyle.empty())
       if (const auto* gs = doc_.styleByName(styled.graphicStyle)) st = gs->paint, alpha = gs->opacity;
     cairo_new_path(cr_);
+    SafePath path(cr_);
     for (const ArtObject* p : parts) {
       const auto& segs = p->segments;
       if (segs.empty()) continue;
-      cairo_move_to(cr_, segs[0].p.h, segs[0].p.v);
+      path.moveTo(segs[0].p);
       const size_t n = segs.size();
       const size_t pieces = p->closed ? n : n - 1;
       for (size_t k = 0; k < pieces; ++k) {
         const AIPathSegment& a = segs[k];
         const AIPathSegment& b = segs[(k + 1) % n];
-        cairo_curve_to(cr_, a.out.h, a.out.v, b.in.h, b.in.v, b.p.h, b.p.v);
+        path.curveTo(a.out, b.in, b.p);
       }
-      if (p->closed) cairo_close_path(cr_);
+      if (p->closed) path.close();
     }
     cairo_set_fill_rule(cr_, rule);
     if (st.fillPaint && setColor(cr_, st.fill.color, alpha)) cairo_fill_preserve(cr_);
@@ -168,6 +286,8 @@ class Renderer {
   void drawImage(const ArtObject& art) {
     const ArtImage& im = art.image;
     if (im.width <= 0 || im.height <= 0 || im.pixels.size() < im.expectedBytes()) return;
+    if (!drawableMatrix(im.matrix)) return;
+    if (const auto b = doc_.bounds(&art); b && (!finiteRect(*b) || !overlapsPicture(*b))) return;
     Surface surf(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, im.width, im.height), cairo_surface_destroy);
     if (cairo_surface_status(surf.get()) != CAIRO_STATUS_SUCCESS) return;
     cairo_surface_flush(surf.get());
@@ -209,70 +329,255 @@ class Renderer {
     cairo_transform(cr_, &flip);
     cairo_set_source_surface(cr_, surf.get(), 0, 0);
     cairo_pattern_set_filter(cairo_get_source(cr_), CAIRO_FILTER_NEAREST);
-    cairo_rectangle(cr_, 0, 0, im.width, im.height);
+    SafePath path(cr_);
+    path.moveTo({0, 0});
+    path.lineTo({static_cast<double>(im.width), 0});
+    path.lineTo({static_cast<double>(im.width), static_cast<double>(im.height)});
+    path.lineTo({0, static_cast<double>(im.height)});
+    path.close();
     cairo_fill(cr_);
     cairo_restore(cr_);
   }
 
-  // Each patch is cut in (s, t) into cells a few device pixels wide; every
-  // cell becomes one cairo mesh patch whose sides follow the surface
-  // (Hermite cubics from the engine's derivatives) and whose corner colours
-  // are the engine's colour and opacity, so the picture matches evaluation.
+  // A mesh is drawn as one cairo mesh pattern used as the source of a fill
+  // of the mesh's outline: the outline gives the coverage (anti-aliased
+  // like any path fill, exactly the area inside the border), the pattern
+  // gives the colour. Cairo's mesh rasteriser paints every pixel a patch
+  // touches, so every pixel the outline covers even partly has its colour;
+  // all patches sit in the one pattern, so neighbouring patches leave no
+  // seam between them.
   void drawMesh(const GradientMesh& mesh) {
     if (mesh.nodeData(0, 0).color.kind == kNoneColor) return;
-    Pattern pat(cairo_pattern_create_mesh(), cairo_pattern_destroy);
-    const int I = mesh.sizeI(), J = mesh.sizeJ();
-    struct Corner {
-      AIRealPoint p, ps, pt;
-      double r, g, b, a;
-    };
-    std::vector<Corner> grid;
-    for (int j = 0; j < J; ++j)
-      for (int i = 0; i < I; ++i) {
-        double size = 0;
-        for (int axis = 0; axis < 2; ++axis)
-          for (int side = 0; side < 2; ++side) {
-            const auto& pts = mesh.runPoints(axis, axis == 0 ? i : i + side, axis == 0 ? j + side : j);
-            for (size_t k = 1; k < pts.size(); ++k)
-              size = std::max(size, std::hypot(pts[k].h - pts[0].h, pts[k].v - pts[0].v));
-          }
-        const int n = std::clamp(static_cast<int>(std::ceil(size * opt_.scale / 6.0)), 1, 48);
-        grid.assign(static_cast<size_t>((n + 1) * (n + 1)), Corner{});
-        for (int b = 0; b <= n; ++b)
-          for (int a = 0; a <= n; ++a) {
-            const double s = static_cast<double>(a) / n, t = static_cast<double>(b) / n;
-            Corner& c = grid[a + b * (n + 1)];
-            mesh.patchDerivs(i, j, s, t, &c.p, &c.ps, &c.pt);
-            lb::host::colorToRGB(mesh.patchColor(i, j, s, t), &c.r, &c.g, &c.b);
-            c.a = std::clamp(mesh.patchOpacity(i, j, s, t), 0.0, 1.0);
-          }
-        const double d = 1.0 / n / 3.0;
-        for (int b = 0; b < n; ++b)
-          for (int a = 0; a < n; ++a) {
-            const Corner& c0 = grid[a + b * (n + 1)];
-            const Corner& c1 = grid[a + 1 + b * (n + 1)];
-            const Corner& c2 = grid[a + 1 + (b + 1) * (n + 1)];
-            const Corner& c3 = grid[a + (b + 1) * (n + 1)];
-            cairo_pattern_t* p = pat.get();
-            cairo_mesh_pattern_begin_patch(p);
-            cairo_mesh_pattern_move_to(p, c0.p.h, c0.p.v);
-            cairo_mesh_pattern_curve_to(p, c0.p.h + d * c0.ps.h, c0.p.v + d * c0.ps.v, c1.p.h - d * c1.ps.h,
-                                        c1.p.v - d * c1.ps.v, c1.p.h, c1.p.v);
-            cairo_mesh_pattern_curve_to(p, c1.p.h + d * c1.pt.h, c1.p.v + d * c1.pt.v, c2.p.h - d * c2.pt.h,
-                                        c2.p.v - d * c2.pt.v, c2.p.h, c2.p.v);
-            cairo_mesh_pattern_curve_to(p, c2.p.h - d * c2.ps.h, c2.p.v - d * c2.ps.v, c3.p.h + d * c3.ps.h,
-                                        c3.p.v + d * c3.ps.v, c3.p.h, c3.p.v);
-            cairo_mesh_pattern_curve_to(p, c3.p.h - d * c3.pt.h, c3.p.v - d * c3.pt.v, c0.p.h + d * c0.pt.h,
-                                        c0.p.v + d * c0.pt.v, c0.p.h, c0.p.v);
-            const Corner* cs[4] = {&c0, &c1, &c2, &c3};
-            for (int k = 0; k < 4; ++k) cairo_mesh_pattern_set_corner_color_rgba(p, k, cs[k]->r, cs[k]->g, cs[k]->b, cs[k]->a);
-            cairo_mesh_pattern_end_patch(p);
-          }
-      }
     const AIRealRect bb = mesh.bounds();
+    if (!finiteRect(bb) || !overlapsPicture(bb) || !finiteRuns(mesh)) return;
+    Pattern pat(cairo_pattern_create_mesh(), cairo_pattern_destroy);
+    for (int j = 0; j < mesh.sizeJ(); ++j)
+      for (int i = 0; i < mesh.sizeI(); ++i) addPatch(pat.get(), mesh, i, j);
+    cairo_new_path(cr_);
+    traceOutline(mesh);
     cairo_set_source(cr_, pat.get());
-    cairo_rectangle(cr_, bb.left - 1, bb.bottom - 1, bb.right - bb.left + 2, bb.top - bb.bottom + 2);
+    cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
     cairo_fill(cr_);
+  }
+
+  static bool finiteRuns(const GradientMesh& mesh) {
+    for (int axis = 0; axis < 2; ++axis)
+      for (int j = 0; j <= mesh.sizeJ() - axis; ++j)
+        for (int i = 0; i <= mesh.sizeI() - (1 - axis); ++i)
+          for (const AIRealPoint& p : mesh.runPoints(axis, i, j))
+            if (!std::isfinite(p.h) || !std::isfinite(p.v)) return false;
+    return true;
+  }
+
+  // The border of the mesh: bottom runs forward, right runs up, top runs
+  // back, left runs down.
+  void traceOutline(const GradientMesh& mesh) {
+    const int I = mesh.sizeI(), J = mesh.sizeJ();
+    SafePath path(cr_);
+    path.moveTo(mesh.runPoints(0, 0, 0)[0]);
+    auto run = [&](const std::vector<AIRealPoint>& pts, bool forward) {
+      const size_t n = pts.size();
+      for (size_t k = 1; k + 2 < n; k += 3) {
+        if (forward)
+          path.curveTo(pts[k], pts[k + 1], pts[k + 2]);
+        else
+          path.curveTo(pts[n - 1 - k], pts[n - 2 - k], pts[n - 3 - k]);
+      }
+    };
+    for (int i = 0; i < I; ++i) run(mesh.runPoints(0, i, 0), true);
+    for (int j = 0; j < J; ++j) run(mesh.runPoints(1, I, j), true);
+    for (int i = I - 1; i >= 0; --i) run(mesh.runPoints(0, i, J), false);
+    for (int j = J - 1; j >= 0; --j) run(mesh.runPoints(1, 0, j), false);
+    path.close();
+  }
+
+  struct Rgba {
+    double r, g, b, a;
+  };
+
+  static Rgba colourAt(const GradientMesh& mesh, int i, int j, double s, double t) {
+    Rgba c;
+    lb::host::colorToRGB(mesh.patchColor(i, j, s, t), &c.r, &c.g, &c.b);
+    c.a = mesh.patchOpacity(i, j, s, t);
+    for (double* x : {&c.r, &c.g, &c.b, &c.a}) *x = std::isfinite(*x) ? std::clamp(*x, 0.0, 1.0) : 0.0;
+    return c;
+  }
+
+  static double secondDifference(const Rgba& x, const Rgba& y, const Rgba& z) {
+    auto d = [](double a, double b, double c) { return std::fabs(a - 2 * b + c); };
+    return std::max({d(x.r, y.r, z.r), d(x.g, y.g, z.g), d(x.b, y.b, z.b), d(x.a, y.a, z.a)});
+  }
+
+  static double polygonLength(const std::vector<AIRealPoint>& pts) {
+    double len = 0;
+    for (size_t k = 1; k < pts.size(); ++k) len += std::hypot(pts[k].h - pts[k - 1].h, pts[k].v - pts[k - 1].v);
+    return len;
+  }
+
+  // Parameters at which a patch is cut, along one direction: the knots of
+  // the two runs across that direction (so every cell side is one cubic of
+  // the surface) and `cuts` equal steps for the colour.
+  static void cutParameters(size_t piecesA, size_t piecesB, int cuts, std::vector<double>& at) {
+    at.assign({0.0, 1.0});
+    for (size_t q = 1; q < piecesA; ++q) at.push_back(static_cast<double>(q) / piecesA);
+    for (size_t q = 1; q < piecesB; ++q) at.push_back(static_cast<double>(q) / piecesB);
+    for (int q = 1; q < cuts; ++q) at.push_back(static_cast<double>(q) / cuts);
+    std::sort(at.begin(), at.end());
+    at.erase(std::unique(at.begin(), at.end(), [](double a, double b) { return b - a < 1e-9; }), at.end());
+  }
+
+  // Cairo draws a patch's colour bilinearly in (s, t) and its shape as the
+  // Coons patch of its four sides, which is the engine's shape wherever the
+  // sides are single cubics. A patch is therefore cut only where it has to
+  // be: at the knots of its runs, and, for the colour, into as many equal
+  // steps per direction as keep straight interpolation within
+  // kColourTolerance of the engine's colour (estimated from the largest
+  // second difference of colour samples a third apart), but no finer than
+  // cells a few device pixels wide. A patch whose colour is already
+  // bilinear enough is one cairo patch.
+  void addPatch(cairo_pattern_t* pat, const GradientMesh& mesh, int i, int j) {
+    static constexpr double kColourTolerance = 1.5 / 255;
+    static constexpr double kCellPx = 6;
+    const auto& bottom = mesh.runPoints(0, i, j);
+    const auto& top = mesh.runPoints(0, i, j + 1);
+    const auto& left = mesh.runPoints(1, i, j);
+    const auto& right = mesh.runPoints(1, i + 1, j);
+    Rgba c[4][4];  // c[a][b] at s = a / 3, t = b / 3
+    for (int b = 0; b <= 3; ++b)
+      for (int a = 0; a <= 3; ++a) c[a][b] = colourAt(mesh, i, j, a / 3.0, b / 3.0);
+    double bendS = 0, bendT = 0;  // largest second differences
+    for (int b = 0; b <= 3; ++b)
+      for (int a = 1; a <= 2; ++a) {
+        bendS = std::max(bendS, secondDifference(c[a - 1][b], c[a][b], c[a + 1][b]));
+        bendT = std::max(bendT, secondDifference(c[b][a - 1], c[b][a], c[b][a + 1]));
+      }
+    // A second difference d over steps of a third means |f''| ~ 9 d;
+    // straight interpolation over steps of 1 / n then misses by up to
+    // 9 d / (8 n^2).
+    auto cutsFor = [&](double bend, double lengthPx) {
+      const double miss = 9 * bend / 8;
+      if (miss <= kColourTolerance) return 1;
+      const double byColour = std::ceil(std::sqrt(miss / kColourTolerance));
+      const double bySize = std::ceil(lengthPx / kCellPx);
+      return static_cast<int>(std::clamp(std::min(byColour, bySize), 1.0, 32.0));
+    };
+    const double scale = opt_.scale;
+    const int cutsS = cutsFor(bendS, std::max(polygonLength(bottom), polygonLength(top)) * scale);
+    const int cutsT = cutsFor(bendT, std::max(polygonLength(left), polygonLength(right)) * scale);
+    std::vector<double>& S = scratch_.S;
+    std::vector<double>& T = scratch_.T;
+    cutParameters((bottom.size() - 1) / 3, (top.size() - 1) / 3, cutsS, S);
+    cutParameters((left.size() - 1) / 3, (right.size() - 1) / 3, cutsT, T);
+    const Rgba& c00 = c[0][0];
+    const Rgba& c10 = c[3][0];
+    const Rgba& c11 = c[3][3];
+    const Rgba& c01 = c[0][3];
+    if (S.size() == 2 && T.size() == 2) {
+      // One cell whose sides are the runs themselves.
+      const AIRealPoint side[4][4] = {{bottom[0], bottom[1], bottom[2], bottom[3]},
+                                      {right[0], right[1], right[2], right[3]},
+                                      {top[3], top[2], top[1], top[0]},
+                                      {left[3], left[2], left[1], left[0]}};
+      const Rgba* corner[4] = {&c00, &c10, &c11, &c01};
+      emitPatch(pat, side, corner);
+      return;
+    }
+    const size_t ns = S.size(), nt = T.size();
+    std::vector<AIRealPoint>& node = scratch_.node;
+    std::vector<AIRealPoint>& dS = scratch_.dS;
+    std::vector<AIRealPoint>& dT = scratch_.dT;
+    std::vector<Rgba>& colour = scratch_.colour;
+    node.resize(ns * nt);
+    colour.resize(ns * nt);
+    // With single-cubic runs the surface is one polynomial piece and the
+    // derivatives at the cell corners give the sides; across knots they
+    // are ambiguous, so the sides come from points on the surface instead.
+    const bool onePiece = bottom.size() == 4 && top.size() == 4 && left.size() == 4 && right.size() == 4;
+    if (onePiece) dS.resize(ns * nt), dT.resize(ns * nt);
+    for (size_t b = 0; b < nt; ++b)
+      for (size_t a = 0; a < ns; ++a) {
+        const size_t k = a + b * ns;
+        if (onePiece)
+          mesh.patchDerivs(i, j, S[a], T[b], &node[k], &dS[k], &dT[k]);
+        else
+          node[k] = mesh.patchPoint(i, j, S[a], T[b]);
+        // Nodes at thirds already have their colour sample.
+        const double a3 = S[a] * 3, b3 = T[b] * 3;
+        if (std::fabs(a3 - std::round(a3)) < 1e-9 && std::fabs(b3 - std::round(b3)) < 1e-9)
+          colour[k] = c[static_cast<int>(std::lround(a3))][static_cast<int>(std::lround(b3))];
+        else
+          colour[k] = colourAt(mesh, i, j, S[a], T[b]);
+      }
+    // Inner control points of the cell side from node n0 to node n1, which
+    // lies `h` further in s (alongS) or t: from the derivatives, or from
+    // the surface at one and two thirds of the side (exact: each side is
+    // one cubic).
+    auto controls = [&](size_t n0, size_t n1, double h, bool alongS, AIRealPoint* k1, AIRealPoint* k2) {
+      const AIRealPoint p0 = node[n0], p3 = node[n1];
+      if (onePiece) {
+        const AIRealPoint d0 = alongS ? dS[n0] : dT[n0], d1 = alongS ? dS[n1] : dT[n1];
+        *k1 = {p0.h + h / 3 * d0.h, p0.v + h / 3 * d0.v};
+        *k2 = {p3.h - h / 3 * d1.h, p3.v - h / 3 * d1.v};
+        return;
+      }
+      const size_t a = n0 % ns, b = n0 / ns;
+      const AIRealPoint p1 = alongS ? mesh.patchPoint(i, j, S[a] + h / 3, T[b]) : mesh.patchPoint(i, j, S[a], T[b] + h / 3);
+      const AIRealPoint p2 =
+          alongS ? mesh.patchPoint(i, j, S[a] + 2 * h / 3, T[b]) : mesh.patchPoint(i, j, S[a], T[b] + 2 * h / 3);
+      k1->h = (-5 * p0.h + 18 * p1.h - 9 * p2.h + 2 * p3.h) / 6;
+      k1->v = (-5 * p0.v + 18 * p1.v - 9 * p2.v + 2 * p3.v) / 6;
+      k2->h = (2 * p0.h - 9 * p1.h + 18 * p2.h - 5 * p3.h) / 6;
+      k2->v = (2 * p0.v - 9 * p1.v + 18 * p2.v - 5 * p3.v) / 6;
+    };
+    std::vector<AIRealPoint>& alongS = scratch_.alongS;
+    std::vector<AIRealPoint>& alongT = scratch_.alongT;
+    alongS.resize(2 * (ns - 1) * nt);
+    alongT.resize(2 * ns * (nt - 1));
+    for (size_t b = 0; b < nt; ++b)
+      for (size_t a = 0; a + 1 < ns; ++a) {
+        const size_t k = 2 * (a + b * (ns - 1));
+        controls(a + b * ns, a + 1 + b * ns, S[a + 1] - S[a], true, &alongS[k], &alongS[k + 1]);
+      }
+    for (size_t b = 0; b + 1 < nt; ++b)
+      for (size_t a = 0; a < ns; ++a) {
+        const size_t k = 2 * (a + b * ns);
+        controls(a + b * ns, a + (b + 1) * ns, T[b + 1] - T[b], false, &alongT[k], &alongT[k + 1]);
+      }
+    for (size_t b = 0; b + 1 < nt; ++b)
+      for (size_t a = 0; a + 1 < ns; ++a) {
+        const size_t n00 = a + b * ns, n10 = n00 + 1, n01 = n00 + ns, n11 = n01 + 1;
+        const size_t sb = 2 * (a + b * (ns - 1)), st = 2 * (a + (b + 1) * (ns - 1));
+        const size_t tl = 2 * (a + b * ns), tr = 2 * (a + 1 + b * ns);
+        const AIRealPoint side[4][4] = {{node[n00], alongS[sb], alongS[sb + 1], node[n10]},
+                                        {node[n10], alongT[tr], alongT[tr + 1], node[n11]},
+                                        {node[n11], alongS[st + 1], alongS[st], node[n01]},
+                                        {node[n01], alongT[tl + 1], alongT[tl], node[n00]}};
+        const Rgba* corner[4] = {&colour[n00], &colour[n10], &colour[n11], &colour[n01]};
+        emitPatch(pat, side, corner);
+      }
+  }
+
+  static void emitPatch(cairo_pattern_t* pat, const AIRealPoint (&side)[4][4], const Rgba* const (&corner)[4]) {
+    cairo_mesh_pattern_begin_patch(pat);
+    cairo_mesh_pattern_move_to(pat, side[0][0].h, side[0][0].v);
+    for (int k = 0; k < 4; ++k)
+      cairo_mesh_pattern_curve_to(pat, side[k][1].h, side[k][1].v, side[k][2].h, side[k][2].v, side[k][3].h,
+                                  side[k][3].v);
+    for (int k = 0; k < 4; ++k)
+      cairo_mesh_pattern_set_corner_color_rgba(pat, k, corner[k]->r, corner[k]->g, corner[k]->b, corner[k]->a);
+    cairo_mesh_pattern_end_patch(pat);
+  }
+
+  static bool finiteRect(const AIRealRect& r) {
+    return std::isfinite(r.left) && std::isfinite(r.right) && std::isfinite(r.top) && std::isfinite(r.bottom);
+  }
+
+  // Whether document bounds reach into the picture (art entirely outside
+  // is not handed to cairo at all).
+  bool overlapsPicture(const AIRealRect& r) const {
+    const double margin = 2 / opt_.scale;
+    return r.right >= area_.left - margin && r.left <= area_.right + margin && r.top >= area_.bottom - margin &&
+           r.bottom <= area_.top + margin;
   }
 
   // Direct-selection look: grid lines, vertices as squares (filled when
@@ -282,6 +587,8 @@ class Renderer {
     auto dev = [&](AIRealPoint p) {
       return AIRealPoint{(p.h - area_.left) * opt_.scale, (area_.top - p.v) * opt_.scale};
     };
+    // Marks far outside the picture are left out.
+    auto near = [](AIRealPoint d) { return std::fabs(d.h) < SafePath::kReach && std::fabs(d.v) < SafePath::kReach; };
     const double blue[3] = {0.16, 0.43, 0.96};
     cairo_set_source_rgb(cr_, blue[0], blue[1], blue[2]);
     cairo_set_line_width(cr_, 1);
@@ -289,17 +596,15 @@ class Renderer {
       for (int j = 0; j <= mesh.sizeJ() - axis; ++j)
         for (int i = 0; i <= mesh.sizeI() - (1 - axis); ++i) {
           const auto& pts = mesh.runPoints(axis, i, j);
-          AIRealPoint p0 = dev(pts[0]);
-          cairo_move_to(cr_, p0.h, p0.v);
-          for (size_t k = 1; k + 2 < pts.size(); k += 3) {
-            const AIRealPoint a = dev(pts[k]), b = dev(pts[k + 1]), c = dev(pts[k + 2]);
-            cairo_curve_to(cr_, a.h, a.v, b.h, b.v, c.h, c.v);
-          }
+          SafePath line(cr_);
+          line.moveTo(dev(pts[0]));
+          for (size_t k = 1; k + 2 < pts.size(); k += 3) line.curveTo(dev(pts[k]), dev(pts[k + 1]), dev(pts[k + 2]));
           cairo_stroke(cr_);
           const MeshRunData d = mesh.runData(axis, i, j);
           for (size_t k = 0; k < d.inner.size(); ++k)
             if (!d.inner[k].vertex) {
               const AIRealPoint q = dev(pts[3 * (k + 1)]);
+              if (!near(q)) continue;
               cairo_new_sub_path(cr_);
               cairo_arc(cr_, q.h, q.v, 1.5, 0, 2 * M_PI);
               cairo_fill(cr_);
@@ -312,13 +617,16 @@ class Renderer {
         for (int dir = 0; dir < 4; ++dir) {
           if (!mesh.hasSegment(v, dir)) continue;
           const AIRealPoint h = dev(mesh.tangent(v, dir));
-          cairo_move_to(cr_, p.h, p.v);
-          cairo_line_to(cr_, h.h, h.v);
+          SafePath handle(cr_);
+          handle.moveTo(p);
+          handle.lineTo(h);
           cairo_stroke(cr_);
+          if (!near(h)) continue;
           cairo_arc(cr_, h.h, h.v, 2, 0, 2 * M_PI);
           cairo_fill(cr_);
         }
       }
+      if (!near(p)) continue;
       cairo_rectangle(cr_, p.h - 2.5, p.v - 2.5, 5, 5);
       if (sel) {
         cairo_fill(cr_);
@@ -333,6 +641,13 @@ class Renderer {
 
   using MeshRunData = lb::host::MeshRunData;
 
+  // Working arrays of addPatch, kept between patches.
+  struct {
+    std::vector<double> S, T;
+    std::vector<AIRealPoint> node, dS, dT, alongS, alongT;
+    std::vector<Rgba> colour;
+  } scratch_;
+
   const Document& doc_;
   cairo_t* cr_;
   RenderOptions opt_;
@@ -340,6 +655,12 @@ class Renderer {
   std::vector<const ArtObject*> selectedMeshes_;
 };
 
+}  // namespace
+
+namespace {
+constexpr int kMaxSide = 16384;
+constexpr double kMaxPixels = 64.0 * 1024 * 1024;
+constexpr double kMinScale = 1e-4, kMaxScale = 1e4;
 }  // namespace
 
 AIRealRect renderArea(const Document& doc) {
@@ -359,43 +680,50 @@ AIRealRect renderArea(const Document& doc) {
 
 Image renderDocument(const Document& doc, const RenderOptions& options) {
   if (!(options.scale > 0) || !std::isfinite(options.scale)) throw std::runtime_error("render: the scale must be positive");
+  if (options.scale < kMinScale || options.scale > kMaxScale)
+    throw std::runtime_error("render: the scale must lie between 0.0001 and 10000");
   Image img;
   img.area = renderArea(doc);
-  const double w = (img.area.right - img.area.left) * options.scale;
-  const double h = (img.area.top - img.area.bottom) * options.scale;
-  if (!(w >= 0 && h >= 0) || w > 20000 || h > 20000)
-    throw std::runtime_error("render: picture size out of range (" + std::to_string(w) + " x " + std::to_string(h) + ")");
-  img.width = std::max(1, static_cast<int>(std::ceil(w - 1e-9)));
-  img.height = std::max(1, static_cast<int>(std::ceil(h - 1e-9)));
-  Surface surf(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, img.width, img.height), cairo_surface_destroy);
+  AIRealRect& area = img.area;
+  if (!std::isfinite(area.left) || !std::isfinite(area.top)) area.left = 0, area.top = 0;
+  if (!std::isfinite(area.right)) area.right = area.left;
+  if (!std::isfinite(area.bottom)) area.bottom = area.top;
+  // The picture keeps the area's top-left corner; an area larger than the
+  // picture may be is cut at the right and at the bottom.
+  const double w = (area.right - area.left) * options.scale;
+  const double h = (area.top - area.bottom) * options.scale;
+  img.width = w > kMaxSide ? kMaxSide : std::max(1, static_cast<int>(std::ceil(w - 1e-9)));
+  img.height = h > kMaxSide ? kMaxSide : std::max(1, static_cast<int>(std::ceil(h - 1e-9)));
+  if (static_cast<double>(img.width) * img.height > kMaxPixels) img.height = std::max(1, static_cast<int>(kMaxPixels / img.width));
+  if (img.width < w) area.right = area.left + img.width / options.scale;
+  if (img.height < h) area.bottom = area.top - img.height / options.scale;
+  // Cairo draws straight into the picture's pixels (rows of 4 x width
+  // bytes are a valid ARGB32 stride).
+  img.pixels.assign(static_cast<size_t>(img.width) * img.height, 0);
+  Surface surf(cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(img.pixels.data()),
+                                                   CAIRO_FORMAT_ARGB32, img.width, img.height, img.width * 4),
+               cairo_surface_destroy);
   if (cairo_surface_status(surf.get()) != CAIRO_STATUS_SUCCESS) throw std::runtime_error("render: cannot make the picture");
-  Context cr(cairo_create(surf.get()), cairo_destroy);
-  cairo_set_source_rgb(cr.get(), 1, 1, 1);
-  cairo_paint(cr.get());
-  Renderer(doc, cr.get(), options, img.area).draw();
-  if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS)
-    throw std::runtime_error(std::string("render: ") + cairo_status_to_string(cairo_status(cr.get())));
+  {
+    Context cr(cairo_create(surf.get()), cairo_destroy);
+    cairo_set_source_rgb(cr.get(), 1, 1, 1);
+    cairo_paint(cr.get());
+    Renderer(doc, cr.get(), options, img.area).draw();
+    if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS)
+      throw std::runtime_error(std::string("render: ") + cairo_status_to_string(cairo_status(cr.get())));
+  }
   cairo_surface_flush(surf.get());
-  const unsigned char* data = cairo_image_surface_get_data(surf.get());
-  const int stride = cairo_image_surface_get_stride(surf.get());
-  img.pixels.resize(static_cast<size_t>(img.width) * img.height);
-  for (int y = 0; y < img.height; ++y)
-    std::copy_n(reinterpret_cast<const uint32_t*>(data + static_cast<size_t>(y) * stride), img.width,
-                img.pixels.begin() + static_cast<ptrdiff_t>(y) * img.width);
+  cairo_surface_finish(surf.get());
   return img;
 }
 
 void renderDocumentPng(const Document& doc, const std::string& outPng, const RenderOptions& options) {
   Image img = renderDocument(doc, options);
-  Surface surf(cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(img.pixels.data()),
-                                                   CAIRO_FORMAT_ARGB32, img.width, img.height, img.width * 4),
-               cairo_surface_destroy);
-  if (cairo_surface_status(surf.get()) != CAIRO_STATUS_SUCCESS) throw std::runtime_error("render: cannot make the picture");
   const std::string tmp = outPng + ".tmp" + std::to_string(::getpid());
-  const cairo_status_t st = cairo_surface_write_to_png(surf.get(), tmp.c_str());
-  if (st != CAIRO_STATUS_SUCCESS) {
+  const std::string err = writePng(tmp, img.pixels.data(), img.width, img.height, img.width);
+  if (!err.empty()) {
     std::remove(tmp.c_str());
-    throw std::runtime_error("cannot write " + outPng + ": " + cairo_status_to_string(st));
+    throw std::runtime_error("cannot write " + outPng + ": " + err);
   }
   if (std::rename(tmp.c_str(), outPng.c_str()) != 0) {
     std::remove(tmp.c_str());

@@ -35,11 +35,15 @@ struct Image {
 // The area drawn: the artboard, or the bounds of all visible art.
 AIRealRect renderArea(const lb::host::Document& doc);
 
-// Draws the document on a white page. Throws std::runtime_error when the
-// picture cannot be made.
+// Draws the document on a white page. The picture is at most 16384 pixels
+// a side and 64 Mi pixels; a larger area keeps its top-left corner and is
+// cut at the right and bottom (`area` tells what was drawn). Throws
+// std::runtime_error for a scale outside 0.0001..10000 or when the picture
+// cannot be made.
 Image renderDocument(const lb::host::Document& doc, const RenderOptions& options = {});
 
-// Writes the picture as PNG, atomically (temporary file, then rename).
+// Writes the picture as PNG (fast zlib level), atomically (temporary file,
+// then rename).
 // Throws std::runtime_error on failure and leaves no file behind.
 void renderDocumentPng(const lb::host::Document& doc, const std::string& outPng, const RenderOptions& options = {});
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build needs, when any is missing.
 set -euo pipefail
-pkgs=(cmake ninja-build g++ pkg-config nlohmann-json3-dev libcairo2-dev libcli11-dev
+pkgs=(cmake ninja-build g++ pkg-config nlohmann-json3-dev libcairo2-dev libpng-dev libcli11-dev
       libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev)
 missing=()
 for p in "${pkgs[@]}"; do

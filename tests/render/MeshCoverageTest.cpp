@@ -1,0 +1,215 @@
+// Mesh coverage: a mesh covers exactly the area inside its outline, with the
+// anti-aliasing of a path fill of that outline, at any scale, without seams
+// between its patches or between meshes sharing a border.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "host/Document.h"
+#include "host/mesh/GradientMesh.h"
+#include "render/Render.h"
+
+using lb::host::Document;
+using lb::host::GradientMesh;
+using lb::render::Image;
+using lb::render::RenderOptions;
+
+namespace {
+
+AIColor grey(double l) {
+  AIColor c{};
+  c.kind = kThreeColor;
+  c.c.rgb = {l, l, l};
+  return c;
+}
+
+// A black I x J mesh over [l, r] x [b, t]; `bend` curves every run and
+// moves inner nodes, so borders and patch sides are curved.
+ArtObject* addMesh(Document& doc, ArtObject* layer, double l, double b, double r, double t, int I, int J,
+                   double bend) {
+  ArtObject* a = nullptr;
+  EXPECT_EQ(doc.newArt(kMeshArt, kPlaceInsideOnTop, layer, &a), kNoErr);
+  GradientMesh& m = *a->mesh;
+  m.initCartesian(I, J);
+  m.transform(AIRealMatrix{r - l, 0, 0, t - b, l, b});
+  for (int j = 0; j <= J; ++j)
+    for (int i = 0; i <= I; ++i) {
+      auto n = m.nodeData(i, j);
+      n.color = grey(0);
+      if (i > 0 && i < I && j > 0 && j < J) n.p.h += bend * std::sin(3.0 * i + j), n.p.v += bend * std::cos(i + 2.0 * j);
+      m.setNodeData(i, j, n);
+    }
+  if (bend != 0)
+    for (int axis = 0; axis < 2; ++axis)
+      for (int j = 0; j <= J - axis; ++j)
+        for (int i = 0; i <= I - (1 - axis); ++i) {
+          auto run = m.runData(axis, i, j);
+          const AIRealPoint p0 = run.points.front(), p3 = run.points.back();
+          const double nx = -(p3.v - p0.v), ny = p3.h - p0.h;  // a normal as long as the run
+          const double k = bend / 4 * std::sin(1.0 + i + 2 * j + axis);
+          run.points[1] = {p0.h + (p3.h - p0.h) / 3 + k * nx, p0.v + (p3.v - p0.v) / 3 + k * ny};
+          run.points[2] = {p0.h + 2 * (p3.h - p0.h) / 3 - k * nx / 2, p0.v + 2 * (p3.v - p0.v) / 3 - k * ny / 2};
+          m.setRunData(axis, i, j, run);
+        }
+  return a;
+}
+
+// A black closed path along the mesh's outline (the reference coverage).
+void addOutlinePath(Document& doc, ArtObject* layer, const GradientMesh& m) {
+  std::vector<AIRealPoint> pts;  // anchor, out, in, anchor, ...
+  auto run = [&](const std::vector<AIRealPoint>& r, bool forward) {
+    const size_t n = r.size();
+    for (size_t k = 0; k + 1 < n; ++k) pts.push_back(forward ? r[k] : r[n - 1 - k]);
+  };
+  for (int i = 0; i < m.sizeI(); ++i) run(m.runPoints(0, i, 0), true);
+  for (int j = 0; j < m.sizeJ(); ++j) run(m.runPoints(1, m.sizeI(), j), true);
+  for (int i = m.sizeI() - 1; i >= 0; --i) run(m.runPoints(0, i, m.sizeJ()), false);
+  for (int j = m.sizeJ() - 1; j >= 0; --j) run(m.runPoints(1, 0, j), false);
+  ArtObject* p = nullptr;
+  ASSERT_EQ(doc.newArt(kPathArt, kPlaceInsideOnTop, layer, &p), kNoErr);
+  const size_t n = pts.size() / 3;
+  for (size_t k = 0; k < n; ++k)
+    p->segments.push_back({pts[3 * k], pts[(3 * k + pts.size() - 1) % pts.size()], pts[3 * k + 1], 1});
+  p->closed = true;
+  p->style.fillPaint = 1;
+  p->style.fill.color = grey(0);
+  p->style.strokePaint = 0;
+}
+
+struct Box {
+  double l, b, r, t;
+};
+
+// Largest difference of the red channel between two pictures.
+int worstGap(const Image& a, const Image& b, int* where = nullptr) {
+  int worst = 0;
+  for (size_t k = 0; k < a.pixels.size(); ++k) {
+    const int d = std::abs(static_cast<int>((a.pixels[k] >> 16) & 255) - static_cast<int>((b.pixels[k] >> 16) & 255));
+    if (d > worst) {
+      worst = d;
+      if (where) *where = static_cast<int>(k);
+    }
+  }
+  return worst;
+}
+
+struct CoverageCase {
+  const char* name;
+  std::vector<Box> meshes;  // drawn one after the other
+  int I, J;
+  double bend;
+  double scale;
+};
+
+class MeshCoverage : public ::testing::TestWithParam<CoverageCase> {};
+
+// The mesh picture equals the picture of path fills of the same outlines.
+TEST_P(MeshCoverage, MatchesAPathFillOfTheOutline) {
+  const CoverageCase& c = GetParam();
+  Document meshDoc, pathDoc;
+  meshDoc.artboard = pathDoc.artboard = AIRealRect{0, 20, 20, 0};
+  ArtObject* meshLayer = meshDoc.addLayer("Layer 1");
+  ArtObject* pathLayer = pathDoc.addLayer("Layer 1");
+  for (const Box& b : c.meshes) {
+    ArtObject* m = addMesh(meshDoc, meshLayer, b.l, b.b, b.r, b.t, c.I, c.J, c.bend);
+    addOutlinePath(pathDoc, pathLayer, *m->mesh);
+  }
+  const Image meshPic = lb::render::renderDocument(meshDoc, RenderOptions{c.scale, false});
+  const Image pathPic = lb::render::renderDocument(pathDoc, RenderOptions{c.scale, false});
+  ASSERT_EQ(meshPic.width, pathPic.width);
+  ASSERT_EQ(meshPic.height, pathPic.height);
+  int where = 0;
+  const int gap = worstGap(meshPic, pathPic, &where);
+  EXPECT_LE(gap, 3) << "at pixel (" << where % meshPic.width << ", " << where / meshPic.width << ")";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Borders, MeshCoverage,
+    ::testing::Values(CoverageCase{"OnPixelEdges", {{5, 5, 15, 15}}, 1, 1, 0, 1},
+                      CoverageCase{"HalfwayThroughPixels", {{5.5, 5.5, 14.5, 14.5}}, 1, 1, 0, 1},
+                      CoverageCase{"UnevenFractions", {{5.2, 4.7, 14.35, 13.9}}, 2, 3, 0, 1},
+                      CoverageCase{"HalfwayAtScaleTwo", {{5.25, 5.25, 14.75, 14.75}}, 1, 1, 0, 2},
+                      CoverageCase{"FractionsAtScaleThree", {{3.1, 2.9, 16.3, 15.2}}, 3, 2, 0, 3},
+                      CoverageCase{"FractionsAtScaleOnePointSeven", {{3.1, 2.9, 16.3, 15.2}}, 2, 2, 0, 1.7},
+                      CoverageCase{"CurvedOnePatch", {{4, 4, 16, 16}}, 1, 1, 1.5, 1},
+                      CoverageCase{"CurvedManyPatches", {{3, 3, 17, 17}}, 4, 3, 1.5, 1},
+                      CoverageCase{"CurvedAtScaleTwoAndAHalf", {{3.3, 3.6, 16.2, 16.9}}, 3, 3, 1.2, 2.5},
+                      CoverageCase{"AbuttingOnAPixelEdge", {{5, 5, 10, 15}, {10, 5, 15, 15}}, 2, 2, 0, 1},
+                      CoverageCase{"AbuttingHalfwayThroughPixels", {{5, 5, 10.5, 15}, {10.5, 5, 15, 15}}, 2, 2, 0, 1},
+                      CoverageCase{"AbuttingAtScaleThree", {{5, 5.3, 9.7, 15}, {9.7, 5.3, 15, 15}}, 1, 2, 0, 3}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// Exact pixels of a mesh whose border lies on pixel edges, at several
+// scales: black inside, white outside, nothing one pixel too far.
+TEST(MeshCoverageExact, BorderOnPixelEdgesFillsExactlyTheCoveredPixels) {
+  struct Case {
+    double scale;
+    int first, last;  // covered pixel columns and rows
+  };
+  for (const Case& c : {Case{1, 5, 14}, Case{2, 10, 29}, Case{0.5, 3, 6}, Case{4, 20, 59}}) {
+    Document doc;
+    doc.artboard = AIRealRect{0, 20, 20, 0};
+    ArtObject* layer = doc.addLayer("Layer 1");
+    // At scale 0.5 the border 6..14 lands on device 3..7.
+    if (c.scale == 0.5)
+      addMesh(doc, layer, 6, 6, 14, 14, 2, 2, 0);
+    else
+      addMesh(doc, layer, 5, 5, 15, 15, 2, 2, 0);
+    const Image img = lb::render::renderDocument(doc, RenderOptions{c.scale, false});
+    for (int y = 0; y < img.height; ++y)
+      for (int x = 0; x < img.width; ++x) {
+        const bool inside = x >= c.first && x <= c.last && y >= c.first && y <= c.last;
+        ASSERT_EQ(img.at(x, y), inside ? 0xff000000u : 0xffffffffu)
+            << "pixel (" << x << ", " << y << ") at scale " << c.scale;
+      }
+  }
+}
+
+// Two meshes sharing a border on a pixel edge leave no light pixel there,
+// nor do the patches of one mesh between them.
+TEST(MeshCoverageExact, SharedBordersLeaveNoLightSeam) {
+  Document doc;
+  doc.artboard = AIRealRect{0, 20, 20, 0};
+  ArtObject* layer = doc.addLayer("Layer 1");
+  addMesh(doc, layer, 2, 2, 9, 18, 3, 5, 0);
+  addMesh(doc, layer, 9, 2, 18, 18, 4, 2, 0);
+  for (double scale : {1.0, 2.0, 3.0}) {
+    const Image img = lb::render::renderDocument(doc, RenderOptions{scale, false});
+    for (int y = static_cast<int>(2 * scale); y < static_cast<int>(18 * scale); ++y)
+      for (int x = static_cast<int>(2 * scale); x < static_cast<int>(18 * scale); ++x)
+        ASSERT_EQ(img.at(x, y), 0xff000000u) << "pixel (" << x << ", " << y << ") at scale " << scale;
+  }
+}
+
+// The selection overlay's border line is centred on the mesh's border at
+// every scale: the two pixel columns beside the border are tinted alike.
+TEST(MeshCoverageExact, SelectionOverlayLinesSitOnTheMeshBorder) {
+  for (double scale : {1.0, 2.0, 3.0}) {
+    Document doc;
+    doc.artboard = AIRealRect{0, 20, 20, 0};
+    ArtObject* layer = doc.addLayer("Layer 1");
+    ArtObject* a = addMesh(doc, layer, 5, 5, 15, 15, 1, 1, 0);
+    for (int j = 0; j <= 1; ++j)
+      for (int i = 0; i <= 1; ++i) {
+        auto n = a->mesh->nodeData(i, j);
+        n.color = grey(1);
+        a->mesh->setNodeData(i, j, n);
+      }
+    a->userAttr |= kArtSelected;
+    const Image img = lb::render::renderDocument(doc, RenderOptions{scale, true});
+    const int y = static_cast<int>(10 * scale);
+    const int edge = static_cast<int>(5 * scale);  // device x of the left border
+    int r0, g0, b0, a0, r1, g1, b1, a1, r2, g2, b2, a2;
+    img.rgba(edge - 1, y, &r0, &g0, &b0, &a0);
+    img.rgba(edge, y, &r1, &g1, &b1, &a1);
+    img.rgba(edge + 1, y, &r2, &g2, &b2, &a2);
+    EXPECT_GT(b0 - r0, 40) << "scale " << scale;
+    EXPECT_NEAR(r0, r1, 2) << "scale " << scale;
+    EXPECT_NEAR(b0, b1, 2) << "scale " << scale;
+    EXPECT_EQ(r2 + g2 + b2, 3 * 255) << "scale " << scale;
+  }
+}
+
+}  // namespace
