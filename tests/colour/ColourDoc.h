@@ -48,6 +48,8 @@ struct MeshSpec {
   std::function<std::pair<double, double>(int, int)> at;
   // Node colour; the coded gray by default.
   std::function<json(int, int)> color;
+  // Node opacity; the coded one by default.
+  std::function<double(int, int)> opacity;
 };
 
 inline json MeshJson(const MeshSpec &s) {
@@ -57,7 +59,7 @@ inline json MeshJson(const MeshSpec &s) {
       const auto p = s.at ? s.at(i, j) : std::pair<double, double>{10.0 * i, 10.0 * j};
       json n = {{"p", {p.first, p.second}},
                 {"color", s.color ? s.color(i, j) : json{{"gray", GrayOfCode(Code(s.tag, i, j))}}},
-                {"opacity", OpacityOfCode(Code(s.tag, i, j))}};
+                {"opacity", s.opacity ? s.opacity(i, j) : OpacityOfCode(Code(s.tag, i, j))}};
       if (!s.whole) n["selected"] = s.selected.count({i, j}) > 0;
       nodes.push_back(n);
     }
