@@ -202,7 +202,7 @@ const PatternCase kPatternCases[] = {
 TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
   // A 6 x 5 mesh with region i 2..3, j 1..3 (a 2 x 3 node tile).
   for (const PatternCase &c : kPatternCases)
-    for (Boxes b : {Boxes{true, false}, Boxes{false, true}}) {
+    for (Boxes b : {Boxes{true, false}, Boxes{false, true}, Boxes{false, false}}) {
       SCOPED_TRACE(testing::Message() << c.name << " colour " << b.color);
       Session s({MeshJson(Mesh(0, 6, 5, {{2, 1}, {3, 3}}))});
       s.run(kPattern, c.alt, c.ctrl, b.color, b.opacity);
