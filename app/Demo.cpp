@@ -41,7 +41,7 @@ int runDemo(const std::string& dir) {
     const DemoStep& step = tour[k];
     const std::string base = (fs::path(dir) / StepName(k, step)).string();
     try {
-      auto doc = demoDocument(step.selection);
+      auto doc = demoDocument(step.selection, step.scene);
       const std::string before = lb::io::writeDocument(*doc);
       lb::io::writeDocumentFileAtomic(*doc, base + "-before.lbdoc");
       renderPng(*doc, base + "-before.png", 1.0, true);

@@ -1,7 +1,9 @@
 // The demo document and the tour table.
 #include "app/DemoTour.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 
 #include "io/Lbdoc.h"
@@ -37,6 +39,11 @@ const std::vector<DemoStep>& demoTour() {
       {"Reflect grid direction in I", "dir-flip", {true, {}}, 167, false, true},
       {"Rotate grid direction counterclockwise", "dir-rotate-ccw", {true, {}}, 167, true},
       {"Even UV coordinates (dumb reset)", "uv-reset-even", {true, {}}, 166, false, true},
+      {"Capture colours from a photo", "color-capture", {true, {}}, 158, false, false, DemoScene::kPhoto},
+      {"Pattern fill from a 2 x 2 region", "color-pattern", {false, {{1, 1}, {2, 2}}}, 154},
+      {"Pattern fill along I only", "color-pattern-i", {false, {{2, 1}, {3, 2}}}, 154, true},
+      {"Clone colours from the swatch mesh", "color-clone", {false, kRegion}, 139, false, false, DemoScene::kSwatch},
+      {"Clone colours, I and J exchanged", "color-clone-ij", {false, kRegion}, 139, false, true, DemoScene::kSwatch},
   };
   return tour;
 }
@@ -110,7 +117,64 @@ nlohmann::json Run(int i, int j, const char* axis, const std::vector<const char*
 }
 }  // namespace
 
-std::string demoDocumentText(const DemoSelection& selection) {
+namespace {
+// A photo-like picture: an evening sky over the sun and rolling hills, 96 x
+// 72 RGB pixels of 4 units, under the whole mesh.
+nlohmann::json PhotoRaster() {
+  constexpr int kW = 96, kH = 72;
+  std::string bytes;
+  bytes.reserve(kW * kH * 3);
+  auto byte = [](double c) {
+    return static_cast<char>(static_cast<unsigned char>(std::lround(std::clamp(c, 0.0, 1.0) * 255)));
+  };
+  for (int row = 0; row < kH; ++row)
+    for (int x = 0; x < kW; ++x) {
+      const double t = row / double(kH);
+      // Sky: deep blue at the top to orange at the horizon.
+      double r = 0.10 + 0.90 * t * 1.4, g = 0.15 + 0.45 * t * 1.3, b = 0.45 - 0.30 * t;
+      const double sun = std::hypot(x - 64.0, row - 30.0);
+      if (sun < 9) r = 1.0, g = 0.93 - sun * 0.02, b = 0.6 - sun * 0.04;
+      const double hill = 44 + 6 * std::sin(x * 0.09) + 4 * std::sin(x * 0.23 + 1.0);
+      if (row > hill) {
+        const double d = (row - hill) / (kH - hill);
+        r = 0.12 + 0.10 * d + 0.05 * std::sin(x * 0.5);
+        g = 0.38 - 0.18 * d;
+        b = 0.12 + 0.05 * d;
+      }
+      bytes += byte(r);
+      bytes += byte(g);
+      bytes += byte(b);
+    }
+  static const char* k = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string b64;
+  for (size_t i = 0; i < bytes.size(); i += 3) {
+    const uint32_t v = uint32_t(uint8_t(bytes[i])) << 16 | uint32_t(uint8_t(bytes[i + 1])) << 8 | uint8_t(bytes[i + 2]);
+    for (int s = 18; s >= 0; s -= 6) b64 += k[(v >> s) & 63];
+  }
+  return {
+      {"type", "raster"}, {"id", "demo-photo"}, {"name", "Photo"}, {"selected", true}, {"width", kW},
+      {"height", kH},     {"space", "rgb"},     {"alpha", false},  {"bits", 8},        {"matrix", {4, 0, 0, 4, 8, 304}},
+      {"pixels", b64},    {"fill", nullptr}};
+}
+
+// A 2 x 2 cell mesh of bold colours to the right of the demo mesh,
+// selected as a whole.
+nlohmann::json SwatchMesh() {
+  static const double kColors[9][3] = {{0.9, 0.1, 0.1}, {1.0, 0.8, 0.0}, {0.1, 0.7, 0.2},
+                                       {0.1, 0.3, 0.9}, {1.0, 1.0, 1.0}, {0.6, 0.1, 0.8},
+                                       {0.0, 0.0, 0.0}, {1.0, 0.5, 0.0}, {0.0, 0.8, 0.8}};
+  nlohmann::json nodes = nlohmann::json::array();
+  for (int j = 0; j <= 2; ++j)
+    for (int i = 0; i <= 2; ++i) {
+      const double* c = kColors[i + 3 * j];
+      nodes.push_back({{"p", {410.0 + 45.0 * i, 100.0 + 45.0 * j}}, {"color", {{"rgb", {c[0], c[1], c[2]}}}}});
+    }
+  return {{"type", "mesh"},   {"id", "swatch-mesh"}, {"name", "Swatch"},
+          {"selected", true}, {"size", {2, 2}},      {"nodes", nodes}};
+}
+}  // namespace
+
+std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
   using nlohmann::json;
   json nodes = json::array();
   for (int j = 0; j <= kJ; ++j) {
@@ -138,14 +202,21 @@ std::string demoDocumentText(const DemoSelection& selection) {
        json::array({{{"p", {30, 300}}, {"out", {120, 340}}},
                     {{"p", {200, 300}}, {"in", {150, 270}}, {"out", {250, 330}}},
                     {{"p", {360, 305}}, {"in", {320, 340}}}})}};
+  json children = {path, mesh};
+  double right = 400;
+  if (scene == DemoScene::kPhoto) children.push_back(PhotoRaster());
+  if (scene == DemoScene::kSwatch) {
+    children.insert(children.begin(), SwatchMesh());
+    right = 520;
+  }
   json doc = {{"latticebender", 1},
-              {"artboard", {0, 0, 400, 340}},
-              {"layers", json::array({{{"name", "Layer 1"}, {"children", {path, mesh}}}})}};
+              {"artboard", {0, 0, right, 340}},
+              {"layers", json::array({{{"name", "Layer 1"}, {"children", children}}})}};
   return doc.dump(2);
 }
 
-std::unique_ptr<lb::host::Document> demoDocument(const DemoSelection& selection) {
-  return lb::io::readDocument(demoDocumentText(selection));
+std::unique_ptr<lb::host::Document> demoDocument(const DemoSelection& selection, DemoScene scene) {
+  return lb::io::readDocument(demoDocumentText(selection, scene));
 }
 
 }  // namespace lb::app

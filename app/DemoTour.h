@@ -16,6 +16,13 @@ struct DemoSelection {
   std::vector<std::pair<int, int>> nodes;  // (i, j) of selected nodes
 };
 
+// What the demo document holds besides the demo mesh and the guide path.
+enum class DemoScene {
+  kMesh,    // nothing else
+  kPhoto,   // a selected photo-like raster image under the mesh
+  kSwatch,  // a small selected mesh of bold colours beside it, on top
+};
+
 struct DemoStep {
   const char* title;  // what the step shows
   const char* stem;   // file name stem
@@ -23,6 +30,7 @@ struct DemoStep {
   int id;
   bool alt = false;
   bool ctrl = false;
+  DemoScene scene = DemoScene::kMesh;
 };
 
 // The tour, in order.
@@ -30,9 +38,9 @@ const std::vector<DemoStep>& demoTour();
 
 // The demo document as .lbdoc text: a 6 x 5 mesh with RGB colours varying
 // across it, a few knots and non-node vertices, `selection` applied, and a
-// stroked path beside it.
-std::string demoDocumentText(const DemoSelection& selection);
-std::unique_ptr<lb::host::Document> demoDocument(const DemoSelection& selection);
+// stroked path beside it; `scene` adds an image or a second mesh.
+std::string demoDocumentText(const DemoSelection& selection, DemoScene scene = DemoScene::kMesh);
+std::unique_ptr<lb::host::Document> demoDocument(const DemoSelection& selection, DemoScene scene = DemoScene::kMesh);
 
 // Runs the tour into `dir`; prints a summary to stdout. Returns an exit
 // status.

@@ -1,0 +1,65 @@
+// Colour capture from a 1024 x 1024 RGB image into one square mesh selected
+// as a whole, run through the loaded module as the panel runs it. Reports
+// the time per node, which must stay flat from 64 x 64 to 256 x 256 cells.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+
+#include "tests/colour/ColourDoc.h"
+
+namespace {
+
+constexpr int kSide = 1024;
+
+// A smooth photo-like picture: colour waves across the image.
+coltest::ImageSpec Photo() {
+  coltest::ImageSpec im;
+  im.width = im.height = kSide;
+  im.matrix = {1, 0, 0, 1, 0, kSide};
+  im.pixels.resize(size_t(kSide) * kSide * 3);
+  for (int row = 0; row < kSide; ++row)
+    for (int x = 0; x < kSide; ++x) {
+      uint8_t *p = &im.pixels[(size_t(row) * kSide + x) * 3];
+      p[0] = uint8_t(127.5 + 127.5 * std::sin(x * 0.011));
+      p[1] = uint8_t(127.5 + 127.5 * std::sin(row * 0.007 + 1.0));
+      p[2] = uint8_t(127.5 + 127.5 * std::cos((x + row) * 0.005));
+    }
+  return im;
+}
+
+void Capture(benchmark::State &state, bool edge) {
+  const int n = static_cast<int>(state.range(0));
+  coltest::MeshSpec mesh;
+  mesh.I = mesh.J = n;
+  mesh.whole = true;
+  // Inside the image, a little away from its edges.
+  const double step = (kSide - 20.0) / n;
+  mesh.at = [step](int i, int j) { return std::pair<double, double>{10.0 + step * i, 10.0 + step * j}; };
+  mesh.color = [](int, int) { return nlohmann::json{{"gray", 0.5}}; };
+  mesh.opacity = [](int, int) { return 1.0; };
+  static const coltest::ImageSpec photo = Photo();
+  coltest::Session session({coltest::MeshJson(mesh), coltest::ImageJson(photo)});
+  for (auto _ : state) session.run(158, false, !edge, true, true);
+  const double nodes = double(n + 1) * double(n + 1);
+  state.counters["nodes"] = nodes;
+  state.counters["per_node"] =
+      benchmark::Counter(nodes, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+const bool kRegistered = [] {
+  benchmark::RegisterBenchmark("CaptureFromRaster", Capture, true)
+      ->Arg(64)
+      ->Arg(128)
+      ->Arg(256)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("CaptureFromRasterNoEdge", Capture, false)
+      ->Arg(64)
+      ->Arg(128)
+      ->Arg(256)
+      ->Unit(benchmark::kMillisecond);
+  return true;
+}();
+
+}  // namespace
+
+BENCHMARK_MAIN();

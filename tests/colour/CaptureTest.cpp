@@ -1,0 +1,442 @@
+// Colour capture (158) through the loaded module: pixel-exact sampling of
+// raster and placed images of every accepted kind, edge correction, the
+// image that wins, and capture from the bottom mesh's surface.
+#include <gtest/gtest.h>
+
+#include "AIMeshSuites.h"
+#include "ColourDoc.h"
+#include "host/SuiteRegistry.h"
+
+using namespace coltest;
+
+namespace {
+
+constexpr int kCapture = 158;
+
+double Unit(int byte) { return static_cast<double>(static_cast<float>(byte) / 255.0f); }
+
+MeshSpec MeshAt(int tag, int I, int J, std::function<std::pair<double, double>(int, int)> at, NodeSet sel) {
+  MeshSpec s;
+  s.tag = tag;
+  s.I = I;
+  s.J = J;
+  s.at = std::move(at);
+  s.selected = std::move(sel);
+  return s;
+}
+
+// A mesh whose node (i, j) lies at the centre of pixel (col0 + i, row0 - j).
+MeshSpec OnPixels(int tag, const ImageSpec &im, int I, int J, int col0, int row0, NodeSet sel) {
+  return MeshAt(
+      tag, I, J, [=](int i, int j) { return im.Centre(col0 + i, row0 - j); }, std::move(sel));
+}
+
+void ExpectRgbOf(const MeshOut &m, int i, int j, const std::vector<uint8_t> &px) {
+  const json c = m.color(i, j);
+  ASSERT_TRUE(c.contains("rgb")) << c.dump();
+  for (int k = 0; k < 3; ++k) EXPECT_EQ(c["rgb"][k].get<double>(), Unit(px[k])) << "channel " << k;
+}
+
+void ExpectUnchanged(const MeshOut &m, int tag, int i, int j) {
+  EXPECT_EQ(m.colorCode(i, j), Code(tag, i, j)) << "node (" << i << ", " << j << ")";
+  EXPECT_EQ(m.opacityCode(i, j), Code(tag, i, j)) << "node (" << i << ", " << j << ")";
+}
+
+ImageSpec Rgb(int w, int h, std::vector<double> matrix) {
+  ImageSpec im;
+  im.width = w;
+  im.height = h;
+  im.matrix = std::move(matrix);
+  im.pixels = Numbered(im);
+  return im;
+}
+
+// ---- Raster: pixel-exact, transformed, several meshes
+// ------------------------
+
+TEST(CaptureFromRaster, PixelExactThroughATurnedScaledImageIntoSeveralMeshes) {
+  // Turned a quarter, scaled by 8 and moved: pixel space to document.
+  const ImageSpec im = Rgb(5, 4, {0, 8, -8, 0, 50, 20});
+  for (bool ctrl : {false, true}) {
+    SCOPED_TRACE(ctrl ? "no edge correction" : "edge correction");
+    // A: 2 x 1 cells over pixels (1..3, rows 3..2), all selected. B: 1 x 2
+    // over pixels (0..1, rows 2..0), two nodes selected. C: node (0, 0) on
+    // pixel (4, 3), its other nodes beyond the image's right edge.
+    const MeshSpec a = OnPixels(0, im, 2, 1, 1, 3, Rect(0, 2, 0, 1));
+    const MeshSpec b = OnPixels(1, im, 1, 2, 0, 2, {{0, 1}, {1, 2}});
+    const MeshSpec c = MeshAt(
+        2, 1, 1, [&](int i, int j) { return im.Centre(4 + i, 3 + j); }, Rect(0, 1, 0, 1));
+    Session s({MeshJson(a), MeshJson(b), MeshJson(c), ImageJson(im)});
+    s.run(kCapture, false, ctrl, true, true);
+    const MeshOut ma(s.art(0)), mb(s.art(1)), mc(s.art(2));
+    for (int j = 0; j <= 1; ++j)
+      for (int i = 0; i <= 2; ++i) {
+        SCOPED_TRACE(testing::Message() << "A node " << i << ", " << j);
+        ExpectRgbOf(ma, i, j, im.Pixel(1 + i, 3 - j));
+        EXPECT_EQ(ma.opacity(i, j), 1.0);
+      }
+    EXPECT_EQ(ma.selectedNodes(), Rect(0, 2, 0, 1));
+    ExpectRgbOf(mb, 0, 1, im.Pixel(0, 1));
+    ExpectRgbOf(mb, 1, 2, im.Pixel(1, 0));
+    for (Node n : {Node{0, 0}, Node{1, 0}, Node{0, 2}, Node{1, 1}}) ExpectUnchanged(mb, 1, n.first, n.second);
+    EXPECT_EQ(mb.selectedNodes(), (NodeSet{{0, 1}, {1, 2}}));
+    // C: one node on the image; the others lie beyond it, lose their
+    // selection and keep their paint.
+    ExpectRgbOf(mc, 0, 0, im.Pixel(4, 3));
+    for (Node n : {Node{1, 0}, Node{0, 1}, Node{1, 1}}) ExpectUnchanged(mc, 2, n.first, n.second);
+    EXPECT_EQ(mc.selectedNodes(), (NodeSet{{0, 0}}));
+    EXPECT_TRUE(s.noLeaks());
+    EXPECT_EQ(s.count(), 4u);
+  }
+}
+
+// ---- Every accepted image kind -------------------------------------------
+
+struct Kind {
+  const char *name;
+  const char *space;
+  bool alpha;
+  json fill;
+};
+
+const Kind kKinds[] = {
+    {"rgb", "rgb", false, nullptr},
+    {"rgba", "rgb", true, nullptr},
+    {"cmyk", "cmyk", false, nullptr},
+    {"cmyka", "cmyk", true, nullptr},
+    {"gray", "gray", false, nullptr},
+    {"graya", "gray", true, nullptr},
+    {"grayRgbFill", "gray", false, {{"color", {{"rgb", {0.25, 0.5, 1.0}}}}}},
+    {"grayCmykFill", "gray", true, {{"color", {{"cmyk", {0.2, 0.4, 0.6, 0.8}}}}}},
+    {"grayGrayFill", "gray", false, {{"color", {{"gray", 0.5}}}}},
+};
+
+// The colour and opacity a pixel gives, written as the document writes them.
+std::pair<json, double> Expected(const Kind &k, const std::vector<uint8_t> &px) {
+  const std::string space = k.space;
+  if (space == "rgb") return {{{"rgb", {Unit(px[0]), Unit(px[1]), Unit(px[2])}}}, k.alpha ? Unit(px[3]) : 1.0};
+  if (space == "cmyk")
+    return {{{"cmyk", {Unit(px[0]), Unit(px[1]), Unit(px[2]), Unit(px[3])}}}, k.alpha ? Unit(px[4]) : 1.0};
+  const double op = k.alpha ? Unit(px[1]) : 1.0;
+  const double g = px[0];
+  if (k.fill.is_object() && k.fill["color"].contains("rgb")) {
+    json rgb = json::array();
+    for (int c = 0; c < 3; ++c) {
+      const double f = k.fill["color"]["rgb"][c].get<double>();
+      rgb.push_back((1 - f) * g / 255 + f);
+    }
+    return {{{"rgb", rgb}}, op};
+  }
+  if (k.fill.is_object() && k.fill["color"].contains("cmyk")) {
+    json cmyk = json::array();
+    for (int c = 0; c < 4; ++c) cmyk.push_back((255 - g) * k.fill["color"]["cmyk"][c].get<double>() / 255);
+    return {{{"cmyk", cmyk}}, op};
+  }
+  return {{{"gray", Unit(255 - px[0])}}, op};
+}
+
+TEST(CaptureFromRaster, EveryColourSpaceWithAndWithoutAlpha) {
+  for (const Kind &k : kKinds) {
+    SCOPED_TRACE(k.name);
+    ImageSpec im;
+    im.width = 3;
+    im.height = 2;
+    im.space = k.space;
+    im.alpha = k.alpha;
+    im.fill = k.fill;
+    im.matrix = {4, 0, 0, 4, 10, 10};
+    im.pixels = Numbered(im);
+    const MeshSpec m = OnPixels(0, im, 2, 1, 0, 1, Rect(0, 2, 0, 1));
+    Session s({MeshJson(m), ImageJson(im)});
+    s.run(kCapture, false, true, true, true);
+    const MeshOut out(s.art(0));
+    for (int j = 0; j <= 1; ++j)
+      for (int i = 0; i <= 2; ++i) {
+        SCOPED_TRACE(testing::Message() << "node " << i << ", " << j);
+        const auto [color, opacity] = Expected(k, im.Pixel(i, 1 - j));
+        EXPECT_EQ(out.color(i, j), color);
+        EXPECT_EQ(out.opacity(i, j), opacity);
+      }
+    EXPECT_TRUE(s.noLeaks());
+  }
+}
+
+TEST(CaptureFromRaster, GrayExtremesAndTheCheckboxes) {
+  // Black and white pixels: an uncoloured gray image gives gray 1 and 0;
+  // an RGB fill gives the fill colour and white.
+  ImageSpec im;
+  im.width = 2;
+  im.space = "gray";
+  im.pixels = {0, 255};
+  im.matrix = {10, 0, 0, 10, 0, 10};
+  const MeshSpec m = OnPixels(0, im, 1, 1, 0, 0, {{0, 0}, {1, 0}});
+  struct Box {
+    bool color, opacity;
+  };
+  for (Box b : {Box{true, false}, Box{false, true}, Box{false, false}}) {
+    SCOPED_TRACE(testing::Message() << b.color << b.opacity);
+    ImageSpec tinted = im;
+    tinted.fill = {{"color", {{"rgb", {0.2, 0.4, 0.6}}}}};
+    tinted.alpha = true;
+    tinted.pixels = {0, 51, 255, 102};
+    {
+      Session s({MeshJson(m), ImageJson(im)});
+      s.run(kCapture, false, true, b.color, b.opacity);
+      const MeshOut out(s.art(0));
+      if (b.color) {
+        EXPECT_EQ(out.color(0, 0), (json{{"gray", 1.0}}));
+        EXPECT_EQ(out.color(1, 0), (json{{"gray", 0.0}}));
+      } else {
+        EXPECT_EQ(out.colorCode(0, 0), Code(0, 0, 0));
+      }
+      // No alpha: opacity 1 when it takes part.
+      EXPECT_EQ(out.opacity(0, 0), b.opacity ? 1.0 : OpacityOfCode(Code(0, 0, 0)));
+      // Only the nodes on the image row were selected, and stay so.
+      EXPECT_EQ(out.selectedNodes(), (NodeSet{{0, 0}, {1, 0}}));
+    }
+
+    Session t({MeshJson(m), ImageJson(tinted)});
+    t.run(kCapture, false, true, b.color, b.opacity);
+    const MeshOut tout(t.art(0));
+    if (b.color) {
+      const double fill[3] = {0.2, 0.4, 0.6};
+      for (int c = 0; c < 3; ++c) {
+        EXPECT_NEAR(tout.color(0, 0).at("rgb").at(c).get<double>(), fill[c], 1e-12);
+        EXPECT_NEAR(tout.color(1, 0).at("rgb").at(c).get<double>(), 1.0, 1e-12);
+      }
+    }
+    EXPECT_EQ(tout.opacity(1, 0), b.opacity ? Unit(102) : OpacityOfCode(Code(0, 1, 0)));
+  }
+}
+
+// ---- Edge correction ------------------------------------------------------
+
+TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
+  // A 3 x 3 pixel image over document 0..30 x 0..30 (row 0 at the top) and
+  // a 2 x 2 mesh exactly on its outline.
+  const ImageSpec im = Rgb(3, 3, {10, 0, 0, 10, 0, 30});
+  const MeshSpec m = MeshAt(
+      0, 2, 2,
+      [](int i, int j) {
+        return std::pair<double, double>{15.0 * i, 15.0 * j};
+      },
+      Rect(0, 2, 0, 2));
+  {
+    // Without correction the outline nodes sample on the image's edge,
+    // which is outside it.
+    Session s({MeshJson(m), ImageJson(im)});
+    s.run(kCapture, false, true);
+    const MeshOut out(s.art(0));
+    EXPECT_EQ(out.selectedNodes(), (NodeSet{{1, 1}}));
+    ExpectRgbOf(out, 1, 1, im.Pixel(1, 1));
+    for (int j = 0; j <= 2; ++j)
+      for (int i = 0; i <= 2; ++i)
+        if (i != 1 || j != 1) ExpectUnchanged(out, 0, i, j);
+  }
+  {
+    Session s({MeshJson(m), ImageJson(im)});
+    s.run(kCapture, false, false);
+    const MeshOut out(s.art(0));
+    EXPECT_EQ(out.selectedNodes(), Rect(0, 2, 0, 2));
+    const double step = static_cast<double>(0.05f);
+    for (int j = 0; j <= 2; ++j)
+      for (int i = 0; i <= 2; ++i) {
+        SCOPED_TRACE(testing::Message() << "node " << i << ", " << j);
+        const double u = i / 2.0 + (i == 0 ? step : i == 2 ? -step : 0);
+        const double v = j / 2.0 + (j == 0 ? step : j == 2 ? -step : 0);
+        ExpectRgbOf(out, i, j, im.Pixel(int(30 * u / 10), int((30 - 30 * v) / 10)));
+      }
+    EXPECT_TRUE(s.noLeaks());
+  }
+}
+
+// ---- Which image ----------------------------------------------------------
+
+ImageSpec Plain(uint8_t r, uint8_t g, uint8_t b, bool selected) {
+  ImageSpec im;
+  im.width = im.height = 2;
+  im.matrix = {20, 0, 0, 20, -5, 35};
+  im.pixels = {r, g, b, r, g, b, r, g, b, r, g, b};
+  im.selected = selected;
+  return im;
+}
+
+TEST(CaptureFromRaster, TheTopmostSelectedImageWins) {
+  const MeshSpec m = MeshAt(
+      0, 1, 1,
+      [](int i, int j) {
+        return std::pair<double, double>{10.0 * i, 10.0 * j};
+      },
+      Rect(0, 1, 0, 1));
+  // Above the mesh an unselected image; below it two selected ones.
+  Session s({ImageJson(Plain(1, 2, 3, false)), MeshJson(m), ImageJson(Plain(40, 50, 60, true)),
+             ImageJson(Plain(70, 80, 90, true))});
+  s.run(kCapture, false, false);
+  const MeshOut out(s.art(1));
+  for (int j = 0; j <= 1; ++j)
+    for (int i = 0; i <= 1; ++i) ExpectRgbOf(out, i, j, {40, 50, 60});
+}
+
+TEST(CaptureFromRaster, NothingSelectedToCaptureChangesNothing) {
+  const MeshSpec m = MeshAt(
+      0, 1, 1,
+      [](int i, int j) {
+        return std::pair<double, double>{10.0 * i, 10.0 * j};
+      },
+      Rect(0, 1, 0, 1));
+  MeshSpec unselected = m;
+  unselected.selected = {};
+  unselected.artSelected = false;
+  const std::vector<std::pair<const char *, std::vector<json>>> docs = {
+      {"no image", {MeshJson(m)}},
+      {"image not selected", {MeshJson(m), ImageJson(Plain(9, 9, 9, false))}},
+      {"no mesh", {MeshJson(unselected), ImageJson(Plain(9, 9, 9, true))}},
+  };
+  for (const auto &[name, doc] : docs) {
+    SCOPED_TRACE(name);
+    Session s(doc);
+    const std::string before = s.host ? lb::io::writeDocument(s.host->document()) : "";
+    s.run(kCapture, false, false);
+    EXPECT_EQ(lb::io::writeDocument(s.host->document()), before);
+  }
+}
+
+// ---- Placed images --------------------------------------------------------
+
+TEST(CaptureFromRaster, PlacedImageKeepsTheSelectionAndLeavesNoArt) {
+  ImageSpec im = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
+  im.type = "placed";
+  // A: few nodes selected, one of them beyond the image. B: most selected.
+  auto grid = [](double x0) {
+    return [x0](int i, int j) { return std::pair<double, double>{x0 + 10.0 * i, 5.0 + 10.0 * j}; };
+  };
+  const MeshSpec a = MeshAt(0, 3, 2, grid(15), {{0, 0}, {3, 1}});
+  NodeSet most = Rect(0, 2, 0, 2);
+  most.erase({1, 1});
+  const MeshSpec b = MeshAt(1, 2, 2, grid(5), most);
+  for (bool ctrl : {false, true}) {
+    SCOPED_TRACE(ctrl);
+    Session s({MeshJson(a), MeshJson(b), ImageJson(im)});
+    s.run(kCapture, false, ctrl);
+    ASSERT_EQ(s.count(), 3u);
+    EXPECT_EQ(s.art(2).at("type"), "placed");
+    const MeshOut ma(s.art(0)), mb(s.art(1));
+    // A's node (3, 1) lies at x = 45, beyond the image.
+    EXPECT_EQ(ma.selectedNodes(), (NodeSet{{0, 0}}));
+    ExpectUnchanged(ma, 0, 3, 1);
+    ExpectRgbOf(ma, 0, 0, im.Pixel(1, 3));
+    EXPECT_EQ(mb.selectedNodes(), most);
+    ExpectRgbOf(mb, 1, 0, im.Pixel(1, 3));
+    ExpectUnchanged(mb, 1, 1, 1);
+    EXPECT_TRUE(s.noLeaks());
+  }
+}
+
+TEST(CaptureFromRaster, PlacedArtOfAnotherKindIsRefused) {
+  ImageSpec im = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
+  im.type = "placed";
+  im.placedType = 2;
+  const MeshSpec m = MeshAt(
+      0, 1, 1,
+      [](int i, int j) {
+        return std::pair<double, double>{10.0 * i, 10.0 * j};
+      },
+      Rect(0, 1, 0, 1));
+  Session s({MeshJson(m), ImageJson(im)});
+  const std::string before = lb::io::writeDocument(s.host->document());
+  s.run(kCapture, false, false);
+  EXPECT_EQ(lb::io::writeDocument(s.host->document()), before);
+}
+
+// ---- From the bottom mesh's surface ----------------------------------------
+
+// Square meshes of 2 x 2 cells, 20 units per cell.
+std::function<std::pair<double, double>(int, int)> Square(double x0, double y0) {
+  return [=](int i, int j) { return std::pair<double, double>{x0 + 20.0 * i, y0 + 20.0 * j}; };
+}
+
+TEST(CaptureFromMesh, SameOutlineTakesTheNodesOrSamplesInside) {
+  const MeshSpec top = MeshAt(0, 2, 2, Square(0, 0), Rect(0, 2, 0, 2));
+  const MeshSpec bottom = MeshAt(1, 2, 2, Square(0, 0), {{1, 1}});
+  {
+    Session s({MeshJson(top), MeshJson(bottom)});
+    s.run(kCapture, true, true, true, true);
+    const MeshOut out(s.art(0));
+    for (int j = 0; j <= 2; ++j)
+      for (int i = 0; i <= 2; ++i) {
+        EXPECT_NEAR(out.color(i, j).at("gray").get<double>(), GrayOfCode(Code(1, i, j)), 1e-9);
+        EXPECT_NEAR(out.opacity(i, j), OpacityOfCode(Code(1, i, j)), 1e-9);
+      }
+    EXPECT_EQ(out.selectedNodes(), Rect(0, 2, 0, 2));
+    EXPECT_TRUE(s.noLeaks());
+  }
+  {
+    Session s({MeshJson(top), MeshJson(bottom)});
+    s.run(kCapture, true, false, true, true);
+    const MeshOut out(s.art(0));
+    // The middle node is sampled where it is; the others 0.05 inside.
+    EXPECT_EQ(out.colorCode(1, 1), Code(1, 1, 1));
+    const AIMeshSuite *ms = static_cast<const AIMeshSuite *>(lb::host::findSuite(kAIMeshSuite, kAIMeshSuiteVersion));
+    ASSERT_NE(ms, nullptr);
+    ArtObject *src = s.host->document().layers()[0]->children[1].get();
+    const double step = static_cast<double>(0.05f);
+    for (int j = 0; j <= 2; ++j)
+      for (int i = 0; i <= 2; ++i) {
+        if (i == 1 && j == 1) continue;
+        SCOPED_TRACE(testing::Message() << "node " << i << ", " << j);
+        const AIRealPoint uv{i / 2.0 + (i == 0   ? step
+                                        : i == 2 ? -step
+                                                 : 0),
+                             j / 2.0 + (j == 0   ? step
+                                        : j == 2 ? -step
+                                                 : 0)};
+        AIColor c{};
+        AIReal op = 1;
+        ASSERT_EQ(ms->EvalColor(src, uv, &c), kNoErr);
+        ASSERT_EQ(ms->EvalOpacity(src, uv, &op), kNoErr);
+        EXPECT_NEAR(out.color(i, j).at("gray").get<double>(), c.c.g.gray, 1e-7);
+        EXPECT_NEAR(out.opacity(i, j), op, 1e-7);
+      }
+    // The corner samples inside the mesh, away from any node's own paint.
+    EXPECT_EQ(out.colorCode(0, 0), -1);
+    EXPECT_EQ(out.selectedNodes(), Rect(0, 2, 0, 2));
+    EXPECT_TRUE(s.noLeaks());
+  }
+}
+
+TEST(CaptureFromMesh, SeveralTargetsAndNodesOffTheSource) {
+  // Top: shifted by half a cell, so its right column lies beyond the
+  // source. Middle: far away, nothing overlaps.
+  const MeshSpec top = MeshAt(0, 2, 2, Square(30, 0), Rect(0, 2, 0, 2));
+  const MeshSpec away = MeshAt(1, 2, 2, Square(200, 200), Rect(0, 1, 0, 1));
+  const MeshSpec bottom = MeshAt(2, 2, 2, Square(0, 0), {});
+  Session s({MeshJson(top), MeshJson(away), MeshJson(bottom)});
+  s.run(kCapture, true, true);
+  const MeshOut t(s.art(0)), a(s.art(1));
+  // Top node (0, j) at x = 30 lies on source line i = 1.5 -> between nodes;
+  // node (1, j) at x = 50 is beyond the source (0..40).
+  for (int j = 0; j <= 2; ++j) {
+    EXPECT_TRUE(t.selected(0, j));
+    EXPECT_NE(t.colorCode(0, j), Code(0, 0, j));
+    for (int i = 1; i <= 2; ++i) {
+      EXPECT_FALSE(t.selected(i, j));
+      ExpectUnchanged(t, 0, i, j);
+    }
+  }
+  EXPECT_TRUE(a.selectedNodes().empty());
+  for (int j = 0; j <= 2; ++j)
+    for (int i = 0; i <= 2; ++i) ExpectUnchanged(a, 1, i, j);
+  EXPECT_TRUE(s.noLeaks());
+}
+
+TEST(CaptureFromMesh, OneMeshChangesNothing) {
+  const MeshSpec only = MeshAt(0, 2, 2, Square(0, 0), Rect(0, 2, 0, 2));
+  for (bool ctrl : {false, true}) {
+    Session s({MeshJson(only)});
+    const std::string before = lb::io::writeDocument(s.host->document());
+    s.run(kCapture, true, ctrl);
+    EXPECT_EQ(lb::io::writeDocument(s.host->document()), before);
+  }
+}
+
+}  // namespace
