@@ -1,3 +1,4 @@
+// Cubic Bezier and matrix arithmetic: evaluation, division, length, bounds.
 #include "host/Geometry.h"
 
 #include <algorithm>
@@ -14,10 +15,15 @@ double dist(const AIRealPoint& a, const AIRealPoint& b) { return std::hypot(b.h 
 
 double polygonLength(const AIRealBezier& b) { return dist(b.p0, b.p1) + dist(b.p1, b.p2) + dist(b.p2, b.p3); }
 
+// Halves the curve until its control polygon is within the flatness of its
+// chord. The tolerance is also relative to the curve's size, so huge
+// coordinates do not force a full-depth subdivision, and non-finite input
+// returns at once: the work is bounded on every input.
 double lengthRec(const AIRealBezier& b, double flatness, int depth) {
   const double poly = polygonLength(b);
   const double chord = dist(b.p0, b.p3);
-  if (poly - chord < flatness || depth >= 40) return 0.5 * (poly + chord);
+  if (!std::isfinite(poly) || !std::isfinite(chord)) return poly + chord;
+  if (poly - chord < std::max(flatness, 1e-7 * poly) || depth >= 20) return 0.5 * (poly + chord);
   AIRealBezier l, r;
   divide(b, 0.5, &l, &r);
   return lengthRec(l, flatness, depth + 1) + lengthRec(r, flatness, depth + 1);

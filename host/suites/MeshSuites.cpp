@@ -137,34 +137,33 @@ AIErr meshOf(AIArtHandle art, GradientMesh** out) {
   return kNoErr;
 }
 
-#define LB_MESH(art, var)                   \
-  GradientMesh* var = nullptr;              \
-  if (AIErr e_ = meshOf(art, &var)) return e_
-
-#define LB_VERTEX(it)                           \
-  if (!(it)) return kBadParameterErr;           \
-  if (!(it)->valid()) return kIterAtEndErr
-
-#define LB_SEGMENT(it)                          \
-  if (!(it)) return kBadParameterErr;           \
-  if (!(it)->valid()) return kIterAtEndErr
+// kBadParameterErr for a null iterator or selection, kIterAtEndErr for one
+// whose mesh or vertex is gone.
+template <class T>
+AIErr checkIter(const T* it) {
+  if (!it) return kBadParameterErr;
+  return it->valid() ? kNoErr : kIterAtEndErr;
+}
 
 // ---- AI Mesh Suite ---------------------------------------------------------
 
 AIErr InitCartesian(AIArtHandle art, int32_t i, int32_t j) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (i < 1 || j < 1) return kBadParameterErr;
   m->initCartesian(i, j);
   return kNoErr;
 }
 AIErr GetSize(AIArtHandle art, int32_t* i, int32_t* j) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (i) *i = m->sizeI();
   if (j) *j = m->sizeJ();
   return kNoErr;
 }
 AIErr GetNode(AIArtHandle art, int32_t i, int32_t j, AIMeshVertexIterator* vertex) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!vertex) return kBadParameterErr;
   const VertexId id = m->node(i, j);
   if (id == kNoVertex) return kBadParameterErr;
@@ -172,32 +171,37 @@ AIErr GetNode(AIArtHandle art, int32_t i, int32_t j, AIMeshVertexIterator* verte
   return kNoErr;
 }
 AIErr GetStartVertex(AIArtHandle art, AIMeshVertexIterator* vertex) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!vertex) return kBadParameterErr;
   *vertex = newVertex(refOf(m), m->firstVertex());
   return kNoErr;
 }
 AIErr GetStartSegment(AIArtHandle art, AIMeshSegmentIterator* segment) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!segment) return kBadParameterErr;
   *segment = newSegment(refOf(m), m->firstSegment());
   return kNoErr;
 }
 AIErr GetStartPatch(AIArtHandle art, AIMeshPatchIterator* patch) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!patch) return kBadParameterErr;
   *patch = newPatch(refOf(m), 0, 0);
   return kNoErr;
 }
 AIErr GetSelection(AIArtHandle art, AIMeshSelection* selection) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!selection) return kBadParameterErr;
   *selection = newSelection(refOf(m), true);
   (*selection)->art = art;
   return kNoErr;
 }
 AIErr NewSelection(AIArtHandle art, AIBoolean all, AIMeshSelection* selection) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!selection) return kBadParameterErr;
   AIMeshSelection s = newSelection(refOf(m), false);
   if (all)
@@ -206,62 +210,72 @@ AIErr NewSelection(AIArtHandle art, AIBoolean all, AIMeshSelection* selection) {
   return kNoErr;
 }
 AIErr GetRelativeU(AIArtHandle art, int32_t i, AIReal* u) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!u || i < 0 || i > m->sizeI()) return kBadParameterErr;
   *u = m->relativeU(i);
   return kNoErr;
 }
 AIErr GetRelativeV(AIArtHandle art, int32_t j, AIReal* v) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!v || j < 0 || j > m->sizeJ()) return kBadParameterErr;
   *v = m->relativeV(j);
   return kNoErr;
 }
 AIErr InsertU(AIArtHandle art, AIReal u, int32_t* i) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   const int r = m->insertU(u);
   if (r < 0) return kBadParameterErr;
   if (i) *i = r;
   return kNoErr;
 }
 AIErr InsertV(AIArtHandle art, AIReal v, int32_t* j) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   const int r = m->insertV(v);
   if (r < 0) return kBadParameterErr;
   if (j) *j = r;
   return kNoErr;
 }
 AIErr DeleteGridLines(AIArtHandle art, AIReal u, AIReal v) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   return m->deleteGridLines(u, v) ? kNoErr : kBadParameterErr;
 }
 AIErr EvalPoint(AIArtHandle art, AIRealPoint uv, AIRealPoint* point) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!point) return kBadParameterErr;
   *point = m->evalPoint(uv.h, uv.v);
   return kNoErr;
 }
 AIErr EvalColor(AIArtHandle art, AIRealPoint uv, AIColor* color) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!color) return kBadParameterErr;
   *color = m->evalColor(uv.h, uv.v);
   return kNoErr;
 }
 AIErr EvalOpacity(AIArtHandle art, AIRealPoint uv, AIReal* opacity) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!opacity) return kBadParameterErr;
   *opacity = m->evalOpacity(uv.h, uv.v);
   return kNoErr;
 }
 AIErr InvertPoint(AIArtHandle art, AIRealPoint point, AIRealPoint* uv, AIBoolean* onMesh) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!uv) return kBadParameterErr;
   const bool on = m->invertPoint(point, uv);
   if (onMesh) *onMesh = on;
   return kNoErr;
 }
 AIErr Transform(AIArtHandle art, const AIRealMatrix* matrix) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!matrix) return kBadParameterErr;
   m->transform(*matrix);
   return kNoErr;
@@ -284,12 +298,12 @@ AIBoolean VIsEqual(AIMeshVertexIterator a, AIMeshVertexIterator b) {
 }
 AIBoolean VAtEnd(AIMeshVertexIterator v) { return !v || !v->valid(); }
 AIErr VNext(AIMeshVertexIterator v) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   v->id = v->m.mesh->nextVertex(v->id);
   return kNoErr;
 }
 AIErr step(AIMeshVertexIterator v, int dir) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   v->id = v->m.mesh->neighbour(v->id, dir);
   return kNoErr;
 }
@@ -299,7 +313,7 @@ AIErr VNextJ(AIMeshVertexIterator v) { return step(v, kDirJFwd); }
 AIErr VPrevJ(AIMeshVertexIterator v) { return step(v, kDirJBack); }
 AIBoolean VIsNode(AIMeshVertexIterator v) { return v && v->valid() && v->m.mesh->isNode(v->id); }
 AIErr VGetNodeIndex(AIMeshVertexIterator v, int32_t* i, int32_t* j) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   int a = 0, b = 0;
   v->m.mesh->nodeIndex(v->id, &a, &b);
   if (i) *i = a;
@@ -316,7 +330,7 @@ int32_t VGetSegmentIndex(AIMeshVertexIterator v, int32_t axis, int32_t sense) {
 // Direction of segment `index` at the vertex, or -1.
 int dirOfIndex(AIMeshVertexIterator v, int32_t index) { return v->m.mesh->segmentDir(v->id, index); }
 AIErr VGetSegment(AIMeshVertexIterator v, int32_t index, AIMeshSegmentIterator* segment) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   if (!segment) return kBadParameterErr;
   const int d = dirOfIndex(v, index);
   if (d < 0) return kBadParameterErr;
@@ -324,26 +338,26 @@ AIErr VGetSegment(AIMeshVertexIterator v, int32_t index, AIMeshSegmentIterator* 
   return kNoErr;
 }
 AIErr VGetPoint(AIMeshVertexIterator v, AIRealPoint* p) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   if (!p) return kBadParameterErr;
   *p = v->m.mesh->point(v->id);
   return kNoErr;
 }
 AIErr VSetPoint(AIMeshVertexIterator v, const AIRealPoint* p) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   if (!p) return kBadParameterErr;
   v->m.mesh->setPoint(v->id, *p);
   return kNoErr;
 }
 AIErr VGetTangent(AIMeshVertexIterator v, int32_t index, AIRealPoint* h) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   const int d = dirOfIndex(v, index);
   if (!h || d < 0) return kBadParameterErr;
   *h = v->m.mesh->tangent(v->id, d);
   return kNoErr;
 }
 AIErr VSetTangent(AIMeshVertexIterator v, int32_t index, const AIRealPoint* h) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   const int d = dirOfIndex(v, index);
   if (!h || d < 0) return kBadParameterErr;
   v->m.mesh->setTangent(v->id, d, *h);
@@ -355,35 +369,35 @@ AIBoolean VGetSmooth(AIMeshVertexIterator v, int32_t index) {
   return d >= 0 && v->m.mesh->smooth(v->id, d);
 }
 AIErr VSetSmooth(AIMeshVertexIterator v, int32_t index, AIBoolean smooth) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   const int d = dirOfIndex(v, index);
   if (d < 0) return kBadParameterErr;
   v->m.mesh->setSmooth(v->id, d, smooth != 0);
   return kNoErr;
 }
 AIErr VGetColor(AIMeshVertexIterator v, AIColor* c) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   if (!c) return kBadParameterErr;
   *c = v->m.mesh->color(v->id);
   return kNoErr;
 }
 AIErr VSetColor(AIMeshVertexIterator v, const AIColor* c) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   if (!c) return kBadParameterErr;
   return v->m.mesh->setColor(v->id, *c) ? kNoErr : kBadParameterErr;
 }
 AIErr VGetOpacity(AIMeshVertexIterator v, AIReal* o) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   if (!o) return kBadParameterErr;
   *o = v->m.mesh->opacity(v->id);
   return kNoErr;
 }
 AIErr VSetOpacity(AIMeshVertexIterator v, AIReal o) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   return v->m.mesh->setOpacity(v->id, o) ? kNoErr : kBadParameterErr;
 }
 AIErr VGetUV(AIMeshVertexIterator v, AIRealPoint* uv) {
-  LB_VERTEX(v);
+  if (AIErr err = checkIter(v)) return err;
   if (!uv) return kBadParameterErr;
   *uv = v->m.mesh->uv(v->id);
   return kNoErr;
@@ -408,17 +422,17 @@ AIBoolean SIsEqual(AIMeshSegmentIterator a, AIMeshSegmentIterator b) {
 }
 AIBoolean SAtEnd(AIMeshSegmentIterator s) { return !s || !s->valid(); }
 AIErr SNext(AIMeshSegmentIterator s) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   s->seg = s->m.mesh->nextSegment(s->seg);
   return kNoErr;
 }
 AIErr SNextOnAxis(AIMeshSegmentIterator s) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   s->seg = s->m.mesh->nextOnAxis(s->seg);
   return kNoErr;
 }
 AIErr SPrevOnAxis(AIMeshSegmentIterator s) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   s->seg = s->m.mesh->prevOnAxis(s->seg);
   return kNoErr;
 }
@@ -428,63 +442,63 @@ int32_t SGetSense(AIMeshSegmentIterator s) {
   return dirForward(s->seg.dir) ? kAIMeshAxisIncreasing : kAIMeshAxisDecreasing;
 }
 AIErr SReverse(AIMeshSegmentIterator s) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   s->seg = s->m.mesh->reversed(s->seg);
   return kNoErr;
 }
 AIErr SGetStart(AIMeshSegmentIterator s, AIMeshVertexIterator* v) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   if (!v) return kBadParameterErr;
   *v = newVertex(s->m, s->seg.start);
   return kNoErr;
 }
 AIErr SGetEnd(AIMeshSegmentIterator s, AIMeshVertexIterator* v) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   if (!v) return kBadParameterErr;
   *v = newVertex(s->m, s->m.mesh->segmentEnd(s->seg));
   return kNoErr;
 }
 int32_t SCountKnots(AIMeshSegmentIterator s) { return s && s->valid() ? s->m.mesh->knotCount(s->seg) : 0; }
 AIErr SInsertKnots(AIMeshSegmentIterator s, int32_t m, int32_t n) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   return s->m.mesh->insertKnots(s->seg, m, n) ? kNoErr : kBadParameterErr;
 }
 AIErr SDeleteKnots(AIMeshSegmentIterator s, int32_t m, int32_t n) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   return s->m.mesh->deleteKnots(s->seg, m, n) ? kNoErr : kBadParameterErr;
 }
 int32_t SCountPoints(AIMeshSegmentIterator s) {
   return s && s->valid() ? 3 * s->m.mesh->knotCount(s->seg) + 4 : 0;
 }
 AIErr SGetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, AIRealPoint* points) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   if (count > 0 && !points) return kBadParameterErr;
   return s->m.mesh->getSegmentPoints(s->seg, start, count, points) ? kNoErr : kBadParameterErr;
 }
 AIErr SSetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, const AIRealPoint* points) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   if (count > 0 && !points) return kBadParameterErr;
   return s->m.mesh->setSegmentPoints(s->seg, start, count, points) ? kNoErr : kBadParameterErr;
 }
 AIErr SSplit(AIMeshSegmentIterator s, int32_t k) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   return s->m.mesh->split(s->seg, k) != kNoVertex ? kNoErr : kBadParameterErr;
 }
 AIErr SJoin(AIMeshSegmentIterator s, int32_t* knot) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   const int k = s->m.mesh->join(s->seg);
   if (k < 0) return kBadParameterErr;
   if (knot) *knot = k;
   return kNoErr;
 }
 AIErr SGetControl(AIMeshSegmentIterator s, AIRealPoint* control) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   if (!control) return kBadParameterErr;
   *control = s->m.mesh->control(s->seg);
   return kNoErr;
 }
 AIErr SReshape(AIMeshSegmentIterator s, AIReal t, const AIRealPoint* point) {
-  LB_SEGMENT(s);
+  if (AIErr err = checkIter(s)) return err;
   if (!point) return kBadParameterErr;
   return s->m.mesh->reshape(s->seg, t, *point) ? kNoErr : kBadParameterErr;
 }
@@ -577,7 +591,8 @@ AIErr PGetCorner(AIMeshPatchIterator p, int32_t k, AIMeshVertexIterator* vertex)
 // ---- AI Mesh Hit Suite -----------------------------------------------------
 
 AIErr HitVertex(AIArtHandle art, AIRealPoint point, AIReal tolerance, AIMeshVertexIterator* vertex) {
-  LB_MESH(art, m);
+  GradientMesh* m = nullptr;
+  if (AIErr err = meshOf(art, &m)) return err;
   if (!vertex) return kBadParameterErr;
   const VertexId v = m->hitVertex(point, tolerance);
   *vertex = v == kNoVertex ? nullptr : newVertex(refOf(m), v);
