@@ -11,6 +11,8 @@ namespace lb::app {
 namespace {
 using Nodes = std::vector<std::pair<int, int>>;
 const Nodes kRegion = {{1, 1}, {4, 3}};  // spans a 3 x 2 region
+// Every node of a 3 x 2 cell block, with the knot run (1, 2)-(2, 2) inside.
+const Nodes kBlock = {{1, 1}, {2, 1}, {3, 1}, {4, 1}, {1, 2}, {2, 2}, {3, 2}, {4, 2}, {1, 3}, {2, 3}, {3, 3}, {4, 3}};
 }  // namespace
 
 // Add steps here: title, file stem, selection, command id, Alt, Ctrl.
@@ -37,6 +39,13 @@ const std::vector<DemoStep>& demoTour() {
       {"Reflect grid direction in I", "dir-flip", {true, {}}, 167, false, true},
       {"Rotate grid direction counterclockwise", "dir-rotate-ccw", {true, {}}, 167, true},
       {"Even UV coordinates (dumb reset)", "uv-reset-even", {true, {}}, 166, false, true},
+      {"Grid lines as paths", "vis-grid", {true, {}}, 131, false, false, false},
+      {"Grid lines of a block of cells, one path per node-to-node stretch", "vis-grid-nodes", {false, kBlock}, 131,
+       false, true, false},
+      {"Axes and corner nodes", "vis-axes", {true, {}}, 132, false, false, false},
+      {"Points, knots and handles", "vis-points", {false, {{0, 2}, {1, 2}, {2, 2}, {0, 3}, {0, 4}, {1, 3}}}, 131,
+       true, true, false},
+      {"UV coordinates (diagnostic message)", "uv-report", {true, {}}, 169},
   };
   return tour;
 }

@@ -23,6 +23,9 @@ struct DemoStep {
   int id;
   bool alt = false;
   bool ctrl = false;
+  // Draw the selection in the after picture; off where the step's own art
+  // (drawn lines and marks) would hide under it.
+  bool selectionAfter = true;
 };
 
 // The tour, in order.
