@@ -88,18 +88,5 @@ TEST(Axes, MeshMarkedWholeWhateverItsVertexSelection) {
   EXPECT_EQ(Names(kids[0].at("children")), (std::vector<std::string>{"0,0", "2,0", "0,2", "2,2"}));
 }
 
-TEST(Axes, TwoDigitCornerNames) {
-  Session s(MeshDoc({{12, 10}}));
-  const json kids = s.run(kAxes, true, false);
-  EXPECT_EQ(Names(kids[0].at("children")), (std::vector<std::string>{"0,0", "12,0", "0,10", "12,10"}));
-}
-
-TEST(Axes, NoSelectedMeshMakesNothing) {
-  MeshSpec m{1, 1};
-  m.artSelected = false;
-  Session s(MeshDoc({m}));
-  EXPECT_EQ(s.run(kAxes).size(), 1u);
-}
-
 }  // namespace
 }  // namespace vistest

@@ -81,14 +81,16 @@ class Session {
  public:
   explicit Session(const std::string& text) : host(lb::io::readDocument(text)) { host.loadPlugin(); }
 
-  // Runs one command, checks it left no host object alive, and returns the
-  // layer's children as written.
+  // Runs one command, checks it left no host object alive and that the
+  // document reads back as written, and returns the layer's children.
   json run(int id, bool alt = false, bool ctrl = false) {
     const lb::host::Counters before = host.counters();
     host.runCommand(id, alt, ctrl, true, true);
     EXPECT_EQ(host.counters(), before) << "command " << id << " leaked a host object";
-    const json doc = json::parse(lb::io::writeDocument(host.document()));
-    return doc.at("layers").at(0).at("children");
+    const std::string text = lb::io::writeDocument(host.document());
+    // The created art must read back as written.
+    EXPECT_EQ(lb::io::writeDocument(*lb::io::readDocument(text)), text);
+    return json::parse(text).at("layers").at(0).at("children");
   }
 
   lb::host::Host host;
