@@ -57,11 +57,16 @@ int runDemo(const std::string& dir) {
       const bool differs = lb::io::writeDocument(*after) != before;
       changed += differs;
       lb::io::writeDocumentFileAtomic(*after, base + "-after.lbdoc");
-      renderPng(*after, base + "-after.png", 1.0, true);
+      renderPng(*after, base + "-after.png", 1.0, step.selectionAfter);
 
       std::cout << StepName(k, step) << "  " << step.title << " [" << Keys(step) << "]: "
                 << (differs ? "changed" : "unchanged");
-      for (const std::string& a : alerts) std::cout << "\n    message: " << a;
+      // A message of several lines stays indented under its step.
+      for (std::string a : alerts) {
+        for (size_t at = a.find('\n'); at != std::string::npos && at + 1 < a.size(); at = a.find('\n', at + 14))
+          a.replace(at, 1, "\n             ");
+        std::cout << "\n    message: " << a;
+      }
       std::cout << "\n";
     } catch (const std::exception& e) {
       // One failing step does not hide what the others show.

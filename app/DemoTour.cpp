@@ -13,6 +13,8 @@ namespace lb::app {
 namespace {
 using Nodes = std::vector<std::pair<int, int>>;
 const Nodes kRegion = {{1, 1}, {4, 3}};  // spans a 3 x 2 region
+// Every node of a 3 x 2 cell block, with the knot run (1, 2)-(2, 2) inside.
+const Nodes kBlock = {{1, 1}, {2, 1}, {3, 1}, {4, 1}, {1, 2}, {2, 2}, {3, 2}, {4, 2}, {1, 3}, {2, 3}, {3, 3}, {4, 3}};
 }  // namespace
 
 // Add steps here: title, file stem, selection, command id, Alt, Ctrl.
@@ -44,6 +46,13 @@ const std::vector<DemoStep>& demoTour() {
       {"Pattern fill along I only", "color-pattern-i", {false, {{2, 1}, {3, 2}}}, 154, true},
       {"Clone colours from the swatch mesh", "color-clone", {false, kRegion}, 139, false, false, DemoScene::kSwatch},
       {"Clone colours, I and J exchanged", "color-clone-ij", {false, kRegion}, 139, false, true, DemoScene::kSwatch},
+      {"Grid lines as paths", "vis-grid", {true, {}}, 131, false, false, DemoScene::kMesh, false},
+      {"Grid lines of a block of cells, one path per node-to-node stretch", "vis-grid-nodes", {false, kBlock}, 131,
+       false, true, DemoScene::kMesh, false},
+      {"Axes and corner nodes", "vis-axes", {true, {}}, 132, false, false, DemoScene::kMesh, false},
+      {"Points, knots and handles", "vis-points", {false, {{0, 2}, {1, 2}, {2, 2}, {0, 3}, {0, 4}, {1, 3}}}, 131,
+       true, true, DemoScene::kMesh, false},
+      {"UV coordinates (diagnostic message)", "uv-report", {true, {}}, 169},
   };
   return tour;
 }

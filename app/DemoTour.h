@@ -31,6 +31,9 @@ struct DemoStep {
   bool alt = false;
   bool ctrl = false;
   DemoScene scene = DemoScene::kMesh;
+  // Draw the selection in the after picture; off where the step's own art
+  // (drawn lines and marks) would hide under it.
+  bool selectionAfter = true;
 };
 
 // The tour, in order.

@@ -2,12 +2,17 @@
 // cell of the command table. The implementations live in commands/<family>/.
 #pragma once
 
+#include <string>
+
 #include "AIMeshSuites.h"
 
 // Mesh visualisation
 int MakeMeshGrid(int sequencePerSegment, int subSegments);
 int MakeMeshDotsGroup();
 int MakeMeshCornerNodesAndCoords(long mode);
+int _MakeMeshGridThroughLines(AIArtHandle mesh, int perNode, int perSegment);
+int _MakeMeshDotsGroup(AIArtHandle mesh);
+int _MakeMeshCornerNodesAndCoords(AIArtHandle mesh, long mode);
 
 // Grid structure
 int MeshSwapCornerNodeAndVertex();
@@ -79,5 +84,8 @@ int ResetRelative();
 
 namespace debug {
 int AlertUVs();
+int AlertUV();
+void Alert(char const* text);
+int MakeUVText(AIArtHandle mesh, std::string& out);
 }  // namespace debug
 }  // namespace lb

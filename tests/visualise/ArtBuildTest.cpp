@@ -1,0 +1,140 @@
+// The art makers and name formatters, called directly against the host's
+// own suite tables.
+#include <memory>
+
+#include "ArtBuild.h"
+#include "Suites.h"
+#include "VisDoc.h"
+#include "host/SuiteRegistry.h"
+
+namespace vistest {
+namespace {
+
+template <class T>
+const T* Find(const char* name, int32_t version) {
+  return static_cast<const T*>(lb::host::findSuite(name, version));
+}
+
+class ArtBuild : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    json group = {{"type", "group"}, {"name", "G"}, {"children", json::array()}};
+    json styles = json::array({Style("S", 2.5)});
+    host = std::make_unique<lb::host::Host>(lb::io::readDocument(Doc(json::array({group}), styles)));
+    lb::s::sArt = Find<AIArtSuite>(kAIArtSuite, kAIArtSuiteVersion);
+    lb::s::sPath = Find<AIPathSuite>(kAIPathSuite, kAIPathSuiteVersion);
+    lb::s::sPathStyle = Find<AIPathStyleSuite>(kAIPathStyleSuite, kAIPathStyleSuiteVersion);
+    lb::s::sArtStyle = Find<AIArtStyleSuite>(kAIArtStyleSuite, kAIArtStyleSuiteVersion);
+    sAIUnicodeString = Find<AIUnicodeStringSuite>(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion);
+    ASSERT_TRUE(lb::s::sArt && lb::s::sPath && lb::s::sPathStyle && lb::s::sArtStyle && sAIUnicodeString);
+    group_ = host->document().layers()[0]->children[0].get();
+  }
+  void TearDown() override {
+    lb::s::sArt = nullptr;
+    lb::s::sPath = nullptr;
+    lb::s::sPathStyle = nullptr;
+    lb::s::sArtStyle = nullptr;
+    sAIUnicodeString = nullptr;
+    host.reset();
+  }
+  json Layer() {
+    return json::parse(lb::io::writeDocument(host->document())).at("layers").at(0).at("children");
+  }
+
+  std::unique_ptr<lb::host::Host> host;
+  AIArtHandle group_ = nullptr;
+};
+
+TEST_F(ArtBuild, MakersFillTheGroupTopDownInCallOrder) {
+  const AIRealPoint a{1, 2}, b{3, 4};
+  MakeLine(&a, &b, group_, "line", nullptr);
+  MakePoint(&a, group_, "point", nullptr);
+  MakeSquare(&b, 1.5, group_, "square", 0.25, 0.5, 0.75, 2.0);
+  MakeSquareMark(&a, 2, "mark", group_);
+  const json g = Layer()[0];
+  ASSERT_EQ(Names(g.at("children")), (std::vector<std::string>{"line", "point", "square", "mark"}));
+  const json& line = g.at("children")[0];
+  EXPECT_EQ(Anchors(line), (Pts{{1, 2}, {3, 4}}));
+  EXPECT_FALSE(line.at("closed").get<bool>());
+  for (const auto& s : line.at("segments")) {
+    EXPECT_EQ(s.at("in"), s.at("p"));
+    EXPECT_EQ(s.at("out"), s.at("p"));
+    EXPECT_TRUE(s.at("corner").get<bool>());
+  }
+  EXPECT_TRUE(line.at("fill").is_null());
+  EXPECT_EQ(line.at("stroke"), json({{"color", {{"rgb", {0.0, 0.0, 0.0}}}}, {"width", 1.0}}));
+  EXPECT_EQ(Anchors(g.at("children")[1]), (Pts{{1, 2}}));
+  const json& sq = g.at("children")[2];
+  EXPECT_TRUE(sq.at("closed").get<bool>());
+  EXPECT_EQ(Anchors(sq), (Pts{{1.5, 2.5}, {1.5, 5.5}, {4.5, 5.5}, {4.5, 2.5}}));
+  EXPECT_EQ(sq.at("stroke"), json({{"color", {{"rgb", {0.25, 0.5, 0.75}}}}, {"width", 2.0}}));
+  const json& mark = g.at("children")[3];
+  EXPECT_TRUE(mark.at("closed").get<bool>());
+  EXPECT_EQ(Anchors(mark), (Pts{{3, 4}, {3, 0}, {-1, 0}, {-1, 4}}));
+}
+
+TEST_F(ArtBuild, NoGroupPutsThePathAboveAllAndNoNameKeepsTheDefault) {
+  const AIRealPoint a{5, 5};
+  MakePoint(&a, nullptr, nullptr, nullptr);
+  const json layer = Layer();
+  ASSERT_EQ(layer.size(), 2u);
+  EXPECT_EQ(layer[0].at("type"), "path");
+  EXPECT_EQ(layer[0].at("name"), "");
+  EXPECT_TRUE(layer[1].at("children").empty());
+}
+
+TEST_F(ArtBuild, GraphicStyleReplacesTheLook) {
+  AIArtStyleHandle style = ZF_FindStyle("S");
+  ASSERT_NE(style, nullptr);
+  EXPECT_EQ(ZF_FindStyle("missing"), nullptr);
+  EXPECT_EQ(ZF_FindStyleOr("missing", style), style);
+  const AIRealPoint a{0, 0}, b{1, 0};
+  MakeLine(&a, &b, group_, "styled", style);
+  const json p = Layer()[0].at("children")[0];
+  EXPECT_EQ(p.at("graphicStyle"), "S");
+  EXPECT_EQ(p.at("stroke").at("width"), 2.5);
+}
+
+TEST_F(ArtBuild, SquareMarkOfHalfSideZeroIsFourCoincidentPoints) {
+  const AIRealPoint c{7, 8};
+  MakeSquareMark(&c, 0, nullptr, group_);
+  const json p = Layer()[0].at("children")[0];
+  EXPECT_EQ(Anchors(p), (Pts{{7, 8}, {7, 8}, {7, 8}, {7, 8}}));
+  EXPECT_TRUE(p.at("closed").get<bool>());
+}
+
+TEST_F(ArtBuild, EmptyGroupsGoOthersStay) {
+  AIArtHandle inner = ZF_NewGroup(kPlaceInsideOnBottom, group_, "inner");
+  ASSERT_NE(inner, nullptr);
+  EXPECT_FALSE(ZF_DeleteIfEmpty(&group_));
+  EXPECT_NE(group_, nullptr);
+  EXPECT_TRUE(ZF_DeleteIfEmpty(&inner));
+  EXPECT_EQ(inner, nullptr);
+  EXPECT_FALSE(ZF_DeleteIfEmpty(&inner));
+  EXPECT_TRUE(ZF_DeleteIfEmpty(&group_));
+  EXPECT_TRUE(Layer().empty());
+}
+
+struct NameCase {
+  int a, b;
+  const char* node;
+  const char* axis;
+};
+
+TEST(Names, DecimalWithoutPaddingOrSign) {
+  const NameCase cases[] = {{0, 12, "0,12", "I=12"},
+                            {1, 3, "1,3", "J=3"},
+                            {0, 0, "0,0", "I=0"},
+                            {7, 2147483647, "7,2147483647", "J=2147483647"},
+                            {2147483647, 2147483647, "2147483647,2147483647", "J=2147483647"}};
+  for (const auto& c : cases) {
+    char node[23], axis[14];
+    MakeNodeName(c.a, c.b, node);
+    MakeAxisName(c.a == 0 ? 0 : 1, c.b, axis);
+    EXPECT_STREQ(node, c.node);
+    EXPECT_STREQ(axis, c.axis);
+  }
+}
+
+}  // namespace
+}  // namespace vistest
