@@ -160,10 +160,14 @@ int CManyPathesToMesh::FindUnusedPathesAndNodes() {
   return 0;
 }
 
+// Paths are deleted from the bottom of the paint order up (the list runs
+// top down): the host then removes each from the end of its container's
+// list instead of moving every art below it.
 int CManyPathesToMesh::DeleteUnused() {
+  for (auto it = m_Paths.rbegin(); it != m_Paths.rend(); ++it)
+    if (!(*it)->m_bUsed) sArt->DisposeArt((*it)->m_hArt);
   std::erase_if(m_Paths, [](CPAPath* p) {
     if (p->m_bUsed) return false;
-    sArt->DisposeArt(p->m_hArt);
     delete p;
     return true;
   });
@@ -490,9 +494,9 @@ int CManyPathesToMesh::CreateMesh() {
 }
 
 int CManyPathesToMesh::DeletePathes() {
-  for (CPAPath* p : m_Paths) {
-    sArt->DisposeArt(p->m_hArt);
-    p->m_hArt = nullptr;
+  for (auto it = m_Paths.rbegin(); it != m_Paths.rend(); ++it) {
+    sArt->DisposeArt((*it)->m_hArt);
+    (*it)->m_hArt = nullptr;
   }
   return 0;
 }
