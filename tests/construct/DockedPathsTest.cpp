@@ -3,7 +3,9 @@
 // dangling and closed paths, sets that are not grids, groups.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <random>
 #include <string>
 #include <tuple>
 
@@ -23,34 +25,52 @@ std::vector<Pt> Expected(const GridPath& g) {
   return g.reverse ? Reversed(pts) : pts;
 }
 
-// Checks that `art` is the mesh of the a x b grid drawn by `paths`: node
-// (0, 0) at the grid's origin, I along the grid's rows or its columns, and
-// every run shaped exactly like the path between its two nodes.
-void ExpectGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
+// Checks that `art` is the mesh of the a x b grid drawn by `paths`, with
+// node (0, 0) at whichever grid corner and I along whichever grid side the
+// builder started from, and every run shaped exactly like the path between
+// its two nodes. Returns through `transposed` whether I runs along the
+// grid's columns.
+void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
   ASSERT_EQ(art.at("type"), "mesh");
   const MeshView m{art};
-  ASSERT_EQ(m.NodeP(0, 0), GridPt(0, 0));
-  *transposed = !(m.NodeP(1, 0) == GridPt(1, 0));
+  // Grid coordinates of node (0, 0), and the grid steps of +I and +J.
+  int ci = -1, cj = -1;
+  for (int i : {0, a})
+    for (int j : {0, b})
+      if (m.NodeP(0, 0) == GridPt(i, j)) ci = i, cj = j;
+  ASSERT_GE(ci, 0) << "node (0, 0) is not at a grid corner";
+  const int si = ci == 0 ? 1 : -1, sj = cj == 0 ? 1 : -1;
+  *transposed = !(m.NodeP(1, 0) == GridPt(ci + si, cj));
   const int I = *transposed ? b : a, J = *transposed ? a : b;
   ASSERT_EQ(m.I(), I);
   ASSERT_EQ(m.J(), J);
-  auto grid = [&](int i, int j) { return *transposed ? std::pair{j, i} : std::pair{i, j}; };
+  auto grid = [&](int i, int j) {
+    return *transposed ? std::pair{ci + si * j, cj + sj * i} : std::pair{ci + si * i, cj + sj * j};
+  };
   for (int j = 0; j <= J; ++j)
     for (int i = 0; i <= I; ++i) {
       const auto [gi, gj] = grid(i, j);
       EXPECT_EQ(m.NodeP(i, j), GridPt(gi, gj)) << "node " << i << ", " << j;
-      const json& color = m.Node(i, j).at("color");
-      EXPECT_EQ(color, json({{"rgb", {kGray, kGray, kGray}}}));
+      EXPECT_EQ(m.Node(i, j).at("color"), json({{"rgb", {kGray, kGray, kGray}}}));
       for (const char* axis : {"I", "J"}) {
         const bool alongI = axis[0] == 'I';
         if ((alongI && i == I) || (!alongI && j == J)) continue;
-        // A mesh run along I follows a grid row unless the mesh is turned.
-        const bool horizontal = alongI != *transposed;
-        const GridPath* g = FindPath(paths, horizontal, gi, gj);
+        const auto [ni, nj] = alongI ? grid(i + 1, j) : grid(i, j + 1);
+        const bool horizontal = nj == gj;
+        const GridPath* g = FindPath(paths, horizontal, std::min(gi, ni), std::min(gj, nj));
         ASSERT_NE(g, nullptr);
-        EXPECT_EQ(m.Run(i, j, axis), Expected(*g)) << "run from " << i << ", " << j << " along " << axis;
+        // The path runs from its lower-left end; the run may go the other way.
+        const bool forward = ni > gi || nj > gj;
+        EXPECT_EQ(m.Run(i, j, axis), forward ? Expected(*g) : Reversed(Expected(*g)))
+            << "run from " << i << ", " << j << " along " << axis;
       }
     }
+}
+
+// The same, for grids drawn from the origin: node (0, 0) must be there.
+void ExpectGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
+  ASSERT_EQ(MeshView{art}.NodeP(0, 0), GridPt(0, 0));
+  ExpectAnyGridMesh(art, a, b, paths, transposed);
 }
 
 struct GridCase {
@@ -100,6 +120,29 @@ TEST_P(EveryGrid, BecomesOneMeshShapedByItsPaths) {
 }
 
 INSTANTIATE_TEST_SUITE_P(DockedPaths, EveryGrid, ::testing::ValuesIn(AllGrids()), Name);
+
+// Drawn in any order, in any directions: the builder may start from any
+// corner, and still makes the whole grid.
+TEST(DockedPaths, ShuffledGridsOfEverySize) {
+  std::mt19937 random(20261124);
+  for (int a = 1; a <= 7; ++a)
+    for (int b = 1; b <= 7; ++b) {
+      SCOPED_TRACE(std::to_string(a) + " x " + std::to_string(b));
+      std::vector<GridPath> paths = GridPaths(a, b, Order::RowsFirst, false);
+      std::shuffle(paths.begin(), paths.end(), random);
+      for (GridPath& g : paths)
+        if (random() % 2) {
+          std::reverse(g.anchors.begin(), g.anchors.end());
+          for (Anchor& x : g.anchors) std::swap(x.in, x.out);
+          g.reverse = !g.reverse;
+        }
+      Session s(MakeDoc(GridArt(paths)));
+      const json doc = s.run(kMeshFromDockedPaths);
+      ASSERT_EQ(Children(doc).size(), 1u);
+      bool transposed = false;
+      ExpectAnyGridMesh(Children(doc)[0], a, b, paths, &transposed);
+    }
+}
 
 // The documented sizes: a strip of seven paths, a 3 x 3 grid with its
 // middle cell left by the ring, a 4 x 2 grid with a middle line.
