@@ -41,6 +41,7 @@ struct CPANode {
   // without an axis, and the walk in which m_nFree was last taken from it.
   int32_t m_nLiveFree = 0;
   int32_t m_nEpoch = -1;
+  int32_t m_nOrder = 0;  // creation index
   bool m_bAlive = true;
 };
 

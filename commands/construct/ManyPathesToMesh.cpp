@@ -104,14 +104,14 @@ int CManyPathesToMesh::FillPoints() {
         auto it = cells.find({c.h + dh, c.v + dv});
         if (it == cells.end()) continue;
         for (CPANode* n : it->second) {
-          if (best && best->m_nI <= n->m_nI) continue;  // m_nI holds the creation index here
+          if (best && best->m_nOrder <= n->m_nOrder) continue;
           if (sMath->AIRealPointClose(&n->m_Point, &p, kDockTolerance)) best = n;
         }
       }
     if (best) return best;
     auto* n = new CPANode;
     n->m_Point = p;
-    n->m_nI = static_cast<int32_t>(m_Nodes.size());
+    n->m_nOrder = static_cast<int32_t>(m_Nodes.size());
     m_Nodes.push_back(n);
     cells[c].push_back(n);
     return n;
@@ -128,7 +128,6 @@ int CManyPathesToMesh::FillPoints() {
     path->m_pEnd = nodeAt(segs.back().p);
     path->m_pEnd->m_Paths.push_back(path);
   }
-  for (CPANode* n : m_Nodes) n->m_nI = -1;
   return 0;
 }
 
