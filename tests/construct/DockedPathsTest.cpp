@@ -144,24 +144,6 @@ TEST(DockedPaths, ShuffledGridsOfEverySize) {
     }
 }
 
-// The documented sizes: a strip of seven paths, a 3 x 3 grid with its
-// middle cell left by the ring, a 4 x 2 grid with a middle line.
-TEST(DockedPaths, DocumentedSizes) {
-  const struct {
-    int a, b, paths, I, J;
-  } cases[] = {{2, 1, 7, 2, 1}, {1, 2, 7, 2, 1}, {1, 1, 4, 1, 1}, {3, 3, 24, 3, 3}, {4, 2, 22, 4, 2}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::to_string(c.a) + " x " + std::to_string(c.b));
-    const std::vector<GridPath> paths = GridPaths(c.a, c.b, Order::RowsFirst, false);
-    ASSERT_EQ(static_cast<int>(paths.size()), c.paths);
-    Session s(MakeDoc(GridArt(paths)));
-    const json doc = s.run(kMeshFromDockedPaths);
-    ASSERT_EQ(Children(doc).size(), 1u);
-    EXPECT_EQ(MeshView{Children(doc)[0]}.I(), c.I);
-    EXPECT_EQ(MeshView{Children(doc)[0]}.J(), c.J);
-  }
-}
-
 // Moves one end of one path of a 1 x 1 grid by `offset` along h.
 std::vector<json> SquareWithOffsetEnd(double offset) {
   std::vector<GridPath> paths = GridPaths(1, 1, Order::RowsFirst, false);
