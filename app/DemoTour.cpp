@@ -53,6 +53,8 @@ const std::vector<DemoStep>& demoTour() {
       {"Points, knots and handles", "vis-points", {false, {{0, 2}, {1, 2}, {2, 2}, {0, 3}, {0, 4}, {1, 3}}}, 131,
        true, true, DemoScene::kMesh, false},
       {"UV coordinates (diagnostic message)", "uv-report", {true, {}}, 169},
+      {"One-cell mesh from a path", "mesh-from-path", {false, {}, "demo-shape"}, 141},
+      {"Mesh from a grid of docked paths", "mesh-from-grid", {false, {}, "demo-grid"}, 161},
   };
   return tour;
 }
@@ -124,6 +126,50 @@ nlohmann::json Run(int i, int j, const char* axis, const std::vector<const char*
   }
   return {{"node", {i, j}}, {"axis", axis}, {"points", points}, {"inner", inner}};
 }
+
+// A filled shape of six anchors, and a 3 x 2 grid of docked paths (every
+// third one bent), to the right of the mesh.
+std::vector<nlohmann::json> PathsBeside() {
+  using nlohmann::json;
+  std::vector<json> art;
+  art.push_back({{"type", "path"},
+                 {"id", "demo-shape"},
+                 {"name", "Shape"},
+                 {"closed", true},
+                 {"opacity", 0.9},
+                 {"fill", {{"color", {{"rgb", {0.95, 0.45, 0.2}}}}}},
+                 {"stroke", nullptr},
+                 {"segments",
+                  json::array({{{"p", {430, 200}}},
+                               {{"p", {515, 185}}, {"in", {480, 200}}, {"out", {550, 170}}},
+                               {{"p", {600, 205}}},
+                               {{"p", {590, 300}}},
+                               {{"p", {510, 315}}, {"in", {550, 330}}, {"out", {470, 300}}},
+                               {{"p", {440, 290}}}})}});
+  const double left = 430, bottom = 30, w = 55, h = 65;
+  int serial = 0;
+  auto add = [&](Pt a, Pt b) {
+    json segs = json::array({{{"p", P(a)}}, {{"p", P(b)}}});
+    if (serial % 3 == 1) {
+      const Pt m{(a.h + b.h) / 2 + (a.h == b.h ? 8 : 0), (a.v + b.v) / 2 + (a.v == b.v ? 8 : 0)};
+      const Pt d{(b.h - a.h) / 6, (b.v - a.v) / 6};
+      segs = json::array({{{"p", P(a)}}, {{"p", P(m)}, {"in", P({m.h - d.h, m.v - d.v})}, {"out", P({m.h + d.h, m.v + d.v})}},
+                          {{"p", P(b)}}});
+    }
+    art.push_back({{"type", "path"},
+                   {"id", "demo-grid-" + std::to_string(serial++)},
+                   {"closed", false},
+                   {"fill", nullptr},
+                   {"stroke", {{"color", {{"rgb", {0.2, 0.3, 0.6}}}}, {"width", 1.5}}},
+                   {"segments", segs}});
+  };
+  auto at = [&](int i, int j) { return Pt{left + w * i, bottom + h * j}; };
+  for (int j = 0; j <= 2; ++j)
+    for (int i = 0; i < 3; ++i) add(at(i, j), at(i + 1, j));
+  for (int i = 0; i <= 3; ++i)
+    for (int j = 0; j < 2; ++j) add(at(i, j), at(i, j + 1));
+  return art;
+}
 }  // namespace
 
 namespace {
@@ -176,7 +222,7 @@ nlohmann::json SwatchMesh() {
   for (int j = 0; j <= 2; ++j)
     for (int i = 0; i <= 2; ++i) {
       const double* c = kColors[i + 3 * j];
-      nodes.push_back({{"p", {410.0 + 45.0 * i, 100.0 + 45.0 * j}}, {"color", {{"rgb", {c[0], c[1], c[2]}}}}});
+      nodes.push_back({{"p", {630.0 + 45.0 * i, 100.0 + 45.0 * j}}, {"color", {{"rgb", {c[0], c[1], c[2]}}}}});
     }
   return {{"type", "mesh"},   {"id", "swatch-mesh"}, {"name", "Swatch"},
           {"selected", true}, {"size", {2, 2}},      {"nodes", nodes}};
@@ -211,12 +257,17 @@ std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
        json::array({{{"p", {30, 300}}, {"out", {120, 340}}},
                     {{"p", {200, 300}}, {"in", {150, 270}}, {"out", {250, 330}}},
                     {{"p", {360, 305}}, {"in", {320, 340}}}})}};
-  json children = {path, mesh};
-  double right = 400;
+  json children = json::array({path, mesh});
+  for (json& art : PathsBeside()) {
+    const std::string id = art["id"];
+    art["selected"] = !selection.paths.empty() && id.rfind(selection.paths, 0) == 0;
+    children.push_back(art);
+  }
+  double right = 620;
   if (scene == DemoScene::kPhoto) children.push_back(PhotoRaster());
   if (scene == DemoScene::kSwatch) {
     children.insert(children.begin(), SwatchMesh());
-    right = 520;
+    right = 740;
   }
   json doc = {{"latticebender", 1},
               {"artboard", {0, 0, right, 340}},

@@ -12,8 +12,13 @@ namespace lb::app {
 
 // Which vertices of the demo mesh are selected before a step runs.
 struct DemoSelection {
+  DemoSelection() = default;
+  DemoSelection(bool whole, std::vector<std::pair<int, int>> selected, std::string pathIds = "")
+      : wholeMesh(whole), nodes(std::move(selected)), paths(std::move(pathIds)) {}
   bool wholeMesh = false;
   std::vector<std::pair<int, int>> nodes;  // (i, j) of selected nodes
+  // Paths whose id starts with this are selected (none when empty).
+  std::string paths;
 };
 
 // What the demo document holds besides the demo mesh and the guide path.
@@ -40,8 +45,9 @@ struct DemoStep {
 const std::vector<DemoStep>& demoTour();
 
 // The demo document as .lbdoc text: a 6 x 5 mesh with RGB colours varying
-// across it, a few knots and non-node vertices, `selection` applied, and a
-// stroked path beside it; `scene` adds an image or a second mesh.
+// across it, a few knots and non-node vertices, `selection` applied, a
+// stroked path below it, and beside it a filled shape and a 3 x 2 grid of
+// docked paths; `scene` adds an image or a second mesh.
 std::string demoDocumentText(const DemoSelection& selection, DemoScene scene = DemoScene::kMesh);
 std::unique_ptr<lb::host::Document> demoDocument(const DemoSelection& selection, DemoScene scene = DemoScene::kMesh);
 
