@@ -3,6 +3,9 @@
 // reported as bytes per second and time per mesh node.
 #include <benchmark/benchmark.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cmath>
 
 #include "host/Document.h"
@@ -65,8 +68,20 @@ void BM_Save(benchmark::State& state) {
   setCounters(state, text.size(), n);
 }
 
+// Saving as the command line does: streamed to a file descriptor.
+void BM_SaveStream(benchmark::State& state) {
+  const int n = static_cast<int>(state.range(0));
+  const std::string& text = meshDocument(n);
+  const auto doc = lb::io::readDocument(text);
+  const int fd = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  for (auto _ : state) lb::io::writeDocumentTo(fd, *doc);
+  ::close(fd);
+  setCounters(state, text.size(), n);
+}
+
 }  // namespace
 
 BENCHMARK(BM_Load)->Arg(64)->Arg(128)->Arg(256)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Save)->Arg(64)->Arg(128)->Arg(256)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SaveStream)->Arg(64)->Arg(128)->Arg(256)->Unit(benchmark::kMillisecond);
 BENCHMARK_MAIN();

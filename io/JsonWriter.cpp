@@ -80,6 +80,21 @@ void appendJsonNumber(std::string& out, double d) {
 }
 
 void appendJsonString(std::string& out, std::string_view s) {
+  // Most strings (every key) need no escapes: one append.
+  bool plain = true;
+  for (const char ch : s) {
+    const unsigned char c = static_cast<unsigned char>(ch);
+    if (c < 0x20 || c == '"' || c == '\\' || c >= 0x80) {
+      plain = false;
+      break;
+    }
+  }
+  if (plain) {
+    out += '"';
+    out.append(s);
+    out += '"';
+    return;
+  }
   out += '"';
   size_t k = 0;
   while (k < s.size()) {

@@ -23,8 +23,35 @@ using lb::host::MeshRunData;
 
 namespace {
 
-std::string at(const std::string& path, const std::string& key) { return path + "." + key; }
-std::string at(const std::string& path, size_t k) { return path + "[" + std::to_string(k) + "]"; }
+// The JSON path of a value, spelled out only when an error names it (a
+// large mesh has millions of values and no errors). A Path refers to its
+// parent: it lives no longer than the parent it was made from.
+class Path {
+ public:
+  Path(const std::string& root) : root_(&root) {}
+  Path(const Path& parent, std::string_view key) : parent_(&parent), key_(key) {}
+  Path(const Path& parent, size_t index) : parent_(&parent), index_(index) {}
+  operator std::string() const {
+    if (root_) return *root_;
+    std::string out = *parent_;
+    if (key_.data()) {
+      out += '.';
+      out += key_;
+    } else {
+      out += '[' + std::to_string(index_) + ']';
+    }
+    return out;
+  }
+
+ private:
+  const std::string* root_ = nullptr;
+  const Path* parent_ = nullptr;
+  std::string_view key_;
+  size_t index_ = 0;
+};
+
+Path at(const Path& path, std::string_view key) { return {path, key}; }
+Path at(const Path& path, size_t k) { return {path, k}; }
 
 const char* typeName(const json& j) {
   switch (j.kind()) {
@@ -37,70 +64,70 @@ const char* typeName(const json& j) {
   }
 }
 
-[[noreturn]] void wrongType(const json& j, const std::string& path, const char* want) {
+[[noreturn]] void wrongType(const json& j, const Path& path, const char* want) {
   throw FormatError(path, std::string("expected ") + want + ", found " + typeName(j));
 }
 
-double number(const json& j, const std::string& path) {
+double number(const json& j, const Path& path) {
   if (!j.is_number()) wrongType(j, path, "a number");
   const double d = j.get<double>();
   if (!std::isfinite(d)) throw FormatError(path, "number is not finite");
   return d;
 }
 
-double unit(const json& j, const std::string& path) {
+double unit(const json& j, const Path& path) {
   const double d = number(j, path);
   if (d < 0 || d > 1) throw FormatError(path, "value outside 0..1");
   return d;
 }
 
-int integer(const json& j, const std::string& path) {
+int integer(const json& j, const Path& path) {
   if (!j.is_number_integer()) wrongType(j, path, "an integer");
   const auto v = j.get<long long>();
   if (v < -(1LL << 30) || v > (1LL << 30)) throw FormatError(path, "integer out of range");
   return static_cast<int>(v);
 }
 
-bool boolean(const json& j, const std::string& path) {
+bool boolean(const json& j, const Path& path) {
   if (!j.is_boolean()) wrongType(j, path, "a boolean");
   return j.get<bool>();
 }
 
-json array(const json& j, const std::string& path, size_t n = static_cast<size_t>(-1)) {
+json array(const json& j, const Path& path, size_t n = static_cast<size_t>(-1)) {
   if (!j.is_array()) wrongType(j, path, "an array");
   if (n != static_cast<size_t>(-1) && j.size() != n)
     throw FormatError(path, "expected " + std::to_string(n) + " entries, found " + std::to_string(j.size()));
   return j;
 }
 
-json object(const json& j, const std::string& path, std::initializer_list<const char*> keys) {
+json object(const json& j, const Path& path, std::initializer_list<const char*> keys) {
   if (!j.is_object()) wrongType(j, path, "an object");
   for (auto it = j.begin(); it != j.end(); ++it) {
     bool known = false;
     for (const char* k : keys) known = known || it.key() == k;
-    if (!known) throw FormatError(at(path, std::string(it.key())), "unknown key");
+    if (!known) throw FormatError(at(path, it.key()), "unknown key");
   }
   return j;
 }
 
-json required(const json& obj, const char* key, const std::string& path) {
+json required(const json& obj, const char* key, const Path& path) {
   auto it = obj.find(key);
   if (!it) throw FormatError(at(path, key), "missing required key");
   return *it;
 }
 
-double coordinate(const json& j, const std::string& path) {
+double coordinate(const json& j, const Path& path) {
   const double d = number(j, path);
   if (std::fabs(d) > kMaxCoordinate) throw FormatError(path, "coordinate outside +-1e7");
   return d;
 }
 
-AIRealPoint point(const json& j, const std::string& path) {
+AIRealPoint point(const json& j, const Path& path) {
   array(j, path, 2);
   return {coordinate(j[0], at(path, 0)), coordinate(j[1], at(path, 1))};
 }
 
-AIColor color(const json& j, const std::string& path) {
+AIColor color(const json& j, const Path& path) {
   AIColor c{};
   if (j.is_string()) {
     if (j.get<std::string>() != "none") throw FormatError(path, "unknown colour \"" + j.get<std::string>() + "\"");
@@ -110,7 +137,7 @@ AIColor color(const json& j, const std::string& path) {
   if (!j.is_object()) wrongType(j, path, "a colour");
   if (j.size() != 1) throw FormatError(path, "a colour has exactly one of \"gray\", \"rgb\", \"cmyk\"");
   const auto it = j.begin();
-  const std::string p = at(path, std::string(it.key()));
+  const Path p = at(path, it.key());
   if (it.key() == "gray") {
     c.kind = kGrayColor;
     c.c.g.gray = unit(*it, p);
@@ -159,7 +186,7 @@ void writePoint(JsonWriter& w, AIRealPoint p) {
   });
 }
 
-std::vector<double> positions(const json& j, const std::string& path, int n) {
+std::vector<double> positions(const json& j, const Path& path, int n) {
   array(j, path, static_cast<size_t>(n) + 1);
   std::vector<double> out;
   size_t k = 0;
@@ -178,7 +205,8 @@ const char* const kDirKeys[4] = {"I-", "J-", "I+", "J+"};
 
 }  // namespace
 
-std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string& path) {
+std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string& root) {
+  const Path path(root);
   const json size = array(required(art, "size", path), at(path, "size"), 2);
   const int I = integer(size[0], at(path, "size[0]"));
   const int J = integer(size[1], at(path, "size[1]"));
@@ -188,7 +216,7 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
 
   // The declared size must match the data present before anything is
   // allocated for it: a short file cannot make the reader build a huge mesh.
-  const std::string np = at(path, "nodes");
+  const Path np = at(path, "nodes");
   const json nodes = array(required(art, "nodes", path), np);
   const size_t want = static_cast<size_t>(I + 1) * static_cast<size_t>(J + 1);
   if (nodes.size() != want)
@@ -207,7 +235,7 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
   bool anySelectedKey = false;
   size_t k = 0;
   for (const json node : nodes) {
-    const std::string p = at(np, k);
+    const Path p = at(np, k);
     const json n = object(node, p, {"p", "color", "opacity", "selected", "smooth"});
     MeshNodeData d;
     d.p = point(required(n, "p", p), at(p, "p"));
@@ -220,7 +248,7 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
       d.selected = boolean(*s, at(p, "selected"));
     }
     if (auto smooth = n.find("smooth")) {
-      const std::string sp = at(p, "smooth");
+      const Path sp = at(p, "smooth");
       const json sm = object(*smooth, sp, {"I-", "J-", "I+", "J+"});
       for (int dir = 0; dir < 4; ++dir)
         if (auto f = sm.find(kDirKeys[dir])) d.smooth[dir] = boolean(*f, at(sp, kDirKeys[dir]));
@@ -244,12 +272,12 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
       }
 
   if (auto runsValue = art.find("runs")) {
-    const std::string rp = at(path, "runs");
+    const Path rp = at(path, "runs");
     const json runs = array(*runsValue, rp);
     std::vector<bool> seen(static_cast<size_t>(2) * want);
     size_t k = 0;
     for (const json run : runs) {
-      const std::string p = at(rp, k++);
+      const Path p = at(rp, k++);
       const json r = object(run, p, {"node", "axis", "points", "inner"});
       const json nodeIdx = array(required(r, "node", p), at(p, "node"), 2);
       const int i = integer(nodeIdx[0], at(p, "node[0]")), j = integer(nodeIdx[1], at(p, "node[1]"));
@@ -263,7 +291,7 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
       const size_t slot = static_cast<size_t>(axis) * want + static_cast<size_t>(j) * (I + 1) + static_cast<size_t>(i);
       if (seen[slot]) throw FormatError(p, "run listed twice");
       seen[slot] = true;
-      const std::string pp = at(p, "points");
+      const Path pp = at(p, "points");
       const json pts = array(required(r, "points", p), pp);
       if (pts.size() < 4 || (pts.size() - 1) % 3 != 0)
         throw FormatError(pp, "a run of m pieces has 3m + 1 points, found " + std::to_string(pts.size()));
@@ -277,7 +305,7 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
       if (d.points.back().h != b.h || d.points.back().v != b.v)
         throw FormatError(at(pp, pts.size() - 1), "does not match the end node's \"p\"");
       const size_t m = (pts.size() - 1) / 3;
-      const std::string ip = at(p, "inner");
+      const Path ip = at(p, "inner");
       const auto innerValue = r.find("inner");
       if (m > 1 && !innerValue) throw FormatError(ip, "missing required key");
       if (innerValue) {
@@ -287,7 +315,7 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
                                     " inner entries, found " + std::to_string(inner.size()));
         size_t q = 0;
         for (const json element : inner) {
-          const std::string ep = at(ip, q++);
+          const Path ep = at(ip, q++);
           const json e = object(element, ep, {"kind", "selected", "smooth"});
           const json kind = required(e, "kind", ep);
           if (!kind.is_string()) wrongType(kind, at(ep, "kind"), "\"knot\" or \"vertex\"");
