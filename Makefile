@@ -46,11 +46,11 @@ fuzz-seeds: build
 # New inputs found go to $(BUILD_FUZZ)/corpus; a crash leaves crash-* files
 # there and fails the target.
 fuzz: build-fuzz fuzz-seeds
-	cd $(BUILD_FUZZ) && ./lbdoc_fuzz -dict=../fuzz/lbdoc.dict -max_len=65536 -rss_limit_mb=2048 \
+	cd $(BUILD_FUZZ) && ./lbdoc_fuzz -dict=../fuzz/lbdoc.dict -max_len=131072 -rss_limit_mb=2048 \
 	  -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 corpus seeds
 
 fuzz-ci: build-fuzz fuzz-seeds
-	cd $(BUILD_FUZZ) && ./lbdoc_fuzz -dict=../fuzz/lbdoc.dict -max_len=65536 -rss_limit_mb=2048 \
+	cd $(BUILD_FUZZ) && ./lbdoc_fuzz -dict=../fuzz/lbdoc.dict -max_len=131072 -rss_limit_mb=2048 \
 	  -max_total_time=$(FUZZ_CI_SECONDS) -print_final_stats=1 corpus seeds
 
 demo: build
