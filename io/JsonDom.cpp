@@ -78,11 +78,6 @@ JsonRef::iterator JsonRef::end() const {
   return {tree_, (is_array() || is_object()) ? tree_->entries_[index_].c.end : index_ + 1};
 }
 
-size_t JsonTree::memoryBytes() const {
-  return entries_.capacity() * sizeof(Entry) + strings_.capacity() + keyText_.capacity() +
-         keys_.capacity() * sizeof(keys_[0]);
-}
-
 // ---- parsing --------------------------------------------------------------
 
 class JsonParser {

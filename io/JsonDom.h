@@ -94,8 +94,6 @@ class JsonTree {
   static JsonTree parse(std::string_view text, const JsonLimits& limits = {});
 
   JsonRef root() const { return {this, 0}; }
-  // Bytes held by the tree (for tests of the memory bound).
-  size_t memoryBytes() const;
 
  private:
   friend class JsonRef;

@@ -10,10 +10,8 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <map>
-#include <set>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 
