@@ -2,10 +2,13 @@
 # missing, configure and build first.
 BUILD      ?= build
 BUILD_ASAN ?= build-asan
+BUILD_FUZZ ?= build-fuzz
+FUZZ_SECONDS ?= 300
+FUZZ_CI_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build build-asan demo test test-fast test-asan bench clean
+.PHONY: all deps build build-asan build-fuzz demo test test-fast test-asan fuzz fuzz-ci fuzz-seeds bench clean
 
 all: build
 
@@ -24,6 +27,32 @@ build: deps $(BUILD)/build.ninja
 build-asan: deps $(BUILD_ASAN)/build.ninja
 	cmake --build $(BUILD_ASAN) -j $(JOBS)
 
+# The document fuzzer: clang with libFuzzer, ASan and UBSan, in its own
+# build directory; only the reader and the host model are built.
+$(BUILD_FUZZ)/build.ninja:
+	cmake -S . -B $(BUILD_FUZZ) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
+	  -DCMAKE_CXX_COMPILER=clang++ -DLB_FUZZ=ON -DLB_BENCH=OFF $(CMAKE_FLAGS)
+
+build-fuzz: deps $(BUILD_FUZZ)/build.ninja
+	cmake --build $(BUILD_FUZZ) -j $(JOBS) --target lbdoc_fuzz
+
+# Seeds: the shipped examples, the hostile inputs and the demo documents.
+fuzz-seeds: build
+	rm -rf $(BUILD_FUZZ)/seeds $(BUILD_FUZZ)/demo-seeds
+	mkdir -p $(BUILD_FUZZ)/seeds $(BUILD_FUZZ)/corpus $(BUILD_FUZZ)/demo-seeds
+	./$(BUILD)/latticebender demo -o $(BUILD_FUZZ)/demo-seeds > /dev/null
+	cp examples/*.lbdoc tests/io/hostile/*.lbdoc $(BUILD_FUZZ)/demo-seeds/*.lbdoc $(BUILD_FUZZ)/seeds/
+
+# New inputs found go to $(BUILD_FUZZ)/corpus; a crash leaves crash-* files
+# there and fails the target.
+fuzz: build-fuzz fuzz-seeds
+	cd $(BUILD_FUZZ) && ./lbdoc_fuzz -dict=../fuzz/lbdoc.dict -max_len=131072 -rss_limit_mb=2048 \
+	  -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 corpus seeds
+
+fuzz-ci: build-fuzz fuzz-seeds
+	cd $(BUILD_FUZZ) && ./lbdoc_fuzz -dict=../fuzz/lbdoc.dict -max_len=131072 -rss_limit_mb=2048 \
+	  -max_total_time=$(FUZZ_CI_SECONDS) -print_final_stats=1 corpus seeds
+
 demo: build
 	./$(BUILD)/latticebender demo -o demo-out
 
@@ -34,10 +63,10 @@ test-asan: build-asan
 	ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
 	  ctest --test-dir $(BUILD_ASAN) --output-on-failure -j $(JOBS)
 
-test: test-fast test-asan
+test: test-fast test-asan fuzz-ci
 
 bench: build
 	@for b in $(BUILD)/bench_*; do echo "== $$b"; $$b --benchmark_min_time=0.05; done
 
 clean:
-	rm -rf $(BUILD) $(BUILD_ASAN) demo-out
+	rm -rf $(BUILD) $(BUILD_ASAN) $(BUILD_FUZZ) demo-out

@@ -1,5 +1,7 @@
 // The `latticebender` command line: run, info, render, panel, demo.
 #include <CLI/CLI.hpp>
+#include <unistd.h>
+
 #include <cstdio>
 #include <iostream>
 #include <optional>
@@ -85,10 +87,9 @@ int RunDocument(const std::string& docPath, const std::string& outPath,
     host.shutdownPlugin();
     auto result = host.takeDocument();
     if (toStdout) {
-      const std::string text = lb::io::writeDocument(*result);
-      std::fwrite(text.data(), 1, text.size(), stdout);
-      if (text.empty() || text.back() != '\n') std::fputc('\n', stdout);
+      // Streamed straight to the descriptor, after any message text.
       std::fflush(stdout);
+      lb::io::writeDocumentTo(STDOUT_FILENO, *result);
     } else {
       lb::io::writeDocumentFileAtomic(*result, outPath);
     }
@@ -134,7 +135,7 @@ int lbMain(int argc, char** argv) {
   std::vector<std::string> commandTexts, colorTexts, opacityTexts;
   auto* run = app.add_subcommand("run", "Run panel commands on a document");
   run->add_option("DOC", docPath, "Input document (.lbdoc)")->required();
-  run->add_option("-o,--output", outPath, "Output document (default: standard output)");
+  auto* runOutput = run->add_option("-o,--output", outPath, "Output document (default: standard output)");
   auto* command = run->add_option("--command", commandTexts,
                                   "Command ID[+alt][+ctrl]; repeat for more commands");
   auto* color = run->add_option("--color", colorTexts,
@@ -150,19 +151,19 @@ int lbMain(int argc, char** argv) {
   bool selection = false;
   auto* render = app.add_subcommand("render", "Draw a document to PNG");
   render->add_option("DOC", docPath, "Input document (.lbdoc)")->required();
-  render->add_option("-o,--output", outPath, "Output picture (.png)")->required();
+  auto* renderOutput = render->add_option("-o,--output", outPath, "Output picture (.png)")->required();
   render->add_option("--scale", scale, "Pixels per document unit");
   render->add_flag("--selection", selection, "Overlay the selected mesh points");
 
   std::string hoverText, pressText;
   auto* panel = app.add_subcommand("panel", "Draw the command panel to PNG");
-  panel->add_option("-o,--output", outPath, "Output picture (.png)")->required();
+  auto* panelOutput = panel->add_option("-o,--output", outPath, "Output picture (.png)")->required();
   panel->add_option("--hover", hoverText, "Cursor position X,Y");
   panel->add_option("--press", pressText, "Left button pressed at X,Y");
 
   std::string demoDir = "demo-out";
   auto* demo = app.add_subcommand("demo", "Run the demo tour");
-  demo->add_option("-o,--output", demoDir, "Output directory");
+  auto* demoOutput = demo->add_option("-o,--output", demoDir, "Output directory");
 
   try {
     app.parse(argc, argv);
@@ -172,6 +173,10 @@ int lbMain(int argc, char** argv) {
   }
 
   try {
+    // An empty output name is a mistake (an unset variable, say), not a
+    // request for standard output.
+    for (const CLI::Option* o : {runOutput, renderOutput, panelOutput, demoOutput})
+      if (o->count() > 0 && o->as<std::string>().empty()) throw UsageError{"-o needs a file name, not ''"};
     if (run->parsed()) {
       std::vector<CommandArg> cmds;
       try {

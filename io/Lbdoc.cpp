@@ -1,6 +1,7 @@
 // Reading and writing .lbdoc documents.
 #include "io/Lbdoc.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,22 +10,21 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <map>
-#include <set>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
-
-#include <nlohmann/json.hpp>
+#include <system_error>
 
 #include "host/MeshAccess.h"
+#include "io/JsonDom.h"
+#include "io/JsonWriter.h"
+#include "io/Limits.h"
 #include "io/MeshJson.h"
 
 namespace lb::io {
 namespace {
 
-using json = nlohmann::json;
-using ojson = nlohmann::ordered_json;
+using json = JsonRef;
 using lb::host::Document;
 using lb::host::GraphicStyle;
 
@@ -119,26 +119,24 @@ void expectArray(const json& v, const std::string& path) {
 template <class Extra>
 void checkKeys(const json& obj, const std::string& path, std::initializer_list<const char*> allowed, Extra extra) {
   for (auto it = obj.begin(); it != obj.end(); ++it) {
-    bool ok = extra(it.key());
+    const std::string_view k = it.key();
+    bool ok = extra(k);
     for (const char* a : allowed)
-      if (it.key() == a) ok = true;
-    if (!ok) fail(key(path, it.key()), "unknown key \"" + it.key() + "\"");
+      if (k == a) ok = true;
+    if (!ok) fail(key(path, std::string(k)), "unknown key \"" + std::string(k) + "\"");
   }
 }
 void checkKeys(const json& obj, const std::string& path, std::initializer_list<const char*> allowed) {
-  checkKeys(obj, path, allowed, [](const std::string&) { return false; });
+  checkKeys(obj, path, allowed, [](std::string_view) { return false; });
 }
 
-const json& required(const json& obj, const char* k, const std::string& path) {
+json required(const json& obj, const char* k, const std::string& path) {
   auto it = obj.find(k);
-  if (it == obj.end()) fail(key(path, k), std::string("missing required key \"") + k + "\"");
+  if (!it) fail(key(path, k), std::string("missing required key \"") + k + "\"");
   return *it;
 }
 
-const json* optional(const json& obj, const char* k) {
-  auto it = obj.find(k);
-  return it == obj.end() ? nullptr : &*it;
-}
+std::optional<json> optional(const json& obj, const char* k) { return obj.find(k); }
 
 double number(const json& v, const std::string& path) {
   if (!v.is_number()) fail(path, std::string("expected a number, found ") + typeName(v));
@@ -172,10 +170,16 @@ std::string string(const json& v, const std::string& path) {
   return v.get<std::string>();
 }
 
+double coordinate(const json& v, const std::string& path) {
+  const double d = number(v, path);
+  if (std::fabs(d) > kMaxCoordinate) fail(path, "coordinate outside +-1e7");
+  return d;
+}
+
 AIRealPoint point(const json& v, const std::string& path) {
   expectArray(v, path);
   if (v.size() != 2) fail(path, "expected [h, v]");
-  return {number(v[0], index(path, 0)), number(v[1], index(path, 1))};
+  return {coordinate(v[0], index(path, 0)), coordinate(v[1], index(path, 1))};
 }
 
 AIColor color(const json& v, const std::string& path) {
@@ -188,10 +192,10 @@ AIColor color(const json& v, const std::string& path) {
   if (!v.is_object()) fail(path, std::string("expected a colour, found ") + typeName(v));
   if (v.size() != 1) fail(path, "a colour has exactly one of \"gray\", \"rgb\", \"cmyk\"");
   checkKeys(v, path, {"gray", "rgb", "cmyk"});
-  if (const json* g = optional(v, "gray")) {
+  if (auto g = optional(v, "gray")) {
     c.kind = kGrayColor;
     c.c.g.gray = unitNumber(*g, key(path, "gray"));
-  } else if (const json* rgb = optional(v, "rgb")) {
+  } else if (auto rgb = optional(v, "rgb")) {
     const std::string p = key(path, "rgb");
     expectArray(*rgb, p);
     if (rgb->size() != 3) fail(p, "expected [r, g, b]");
@@ -200,7 +204,7 @@ AIColor color(const json& v, const std::string& path) {
     c.c.rgb.green = unitNumber((*rgb)[1], index(p, 1));
     c.c.rgb.blue = unitNumber((*rgb)[2], index(p, 2));
   } else {
-    const json& cmyk = v.at("cmyk");
+    const json cmyk = *v.find("cmyk");
     const std::string p = key(path, "cmyk");
     expectArray(cmyk, p);
     if (cmyk.size() != 4) fail(p, "expected [c, m, y, k]");
@@ -214,7 +218,7 @@ AIColor color(const json& v, const std::string& path) {
 }
 
 // PAINT: null or {"color": COLOR, "width": w} (width for strokes only).
-void fillPaint(const json* v, const std::string& path, AIPathStyle& style) {
+void fillPaint(std::optional<json> v, const std::string& path, AIPathStyle& style) {
   style.fillPaint = 0;
   style.fill.color = AIColor{kGrayColor, {}};
   if (!v || v->is_null()) return;
@@ -224,7 +228,7 @@ void fillPaint(const json* v, const std::string& path, AIPathStyle& style) {
   style.fill.color = color(required(*v, "color", path), key(path, "color"));
 }
 
-void strokePaint(const json* v, const std::string& path, AIPathStyle& style) {
+void strokePaint(std::optional<json> v, const std::string& path, AIPathStyle& style) {
   style.strokePaint = 0;
   style.stroke.color = AIColor{kGrayColor, {}};
   style.stroke.width = 1;
@@ -233,7 +237,7 @@ void strokePaint(const json* v, const std::string& path, AIPathStyle& style) {
   checkKeys(*v, path, {"color", "width"});
   style.strokePaint = 1;
   style.stroke.color = color(required(*v, "color", path), key(path, "color"));
-  if (const json* w = optional(*v, "width")) {
+  if (auto w = optional(*v, "width")) {
     style.stroke.width = number(*w, key(path, "width"));
     if (style.stroke.width < 0) fail(key(path, "width"), "stroke width is negative");
   }
@@ -251,7 +255,7 @@ struct Reader {
     if (doc.styleByName(s.name)) fail(key(path, "name"), "duplicate style name \"" + s.name + "\"");
     fillPaint(optional(v, "fill"), key(path, "fill"), s.paint);
     strokePaint(optional(v, "stroke"), key(path, "stroke"), s.paint);
-    if (const json* o = optional(v, "opacity")) s.opacity = unitNumber(*o, key(path, "opacity"));
+    if (auto o = optional(v, "opacity")) s.opacity = unitNumber(*o, key(path, "opacity"));
     doc.addStyle(std::move(s));
   }
 
@@ -259,29 +263,33 @@ struct Reader {
     expectObject(v, path);
     checkKeys(v, path, {"name", "children", "hidden", "locked"});
     std::string name;
-    if (const json* n = optional(v, "name")) name = string(*n, key(path, "name"));
+    if (auto n = optional(v, "name")) name = string(*n, key(path, "name"));
     ArtObject* layer = doc.addLayer(name);
-    if (const json* h = optional(v, "hidden"); h && boolean(*h, key(path, "hidden"))) layer->userAttr |= kArtHidden;
-    if (const json* l = optional(v, "locked"); l && boolean(*l, key(path, "locked"))) layer->userAttr |= kArtLocked;
-    if (const json* c = optional(v, "children")) readChildren(*c, key(path, "children"), layer);
+    if (auto h = optional(v, "hidden"); h && boolean(*h, key(path, "hidden"))) layer->userAttr |= kArtHidden;
+    if (auto l = optional(v, "locked"); l && boolean(*l, key(path, "locked"))) layer->userAttr |= kArtLocked;
+    if (auto c = optional(v, "children")) readChildren(*c, key(path, "children"), layer);
   }
 
   void readChildren(const json& v, const std::string& path, ArtObject* parent) {
     expectArray(v, path);
-    for (size_t k = 0; k < v.size(); ++k) {
-      const std::string p = index(path, k);
-      auto art = readArt(v[k], p);
+    size_t k = 0;
+    for (const json child : v) {
+      const std::string p = index(path, k++);
+      auto art = readArt(child, p, 1);
       if (parent->type == kCompoundPathArt && art->type != kPathArt)
         fail(key(p, "type"), "a compound path holds only paths");
       doc.appendChild(parent, std::move(art));
     }
   }
 
-  std::unique_ptr<ArtObject> readArt(const json& v, const std::string& path) {
+  // depth: 1 for a layer's children, one more per enclosing group.
+  std::unique_ptr<ArtObject> readArt(const json& v, const std::string& path, int depth) {
     expectObject(v, path);
+    if (depth > kMaxArtDepth)
+      fail(path, "art nested deeper than " + std::to_string(kMaxArtDepth) + " levels");
     const std::string type = string(required(v, "type", path), key(path, "type"));
     auto art = std::make_unique<ArtObject>();
-    auto common = [](const std::string& k) {
+    auto common = [](std::string_view k) {
       return k == "type" || k == "id" || k == "name" || k == "selected" || k == "hidden" || k == "locked" ||
              k == "opacity" || k == "blend" || k == "graphicStyle";
     };
@@ -300,26 +308,26 @@ struct Reader {
                 common);
     } else if (type == "mesh") {
       art->type = kMeshArt;
-      checkKeys(v, path, {}, [&](const std::string& k) { return common(k) || isMeshKey(k); });
+      checkKeys(v, path, {}, [&](std::string_view k) { return common(k) || isMeshKey(k); });
     } else {
       fail(key(path, "type"), "unknown art type \"" + type + "\"");
     }
 
     // Common keys.
-    if (const json* id = optional(v, "id")) {
+    if (auto id = optional(v, "id")) {
       art->id = string(*id, key(path, "id"));
       if (art->id.empty()) fail(key(path, "id"), "empty id");
       auto [it, fresh] = idPaths.emplace(art->id, path);
       if (!fresh) fail(key(path, "id"), "duplicate id \"" + art->id + "\" (also at " + it->second + ")");
     }
-    if (const json* n = optional(v, "name")) art->name = string(*n, key(path, "name"));
+    if (auto n = optional(v, "name")) art->name = string(*n, key(path, "name"));
     bool selected = false;
-    if (const json* s = optional(v, "selected")) selected = boolean(*s, key(path, "selected"));
-    if (const json* h = optional(v, "hidden"); h && boolean(*h, key(path, "hidden"))) art->userAttr |= kArtHidden;
-    if (const json* l = optional(v, "locked"); l && boolean(*l, key(path, "locked"))) art->userAttr |= kArtLocked;
+    if (auto s = optional(v, "selected")) selected = boolean(*s, key(path, "selected"));
+    if (auto h = optional(v, "hidden"); h && boolean(*h, key(path, "hidden"))) art->userAttr |= kArtHidden;
+    if (auto l = optional(v, "locked"); l && boolean(*l, key(path, "locked"))) art->userAttr |= kArtLocked;
     if (selected) art->userAttr |= kArtSelected;
-    if (const json* o = optional(v, "opacity")) art->opacity = unitNumber(*o, key(path, "opacity"));
-    if (const json* b = optional(v, "blend")) {
+    if (auto o = optional(v, "opacity")) art->opacity = unitNumber(*o, key(path, "opacity"));
+    if (auto b = optional(v, "blend")) {
       const std::string name = string(*b, key(path, "blend"));
       int mode = -1;
       for (int k = 0; k < kBlendCount; ++k)
@@ -327,7 +335,7 @@ struct Reader {
       if (mode < 0) fail(key(path, "blend"), "unknown blending mode \"" + name + "\"");
       art->blendMode = mode;
     }
-    if (const json* g = optional(v, "graphicStyle")) {
+    if (auto g = optional(v, "graphicStyle")) {
       art->graphicStyle = string(*g, key(path, "graphicStyle"));
       if (!doc.styleByName(art->graphicStyle))
         fail(key(path, "graphicStyle"), "unknown style name \"" + art->graphicStyle + "\"");
@@ -336,14 +344,15 @@ struct Reader {
     switch (art->type) {
       case kGroupArt:
       case kCompoundPathArt:
-        if (const json* c = optional(v, "children")) {
+        if (auto c = optional(v, "children")) {
           // Children are attached once the object itself is in the tree;
           // read them into a holder first so that paths stay exact.
           const std::string p = key(path, "children");
           expectArray(*c, p);
-          for (size_t k = 0; k < c->size(); ++k) {
-            const std::string cp = index(p, k);
-            auto child = readArt((*c)[k], cp);
+          size_t k = 0;
+          for (const json element : *c) {
+            const std::string cp = index(p, k++);
+            auto child = readArt(element, cp, depth + 1);
             if (art->type == kCompoundPathArt && child->type != kPathArt)
               fail(key(cp, "type"), "a compound path holds only paths");
             child->parent = art.get();
@@ -368,16 +377,16 @@ struct Reader {
   }
 
   void readPath(const json& v, const std::string& path, ArtObject& art) {
-    if (const json* c = optional(v, "closed")) art.closed = boolean(*c, key(path, "closed"));
+    if (auto c = optional(v, "closed")) art.closed = boolean(*c, key(path, "closed"));
     fillPaint(optional(v, "fill"), key(path, "fill"), art.style);
     strokePaint(optional(v, "stroke"), key(path, "stroke"), art.style);
     const std::string sp = key(path, "segments");
     const json& segs = required(v, "segments", path);
     expectArray(segs, sp);
     if (segs.size() > 32767) fail(sp, "too many segments");
-    for (size_t k = 0; k < segs.size(); ++k) {
-      const std::string p = index(sp, k);
-      const json& s = segs[k];
+    size_t k = 0;
+    for (const json s : segs) {
+      const std::string p = index(sp, k++);
       expectObject(s, p);
       checkKeys(s, p, {"p", "in", "out", "corner", "selected"});
       AIPathSegment seg{};
@@ -385,11 +394,11 @@ struct Reader {
       seg.in = seg.p;
       seg.out = seg.p;
       seg.corner = 1;
-      if (const json* in = optional(s, "in")) seg.in = point(*in, key(p, "in"));
-      if (const json* out = optional(s, "out")) seg.out = point(*out, key(p, "out"));
-      if (const json* c = optional(s, "corner")) seg.corner = boolean(*c, key(p, "corner")) ? 1 : 0;
+      if (auto in = optional(s, "in")) seg.in = point(*in, key(p, "in"));
+      if (auto out = optional(s, "out")) seg.out = point(*out, key(p, "out"));
+      if (auto c = optional(s, "corner")) seg.corner = boolean(*c, key(p, "corner")) ? 1 : 0;
       int16_t state = kSegmentNotSelected;
-      if (const json* sel = optional(s, "selected")) {
+      if (auto sel = optional(s, "selected")) {
         if (sel->is_boolean()) {
           state = sel->get<bool>() ? kSegmentPointSelected : kSegmentNotSelected;
         } else {
@@ -415,7 +424,7 @@ struct Reader {
     if (h < 1 || h > 1000000) fail(key(path, "height"), "height must be at least 1");
     im.width = static_cast<int32_t>(w);
     im.height = static_cast<int32_t>(h);
-    if (const json* s = optional(v, "space")) {
+    if (auto s = optional(v, "space")) {
       const std::string space = string(*s, key(path, "space"));
       if (space == "gray")
         im.space = kGrayColorSpace;
@@ -426,18 +435,23 @@ struct Reader {
       else
         fail(key(path, "space"), "unknown colour space \"" + space + "\"");
     }
-    if (const json* a = optional(v, "alpha")) im.alpha = boolean(*a, key(path, "alpha"));
-    if (const json* b = optional(v, "bits")) {
+    if (auto a = optional(v, "alpha")) im.alpha = boolean(*a, key(path, "alpha"));
+    if (auto b = optional(v, "bits")) {
       const int64_t bits = integer(*b, key(path, "bits"));
       if (bits != 8 && bits != 16) fail(key(path, "bits"), "bits per channel must be 8 or 16");
       im.bits = static_cast<int16_t>(bits);
     }
-    if (const json* m = optional(v, "matrix")) {
+    if (auto m = optional(v, "matrix")) {
       const std::string mp = key(path, "matrix");
       expectArray(*m, mp);
       if (m->size() != 6) fail(mp, "expected [a, b, c, d, tx, ty]");
       double e[6];
-      for (size_t k = 0; k < 6; ++k) e[k] = number((*m)[k], index(mp, k));
+      for (size_t k = 0; k < 6; ++k) e[k] = k < 4 ? number((*m)[k], index(mp, k)) : coordinate((*m)[k], index(mp, k));
+      // The image must map onto an area: a singular matrix cannot be
+      // inverted for drawing or hit testing.
+      const double det = e[0] * e[3] - e[1] * e[2];
+      if (det == 0) fail(mp, "matrix is singular (its determinant is 0)");
+      if (!std::isfinite(det)) fail(mp, "matrix determinant is not finite");
       im.matrix = {e[0], e[1], e[2], e[3], e[4], e[5]};
     }
     const std::string pp = key(path, "pixels");
@@ -448,7 +462,7 @@ struct Reader {
                    std::to_string(im.expectedBytes()));
     fillPaint(optional(v, "fill"), key(path, "fill"), art.style);
     if (art.type == kPlacedArt) {
-      if (const json* t = optional(v, "placedType")) {
+      if (auto t = optional(v, "placedType")) {
         const int64_t pt = integer(*t, key(path, "placedType"));
         if (pt < -32768 || pt > 32767) fail(key(path, "placedType"), "placed type out of range");
         im.placedType = static_cast<int16_t>(pt);
@@ -458,9 +472,9 @@ struct Reader {
 
   void readMesh(const json& v, const std::string& path, ArtObject& art) {
     try {
-      art.mesh = meshFromJson(v, path);
-    } catch (const json::exception& e) {
-      fail(path, std::string("bad mesh: ") + e.what());
+      art.mesh = meshFromTree(v, path);
+    } catch (const std::bad_alloc&) {
+      fail(path, "mesh too large");
     }
     if (!art.mesh) fail(path, "mesh could not be read");
     // The mesh reader applies "a selected mesh with no vertex flags is
@@ -470,48 +484,61 @@ struct Reader {
   }
 };
 
-std::string parseErrorPlace(const std::string& text, size_t byte) {
-  size_t line = 1, column = 1;
-  for (size_t k = 0; k < byte && k < text.size(); ++k) {
-    if (text[k] == '\n') {
-      ++line;
-      column = 1;
-    } else {
-      ++column;
-    }
-  }
-  return "line " + std::to_string(line) + ", column " + std::to_string(column);
-}
-
 // ---- writing --------------------------------------------------------------
 
-ojson writeColor(const AIColor& c) {
+void writeColor(JsonWriter& w, const AIColor& c) {
   switch (c.kind) {
-    case kGrayColor:
-      return ojson{{"gray", c.c.g.gray}};
+    case kGrayColor: w.object([&] { w.member("gray", c.c.g.gray); }); break;
     case kThreeColor:
-      return ojson{{"rgb", {c.c.rgb.red, c.c.rgb.green, c.c.rgb.blue}}};
+      w.object([&] {
+        w.key("rgb");
+        w.array([&] {
+          w.number(c.c.rgb.red);
+          w.number(c.c.rgb.green);
+          w.number(c.c.rgb.blue);
+        });
+      });
+      break;
     case kFourColor:
-      return ojson{{"cmyk", {c.c.f.cyan, c.c.f.magenta, c.c.f.yellow, c.c.f.black}}};
-    default:
-      return "none";
+      w.object([&] {
+        w.key("cmyk");
+        w.array([&] {
+          w.number(c.c.f.cyan);
+          w.number(c.c.f.magenta);
+          w.number(c.c.f.yellow);
+          w.number(c.c.f.black);
+        });
+      });
+      break;
+    default: w.string("none");
   }
 }
 
-ojson writeFill(const AIPathStyle& s) {
-  if (!s.fillPaint) return nullptr;
-  return ojson{{"color", writeColor(s.fill.color)}};
+void writeFill(JsonWriter& w, const AIPathStyle& s) {
+  if (!s.fillPaint) return w.null();
+  w.object([&] {
+    w.key("color");
+    writeColor(w, s.fill.color);
+  });
 }
 
-ojson writeStroke(const AIPathStyle& s) {
-  if (!s.strokePaint) return nullptr;
-  return ojson{{"color", writeColor(s.stroke.color)}, {"width", s.stroke.width}};
+void writeStroke(JsonWriter& w, const AIPathStyle& s) {
+  if (!s.strokePaint) return w.null();
+  w.object([&] {
+    w.key("color");
+    writeColor(w, s.stroke.color);
+    w.member("width", s.stroke.width);
+  });
 }
 
-ojson writePoint(const AIRealPoint& p) { return ojson::array({p.h, p.v}); }
+void writePoint(JsonWriter& w, const AIRealPoint& p) {
+  w.array([&] {
+    w.number(p.h);
+    w.number(p.v);
+  });
+}
 
-ojson writeArt(const Document& doc, const ArtObject& a) {
-  ojson o;
+void writeArt(JsonWriter& w, const Document& doc, const ArtObject& a) {
   const char* type = "group";
   switch (a.type) {
     case kGroupArt: type = "group"; break;
@@ -522,190 +549,213 @@ ojson writeArt(const Document& doc, const ArtObject& a) {
     case kMeshArt: type = "mesh"; break;
     default: break;
   }
-  o["type"] = type;
-  if (!a.id.empty()) o["id"] = a.id;
-  o["name"] = a.name;
-  o["selected"] = a.selected();
-  o["hidden"] = a.hidden();
-  o["locked"] = a.locked();
-  o["opacity"] = a.opacity;
-  o["blend"] = (a.blendMode >= 0 && a.blendMode < kBlendCount) ? kBlendNames[a.blendMode] : "normal";
-  // A style name the document no longer holds is dropped so that the file
-  // stays readable.
-  if (!a.graphicStyle.empty() && doc.styleByName(a.graphicStyle)) o["graphicStyle"] = a.graphicStyle;
-  switch (a.type) {
-    case kGroupArt:
-    case kCompoundPathArt: {
-      ojson kids = ojson::array();
-      for (const auto& c : a.children) kids.push_back(writeArt(doc, *c));
-      o["children"] = std::move(kids);
-      break;
-    }
-    case kPathArt: {
-      o["closed"] = a.closed;
-      o["fill"] = writeFill(a.style);
-      o["stroke"] = writeStroke(a.style);
-      ojson segs = ojson::array();
-      for (size_t k = 0; k < a.segments.size(); ++k) {
-        const AIPathSegment& s = a.segments[k];
-        segs.push_back(ojson{{"p", writePoint(s.p)},
-                             {"in", writePoint(s.in)},
-                             {"out", writePoint(s.out)},
-                             {"corner", s.corner != 0},
-                             {"selected", doc.anchorSelection(&a, static_cast<int>(k))}});
+  w.object([&] {
+    w.member("type", type);
+    if (!a.id.empty()) w.member("id", a.id);
+    w.member("name", a.name);
+    w.member("selected", a.selected());
+    w.member("hidden", a.hidden());
+    w.member("locked", a.locked());
+    w.member("opacity", static_cast<double>(a.opacity));
+    w.member("blend", (a.blendMode >= 0 && a.blendMode < kBlendCount) ? kBlendNames[a.blendMode] : "normal");
+    // A style name the document no longer holds is dropped so that the file
+    // stays readable.
+    if (!a.graphicStyle.empty() && doc.styleByName(a.graphicStyle)) w.member("graphicStyle", a.graphicStyle);
+    switch (a.type) {
+      case kGroupArt:
+      case kCompoundPathArt:
+        w.key("children");
+        w.array([&] {
+          for (const auto& c : a.children) {
+            if (w.aborted()) return;
+            writeArt(w, doc, *c);
+          }
+        });
+        break;
+      case kPathArt:
+        w.member("closed", a.closed);
+        w.key("fill");
+        writeFill(w, a.style);
+        w.key("stroke");
+        writeStroke(w, a.style);
+        w.key("segments");
+        w.array([&] {
+          for (size_t k = 0; k < a.segments.size() && !w.aborted(); ++k) {
+            const AIPathSegment& s = a.segments[k];
+            w.object([&] {
+              w.key("p");
+              writePoint(w, s.p);
+              w.key("in");
+              writePoint(w, s.in);
+              w.key("out");
+              writePoint(w, s.out);
+              w.member("corner", s.corner != 0);
+              w.memberInt("selected", doc.anchorSelection(&a, static_cast<int>(k)));
+            });
+          }
+        });
+        break;
+      case kRasterArt:
+      case kPlacedArt: {
+        const ArtImage& im = a.image;
+        w.memberInt("width", im.width);
+        w.memberInt("height", im.height);
+        w.member("space", im.space == kRGBColorSpace ? "rgb" : im.space == kCMYKColorSpace ? "cmyk" : "gray");
+        w.member("alpha", im.alpha);
+        w.memberInt("bits", im.bits);
+        const AIRealMatrix& m = im.matrix;
+        w.key("matrix");
+        w.array([&] {
+          for (double x : {m.a, m.b, m.c, m.d, m.tx, m.ty}) w.number(x);
+        });
+        w.member("pixels", base64Encode(im.pixels));
+        w.key("fill");
+        writeFill(w, a.style);
+        if (a.type == kPlacedArt) w.memberInt("placedType", im.placedType);
+        break;
       }
-      o["segments"] = std::move(segs);
-      break;
+      case kMeshArt:
+        if (a.mesh) writeMeshKeys(w, *a.mesh);
+        break;
+      default:
+        break;
     }
-    case kRasterArt:
-    case kPlacedArt: {
-      const ArtImage& im = a.image;
-      o["width"] = im.width;
-      o["height"] = im.height;
-      o["space"] = im.space == kRGBColorSpace ? "rgb" : im.space == kCMYKColorSpace ? "cmyk" : "gray";
-      o["alpha"] = im.alpha;
-      o["bits"] = im.bits;
-      const AIRealMatrix& m = im.matrix;
-      o["matrix"] = ojson::array({m.a, m.b, m.c, m.d, m.tx, m.ty});
-      o["pixels"] = base64Encode(im.pixels);
-      o["fill"] = writeFill(a.style);
-      if (a.type == kPlacedArt) o["placedType"] = im.placedType;
-      break;
+  });
+}
+
+void writeRoot(JsonWriter& w, const Document& doc) {
+  w.object([&] {
+    w.memberInt("latticebender", 1);
+    if (doc.artboard) {
+      const AIRealRect& a = *doc.artboard;
+      w.key("artboard");
+      w.array([&] {
+        for (double x : {a.left, a.bottom, a.right, a.top}) w.number(x);
+      });
     }
-    case kMeshArt:
-      if (a.mesh) {
-        json m;
-        meshToJson(*a.mesh, m);
-        for (auto it = m.begin(); it != m.end(); ++it)
-          if (isMeshKey(it.key())) o[it.key()] = ojson(it.value());
+    w.key("styles");
+    w.array([&] {
+      for (const auto& s : doc.styles())
+        w.object([&] {
+          w.member("name", s->name);
+          w.key("fill");
+          writeFill(w, s->paint);
+          w.key("stroke");
+          writeStroke(w, s->paint);
+          w.member("opacity", static_cast<double>(s->opacity));
+        });
+    });
+    // A key id whose art is gone is dropped: the file must name live art.
+    if (doc.keyArt()) w.member("key", doc.keyArtId);
+    w.key("layers");
+    w.array([&] {
+      for (const auto& l : doc.layers()) {
+        if (w.aborted()) return;
+        w.object([&] {
+          w.member("name", l->name);
+          w.member("hidden", l->hidden());
+          w.member("locked", l->locked());
+          w.key("children");
+          w.array([&] {
+            for (const auto& c : l->children) {
+              if (w.aborted()) return;
+              writeArt(w, doc, *c);
+            }
+          });
+        });
       }
-      break;
-    default:
-      break;
-  }
-  return o;
+    });
+  });
 }
 
-bool isScalar(const ojson& v) { return !v.is_object() && !v.is_array(); }
-
-// One-line rendering with a space after commas and colons, appended to
-// out; gives up (false) as soon as out grows past limit, so that large
-// values cost no more than the limit to try.
-bool compact(const ojson& v, std::string& out, size_t limit) {
-  if (out.size() > limit) return false;
-  if (v.is_object()) {
-    out += "{";
-    bool first = true;
-    for (auto it = v.begin(); it != v.end(); ++it) {
-      if (!first) out += ", ";
-      first = false;
-      out += ojson(it.key()).dump() + ": ";
-      if (!compact(it.value(), out, limit)) return false;
-    }
-    out += "}";
-  } else if (v.is_array()) {
-    out += "[";
-    for (size_t k = 0; k < v.size(); ++k) {
-      if (k) out += ", ";
-      if (!compact(v[k], out, limit)) return false;
-    }
-    out += "]";
-  } else {
-    out += v.dump();
-  }
-  return out.size() <= limit;
-}
-
-constexpr size_t kLineWidth = 100;
-
-// Indented JSON; anything that fits on one line stays on one line.
-void emit(const ojson& v, std::string& out, int indent) {
-  const std::string pad(static_cast<size_t>(indent) * 2, ' ');
-  const std::string padIn(static_cast<size_t>(indent + 1) * 2, ' ');
-  if (!isScalar(v)) {
-    // Small values (points, colours, paints, segments, nodes) on one line.
-    std::string line;
-    const size_t room = kLineWidth > static_cast<size_t>(indent) * 2 ? kLineWidth - static_cast<size_t>(indent) * 2 : 0;
-    if (compact(v, line, room)) {
-      out += line;
-      return;
-    }
-  }
-  if (v.is_object()) {
-    out += "{\n";
-    bool first = true;
-    for (auto it = v.begin(); it != v.end(); ++it) {
-      if (!first) out += ",\n";
-      first = false;
-      out += padIn + ojson(it.key()).dump() + ": ";
-      emit(it.value(), out, indent + 1);
-    }
-    out += "\n" + pad + "}";
-  } else if (v.is_array()) {
-    out += "[\n";
-    for (size_t k = 0; k < v.size(); ++k) {
-      if (k) out += ",\n";
-      out += padIn;
-      emit(v[k], out, indent + 1);
-    }
-    out += "\n" + pad + "]";
-  } else {
-    out += v.dump();
-  }
-}
-
-}  // namespace
-
-std::unique_ptr<lb::host::Document> readDocument(const std::string& text) {
-  json root;
-  try {
-    root = json::parse(text);
-  } catch (const json::parse_error& e) {
-    std::string detail = e.what();
-    // Keep the parser's own explanation, without its error-id prefix.
-    if (auto colon = detail.find(": "); colon != std::string::npos) detail = detail.substr(colon + 2);
-    throw FormatError(parseErrorPlace(text, e.byte ? e.byte - 1 : 0), "malformed JSON: " + detail);
-  } catch (const json::exception& e) {
-    throw FormatError("document", std::string("malformed JSON: ") + e.what());
-  }
+std::unique_ptr<Document> buildDocument(const JsonTree& tree) {
+  const json root = tree.root();
   expectObject(root, "document");
   checkKeys(root, "", {"latticebender", "artboard", "styles", "key", "layers"});
-  const json& version = required(root, "latticebender", "");
+  const json version = required(root, "latticebender", "");
   if (integer(version, "latticebender") != 1) fail("latticebender", "unsupported format version");
 
   auto doc = std::make_unique<Document>();
   Reader r{*doc, {}};
-  if (const json* ab = optional(root, "artboard")) {
+  if (auto ab = optional(root, "artboard")) {
     expectArray(*ab, "artboard");
     if (ab->size() != 4) fail("artboard", "expected [left, bottom, right, top]");
-    const double l = number((*ab)[0], "artboard[0]"), b = number((*ab)[1], "artboard[1]");
-    const double rt = number((*ab)[2], "artboard[2]"), t = number((*ab)[3], "artboard[3]");
+    const double l = coordinate((*ab)[0], "artboard[0]"), b = coordinate((*ab)[1], "artboard[1]");
+    const double rt = coordinate((*ab)[2], "artboard[2]"), t = coordinate((*ab)[3], "artboard[3]");
     if (!(rt > l) || !(t > b)) fail("artboard", "artboard is empty (right must exceed left, top bottom)");
     doc->artboard = AIRealRect{l, t, rt, b};
   }
-  if (const json* styles = optional(root, "styles")) {
+  if (auto styles = optional(root, "styles")) {
     expectArray(*styles, "styles");
-    for (size_t k = 0; k < styles->size(); ++k) r.readStyle((*styles)[k], index("styles", k));
+    size_t k = 0;
+    for (const json s : *styles) r.readStyle(s, index("styles", k++));
   }
-  const json& layers = required(root, "layers", "");
+  const json layers = required(root, "layers", "");
   expectArray(layers, "layers");
-  for (size_t k = 0; k < layers.size(); ++k) r.readLayer(layers[k], index("layers", k));
-  if (const json* keyId = optional(root, "key")) {
+  size_t k = 0;
+  for (const json l : layers) r.readLayer(l, index("layers", k++));
+  if (auto keyId = optional(root, "key")) {
     doc->keyArtId = string(*keyId, "key");
     if (!r.idPaths.count(doc->keyArtId)) fail("key", "no art has the id \"" + doc->keyArtId + "\"");
   }
   return doc;
 }
 
+JsonTree parseText(std::string_view text) {
+  JsonLimits limits;
+  limits.maxDepth = kMaxJsonDepth;
+  return JsonTree::parse(text, limits);
+}
+
+// Reads the whole file into memory, refusing what is not a regular file.
+std::string readFileText(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) throw FormatError(path, std::string("cannot read the file: ") + std::strerror(errno));
+  struct stat st {};
+  if (::fstat(fd, &st) != 0) {
+    const int saved = errno;
+    ::close(fd);
+    throw FormatError(path, std::string("cannot read the file: ") + std::strerror(saved));
+  }
+  if (S_ISDIR(st.st_mode)) {
+    ::close(fd);
+    throw FormatError(path, "is a directory, not a document");
+  }
+  std::string text;
+  if (S_ISREG(st.st_mode)) text.reserve(static_cast<size_t>(st.st_size));
+  char buf[1 << 16];
+  for (;;) {
+    const ssize_t n = ::read(fd, buf, sizeof buf);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      const int saved = errno;
+      ::close(fd);
+      throw FormatError(path, std::string("cannot read the file: ") + std::strerror(saved));
+    }
+    if (n == 0) break;
+    text.append(buf, static_cast<size_t>(n));
+  }
+  ::close(fd);
+  return text;
+}
+
+}  // namespace
+
+std::unique_ptr<lb::host::Document> readDocument(const std::string& text) {
+  return buildDocument(parseText(text));
+}
+
 std::unique_ptr<lb::host::Document> readDocumentFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw FormatError(path, std::string("cannot read the file: ") + std::strerror(errno));
-  std::stringstream ss;
-  ss << in.rdbuf();
-  if (in.bad()) throw FormatError(path, "cannot read the file");
   try {
-    return readDocument(ss.str());
+    std::unique_ptr<JsonTree> tree;
+    {
+      // The text is dropped once parsed, before the document is built.
+      const std::string text = readFileText(path);
+      tree = std::make_unique<JsonTree>(parseText(text));
+    }
+    return buildDocument(*tree);
   } catch (const FormatError& e) {
+    if (e.path() == path) throw;
     std::string what = e.what();
     const std::string prefix = e.path() + ": ";
     if (what.compare(0, prefix.size(), prefix) == 0) what = what.substr(prefix.size());
@@ -714,37 +764,38 @@ std::unique_ptr<lb::host::Document> readDocumentFile(const std::string& path) {
 }
 
 std::string writeDocument(const lb::host::Document& doc) {
-  ojson root;
-  root["latticebender"] = 1;
-  if (doc.artboard) {
-    const AIRealRect& a = *doc.artboard;
-    root["artboard"] = ojson::array({a.left, a.bottom, a.right, a.top});
-  }
-  ojson styles = ojson::array();
-  for (const auto& s : doc.styles()) {
-    styles.push_back(ojson{{"name", s->name},
-                           {"fill", writeFill(s->paint)},
-                           {"stroke", writeStroke(s->paint)},
-                           {"opacity", s->opacity}});
-  }
-  root["styles"] = std::move(styles);
-  // A key id whose art is gone is dropped: the file must name live art.
-  if (doc.keyArt()) root["key"] = doc.keyArtId;
-  ojson layers = ojson::array();
-  for (const auto& l : doc.layers()) {
-    ojson kids = ojson::array();
-    for (const auto& c : l->children) kids.push_back(writeArt(doc, *c));
-    layers.push_back(ojson{{"name", l->name}, {"hidden", l->hidden()}, {"locked", l->locked()}, {"children", std::move(kids)}});
-  }
-  root["layers"] = std::move(layers);
   std::string out;
-  emit(root, out, 0);
+  JsonWriter w(out);
+  writeRoot(w, doc);
   out += "\n";
   return out;
 }
 
+namespace {
+
+void writeAll(int fd, const std::string& text) {
+  size_t done = 0;
+  while (done < text.size()) {
+    const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      throw std::system_error(errno, std::generic_category(), "write failed");
+    }
+    done += static_cast<size_t>(n);
+  }
+}
+
+}  // namespace
+
+void writeDocumentTo(int fd, const lb::host::Document& doc) {
+  std::string out;
+  JsonWriter w(out, [fd](std::string& text) { writeAll(fd, text); });
+  writeRoot(w, doc);
+  out += "\n";
+  writeAll(fd, out);
+}
+
 void writeDocumentFileAtomic(const lb::host::Document& doc, const std::string& path) {
-  const std::string text = writeDocument(doc);
   const auto slash = path.find_last_of('/');
   const std::string dir = slash == std::string::npos ? "." : path.substr(0, slash == 0 ? 1 : slash);
   const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
@@ -760,14 +811,14 @@ void writeDocumentFileAtomic(const lb::host::Document& doc, const std::string& p
     std::remove(tmp.c_str());
     throw std::runtime_error("cannot write " + path + ": " + what + (saved ? std::string(": ") + std::strerror(saved) : ""));
   };
-  size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      failWith("write failed");
-    }
-    done += static_cast<size_t>(n);
+  try {
+    writeDocumentTo(fd, doc);
+  } catch (const std::system_error& e) {
+    errno = e.code().value();
+    failWith("write failed");
+  } catch (const std::exception& e) {
+    errno = 0;
+    failWith(e.what());
   }
   if (::fsync(fd) != 0) failWith("sync failed");
   // mkstemp makes the file 0600; documents get the usual permissions.

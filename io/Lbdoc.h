@@ -19,6 +19,9 @@ std::unique_ptr<lb::host::Document> readDocumentFile(const std::string& path);
 
 // Every key written explicitly; doubles round-trip exactly.
 std::string writeDocument(const lb::host::Document& doc);
+// Streams the document to an open file descriptor. Throws
+// std::system_error when a write fails.
+void writeDocumentTo(int fd, const lb::host::Document& doc);
 // Writes to a temporary file in the same directory and renames it over
 // path, so that a failed write never leaves a partial or emptied file.
 // Throws std::runtime_error on failure.

@@ -2,7 +2,8 @@
 # Installs the Debian packages the build needs, when any is missing.
 set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config nlohmann-json3-dev libcairo2-dev libpng-dev libcli11-dev
-      libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev)
+      libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev
+      clang libclang-rt-14-dev)  # clang and its libFuzzer runtime for `make fuzz`
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

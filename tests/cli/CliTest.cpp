@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -120,6 +121,32 @@ TEST_F(Cli, UnreadableOrInvalidInputExitsWithThreeNamingTheFile) {
   // The offending value's place is named.
   Result r = Invoke({"info", P("wrong.lbdoc")});
   EXPECT_NE(r.err.find("segments[0].p"), std::string::npos) << r.err;
+}
+
+TEST_F(Cli, HostileInputIsRefusedWithThreeAndEmptyOutputNameWithTwo) {
+  const char* src = std::getenv("LB_SOURCE_DIR");
+  const fs::path hostile = fs::path(src ? src : ".") / "tests/io/hostile";
+  struct Case {
+    std::vector<std::string> args;
+    int status;
+    const char* words;  // in the message on standard error
+  };
+  const Case cases[] = {
+      {{"run", (hostile / "mesh-size-lie.lbdoc").string(), "-o", P("out.lbdoc")}, 3, "mesh-size-lie.lbdoc"},
+      {{"info", (hostile / "duplicate-key.lbdoc").string()}, 3, "layers[0].name: duplicate key"},
+      {{"render", (hostile / "singular-matrix.lbdoc").string(), "-o", P("x.png")}, 3, "matrix is singular"},
+      {{"info", (hostile / "trailing-nul.lbdoc").string()}, 3, "after the document"},
+      {{"run", dir.string(), "-o", P("out.lbdoc")}, 3, "is a directory"},
+      {{"run", P("plain.lbdoc"), "-o", ""}, 2, "-o needs a file name"},
+      {{"render", P("plain.lbdoc"), "-o", ""}, 2, "-o needs a file name"},
+  };
+  for (const Case& c : cases) {
+    Result r = Invoke(c.args);
+    EXPECT_EQ(r.status, c.status) << c.args[1];
+    EXPECT_NE(r.err.find(c.words), std::string::npos) << r.err;
+    EXPECT_TRUE(r.out.empty()) << r.out.substr(0, 200);
+  }
+  EXPECT_TRUE(Others({"plain.lbdoc"}).empty());
 }
 
 TEST_F(Cli, RunWritesTheOutputAtomicallyAndNothingElseToStdout) {
