@@ -8,7 +8,7 @@ FUZZ_CI_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build build-asan build-fuzz demo test test-fast test-asan fuzz fuzz-ci fuzz-seeds bench clean
+.PHONY: all deps build build-asan build-fuzz demo test test-fast test-asan fuzz fuzz-ci fuzz-seeds soak bench clean
 
 all: build
 
@@ -64,6 +64,10 @@ test-asan: build-asan
 	  ctest --test-dir $(BUILD_ASAN) --output-on-failure -j $(JOBS)
 
 test: test-fast test-asan fuzz-ci
+
+# A longer random-command soak than the tests run (LB_SOAK_SEED picks the seed).
+soak: build-asan
+	LB_SOAK_STEPS=$${LB_SOAK_STEPS:-50000} ASAN_OPTIONS=detect_leaks=1 ./$(BUILD_ASAN)/test_soak
 
 bench: build
 	@for b in $(BUILD)/bench_*; do echo "== $$b"; $$b --benchmark_min_time=0.05; done

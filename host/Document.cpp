@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "host/Geometry.h"
-#include "host/MeshAccess.h"
 
 ArtObject::ArtObject() = default;
 ArtObject::~ArtObject() = default;
@@ -369,7 +368,7 @@ std::optional<AIRealRect> Document::bounds(const ArtObject* art) const {
       return r;
     }
     case kMeshArt:
-      if (art->mesh) return meshaccess::bounds(*art->mesh);
+      if (art->mesh) return art->mesh->bounds();
       return std::nullopt;
     default: {
       std::optional<AIRealRect> r;
@@ -400,7 +399,7 @@ void Document::transformArt(ArtObject* art, const AIRealMatrix& m) {
       art->image.matrix = geom::concat(art->image.matrix, m);
       break;
     case kMeshArt:
-      if (art->mesh) meshaccess::transform(*art->mesh, m);
+      if (art->mesh) art->mesh->transform(m);
       break;
     default:
       for (auto& c : art->children) transformArt(c.get(), m);
@@ -448,9 +447,9 @@ void Document::setSelected(ArtObject* art, bool on) {
       // whole), so commands that want the whole mesh switch it off first.
       if (art->mesh) {
         if (!on)
-          meshaccess::clearSelection(*art->mesh);
-        else if (!was || meshaccess::isSelectionEmpty(*art->mesh).value_or(true))
-          meshaccess::selectAll(*art->mesh);
+          art->mesh->clearSelection();
+        else if (!was || art->mesh->isSelectionEmpty())
+          art->mesh->selectAll();
       }
       break;
     case kPathArt:

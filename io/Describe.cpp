@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <sstream>
 
-#include "host/MeshAccess.h"
 
 namespace lb::io {
 namespace {
@@ -65,10 +64,8 @@ void describeArt(const lb::host::Document& doc, const ArtObject& a, int depth, s
     case kMeshArt:
       if (a.mesh) {
         out << " " << a.mesh->sizeI() << "x" << a.mesh->sizeJ() << " cells";
-        const auto total = lb::host::meshaccess::vertexCount(*a.mesh);
-        const auto sel = lb::host::meshaccess::selectedVertexCount(*a.mesh);
-        if (total) out << ", " << *total << " vertices";
-        if (sel) out << ", " << *sel << " selected";
+        out << ", " << a.mesh->vertexCount() << " vertices";
+        out << ", " << a.mesh->selectedCount() << " selected";
       }
       break;
     case kGroupArt:

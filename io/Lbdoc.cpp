@@ -15,7 +15,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "host/MeshAccess.h"
 #include "io/JsonDom.h"
 #include "io/JsonWriter.h"
 #include "io/Limits.h"
@@ -479,8 +478,7 @@ struct Reader {
     if (!art.mesh) fail(path, "mesh could not be read");
     // The mesh reader applies "a selected mesh with no vertex flags is
     // selected as a whole"; a mesh with selected vertices is selected art.
-    const auto empty = lb::host::meshaccess::isSelectionEmpty(*art.mesh);
-    if (!art.selected() && empty && !*empty) art.userAttr |= kArtSelected;
+    if (!art.selected() && !art.mesh->isSelectionEmpty()) art.userAttr |= kArtSelected;
   }
 };
 
