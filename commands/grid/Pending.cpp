@@ -4,7 +4,3 @@
 #include "Operations.h"
 
 int MeshSwapCornerNodeAndVertex() { return 0; }
-int KnotsSplit() { return 0; }
-int KnotsDel(int) { return 0; }
-int MeshSegmentsJoin() { return 0; }
-int VerticesDel(int) { return 0; }
