@@ -253,6 +253,9 @@ int _MakeMeshGridForBrush(AIArtHandle mesh) {
     AIPathStyle none{};
     ThrowIfErr(sPathStyle->SetPathStyle(bounds, &none));
     ThrowIfErr(sArt->SetArtUserAttr(bounds, kArtSelected, kArtSelected));
+    // The group itself is selected too, so that it can be converted back
+    // right away.
+    sArt->SetArtUserAttr(group, kArtSelected, kArtSelected);
   } catch (int) {
     result = 1;
   }
