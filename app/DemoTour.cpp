@@ -44,6 +44,12 @@ const std::vector<DemoStep>& demoTour() {
       {"Pattern fill along I only", "color-pattern-i", {false, {{2, 1}, {3, 2}}}, 154, true},
       {"Clone colours from the swatch mesh", "color-clone", {false, kRegion}, 139, false, false, DemoScene::kSwatch},
       {"Clone colours, I and J exchanged", "color-clone-ij", {false, kRegion}, 139, false, true, DemoScene::kSwatch},
+      {"Knots turned into vertices", "knots-split", {false, {{1, 2}, {2, 2}, {0, 3}, {0, 4}}}, 134},
+      {"Corner node moved along the outline", "corner-move", {false, {{0, 0}}}, 133, false, false,
+       DemoScene::kBorderVertex},
+      {"Mesh cut in two along a grid line", "mesh-cut", {false, {{3, 0}}}, 140},
+      {"Brush mesh grid made", "bmg-make", {true, {}}, 142},
+      {"Brush mesh grid turned back into a mesh", "bmg-back", {true, {}}, 143, false, false, DemoScene::kMesh, 142},
   };
   return tour;
 }
@@ -189,6 +195,10 @@ std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
   }
   json runs = json::array({Run(1, 2, "I", {"knot"}), Run(3, 1, "J", {"vertex"}),
                            Run(4, 4, "I", {"vertex", "knot"}), Run(0, 3, "J", {"knot", "knot"})});
+  if (scene == DemoScene::kBorderVertex) {
+    runs.push_back(Run(0, 0, "I", {"knot", "vertex"}));
+    runs.back()["inner"][1]["selected"] = true;
+  }
   json mesh = {{"type", "mesh"}, {"id", "demo-mesh"}, {"name", "Demo mesh"},
                {"selected", true}, {"size", {kI, kJ}}, {"nodes", nodes}, {"runs", runs}};
   json path = {
