@@ -62,7 +62,6 @@ std::unique_ptr<lb::host::Document> MeshDocument(int n) {
   ArtObject* layer = doc->addLayer("Layer 1");
   auto art = std::make_unique<ArtObject>();
   art->type = kMeshArt;
-  art->id = "m";
   art->userAttr = kArtSelected;
   art->mesh = std::make_unique<GradientMesh>(TemplateMesh(n));
   doc->appendChild(layer, std::move(art));
