@@ -92,6 +92,22 @@ TEST(BrushGrid, OneCellGroupStructure) {
   EXPECT_TRUE(rect.at("stroke").is_null());
 }
 
+// On a mesh with straight runs, the tile of node (0, 0) of a 1 x 1 mesh is
+// the quarter between the corner, the two side middles and the centre.
+TEST(BrushGrid, TileIsTheQuarterAroundItsNode) {
+  MeshDoc d;
+  d.wholeSelected = true;
+  Session s(MakeDoc({d.art()}));
+  const json doc = s.run(kMakeBmg);
+  const json& tile = Children(doc)[0].at("children")[3].at("children")[0];
+  const Pt n00 = MeshDoc::NodeP(0, 0), n10 = MeshDoc::NodeP(1, 0), n01 = MeshDoc::NodeP(0, 1), n11 = MeshDoc::NodeP(1, 1);
+  auto mid = [](Pt a, Pt b) { return Pt{(a.first + b.first) / 2, (a.second + b.second) / 2}; };
+  const Pt centre = mid(mid(n00, n10), mid(n01, n11));
+  std::vector<Pt> anchors;
+  for (const auto& sg : Segs(tile)) anchors.push_back(sg[0]);
+  EXPECT_TRUE(SamePoints(anchors, {n00, mid(n00, n10), centre, mid(n00, n01)}, 1e-9));
+}
+
 struct RoundTrip {
   const char* name;
   int I, J;
@@ -130,6 +146,11 @@ TEST_P(BrushGridTrip, BackToTheSameMesh) {
     grid = Children(s.run(kMakeBmg))[0];
   }
   EXPECT_TRUE(grid.value("selected", false));
+  const json& kids = grid.at("children");
+  EXPECT_EQ(kids[0].at("children").size(), static_cast<size_t>(c.I)) << "markers along I";
+  EXPECT_EQ(kids[1].at("children").size(), static_cast<size_t>(c.J)) << "markers along J";
+  EXPECT_EQ(kids[2].at("children").size(), static_cast<size_t>(2 * c.I * c.J + c.I + c.J)) << "edges";
+  EXPECT_EQ(kids[3].at("children").size(), static_cast<size_t>((c.I + 1) * (c.J + 1))) << "tiles";
   TransformPaths(grid, c.scale, c.dh, c.dv);
   Session s(MakeDoc({grid}));
   const json doc = s.run(kFromBmg);
