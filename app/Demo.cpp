@@ -42,6 +42,13 @@ int runDemo(const std::string& dir) {
     const std::string base = (fs::path(dir) / StepName(k, step)).string();
     try {
       auto doc = demoDocument(step.selection, step.scene);
+      if (step.prepareId) {
+        lb::host::Host prep(std::move(doc));
+        prep.loadPlugin();
+        prep.runCommand(step.prepareId, false, false, true, true);
+        prep.shutdownPlugin();
+        doc = prep.takeDocument();
+      }
       const std::string before = lb::io::writeDocument(*doc);
       lb::io::writeDocumentFileAtomic(*doc, base + "-before.lbdoc");
       renderPng(*doc, base + "-before.png", 1.0, true);

@@ -55,6 +55,12 @@ const std::vector<DemoStep>& demoTour() {
       {"UV coordinates (diagnostic message)", "uv-report", {true, {}}, 169},
       {"One-cell mesh from a path", "mesh-from-path", {false, {}, "demo-shape"}, 141},
       {"Mesh from a grid of docked paths", "mesh-from-grid", {false, {}, "demo-grid"}, 161},
+      {"Knots turned into vertices", "knots-split", {false, {{1, 2}, {2, 2}, {0, 3}, {0, 4}}}, 134},
+      {"Corner node moved along the outline", "corner-move", {false, {{0, 0}}}, 133, false, false,
+       DemoScene::kBorderVertex},
+      {"Mesh cut in two along a grid line", "mesh-cut", {false, {{3, 0}}}, 140},
+      {"Brush mesh grid made", "bmg-make", {true, {}}, 142},
+      {"Brush mesh grid turned back into a mesh", "bmg-back", {true, {}}, 143, false, false, DemoScene::kMesh, true, 142},
   };
   return tour;
 }
@@ -244,6 +250,10 @@ std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
   }
   json runs = json::array({Run(1, 2, "I", {"knot"}), Run(3, 1, "J", {"vertex"}),
                            Run(4, 4, "I", {"vertex", "knot"}), Run(0, 3, "J", {"knot", "knot"})});
+  if (scene == DemoScene::kBorderVertex) {
+    runs.push_back(Run(0, 0, "I", {"knot", "vertex"}));
+    runs.back()["inner"][1]["selected"] = true;
+  }
   json mesh = {{"type", "mesh"}, {"id", "demo-mesh"}, {"name", "Demo mesh"},
                {"selected", true}, {"size", {kI, kJ}}, {"nodes", nodes}, {"runs", runs}};
   json path = {

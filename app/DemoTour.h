@@ -26,6 +26,7 @@ enum class DemoScene {
   kMesh,    // nothing else
   kPhoto,   // a selected photo-like raster image under the mesh
   kSwatch,  // a small selected mesh of bold colours beside it, on top
+  kBorderVertex,  // the mesh's bottom side gets a knot and a selected vertex
 };
 
 struct DemoStep {
@@ -39,6 +40,10 @@ struct DemoStep {
   // Draw the selection in the after picture; off where the step's own art
   // (drawn lines and marks) would hide under it.
   bool selectionAfter = true;
+  // A command run (without modifiers) to set the scene before the "before"
+  // picture, e.g. making the brush mesh grid that the step turns back; 0
+  // for none.
+  int prepareId = 0;
 };
 
 // The tour, in order.

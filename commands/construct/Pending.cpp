@@ -3,7 +3,4 @@
 // replaces it here.
 #include "Operations.h"
 
-int MeshCutter() { return 0; }
-int MakeMeshGridForBrush(long) { return 0; }
-int MakeMeshFromBrushGrid(long) { return 0; }
 int SewPathesNew() { return 0; }

@@ -1,0 +1,180 @@
+// Documents for the knot, corner, brush-grid and cutter tests: a mesh built
+// from a few parameters with hand-placed runs, a session that runs one
+// command through the loaded plug-in and checks for leaked host objects,
+// and readers of the written runs, nodes and paths.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "host/Document.h"
+#include "host/Host.h"
+#include "io/Lbdoc.h"
+
+namespace knots {
+
+using nlohmann::json;
+using Pt = std::pair<double, double>;
+
+enum Cmd { kMoveCorner = 133, kKnots = 134, kVertices = 135, kCutter = 140, kMakeBmg = 142, kFromBmg = 143 };
+
+// A run as written: its points and the kinds of its interior anchors
+// ('k' knot, 'v' vertex, 'V' selected vertex).
+struct LineRun {
+  std::vector<Pt> points;
+  std::string inner;
+};
+
+struct MeshDoc {
+  int I = 1, J = 1;
+  // Runs replacing the straight default, by (axis, i, j).
+  std::map<std::tuple<int, int, int>, LineRun> runs;
+  std::map<std::pair<int, int>, bool> selectedNodes;
+  bool wholeSelected = false;
+  double opacity = 1.0;
+
+  static Pt NodeP(int i, int j) { return {100.0 * i + 7.0 * j, 80.0 * j + 5.0 * i}; }
+  static json NodeColor(int i, int j) { return {{"rgb", {0.125 * (i % 8), 0.25 * (j % 4), 0.5}}}; }
+  static double NodeOpacity(int i, int j) { return 0.25 + 0.25 * ((i + 2 * j) % 4); }
+
+  json art() const {
+    json a = {{"type", "mesh"}, {"size", {I, J}}, {"selected", true}};
+    if (opacity != 1.0) a["opacity"] = opacity;
+    json nodes = json::array();
+    for (int j = 0; j <= J; ++j)
+      for (int i = 0; i <= I; ++i) {
+        const Pt p = NodeP(i, j);
+        json n = {{"p", {p.first, p.second}}, {"color", NodeColor(i, j)}, {"opacity", NodeOpacity(i, j)}};
+        if (!wholeSelected) {
+          auto it = selectedNodes.find({i, j});
+          n["selected"] = it != selectedNodes.end() && it->second;
+        }
+        nodes.push_back(n);
+      }
+    a["nodes"] = nodes;
+    json rs = json::array();
+    for (const auto& [key, r] : runs) {
+      const auto [axis, i, j] = key;
+      json pts = json::array();
+      for (const Pt& p : r.points) pts.push_back({p.first, p.second});
+      json inner = json::array();
+      for (char c : r.inner) {
+        if (c == 'k')
+          inner.push_back({{"kind", "knot"}});
+        else if (!wholeSelected)
+          inner.push_back({{"kind", "vertex"}, {"selected", c == 'V'}});
+        else
+          inner.push_back({{"kind", "vertex"}});
+      }
+      rs.push_back({{"node", {i, j}}, {"axis", axis == 0 ? "I" : "J"}, {"points", pts}, {"inner", inner}});
+    }
+    a["runs"] = rs;
+    return a;
+  }
+};
+
+// A run from a to b through the given interior anchors, with handles a
+// quarter of the way along each piece and bent off the chord so that no
+// handle is retracted or collinear.
+inline LineRun MakeRun(Pt a, Pt b, const std::string& inner) {
+  LineRun r;
+  r.inner = inner;
+  const int m = static_cast<int>(inner.size()) + 1;
+  std::vector<Pt> anchors;
+  for (int q = 0; q <= m; ++q) {
+    const double t = static_cast<double>(q) / m;
+    const double off = (q == 0 || q == m) ? 0.0 : (q % 2 ? 6.0 : -4.0);
+    anchors.push_back({a.first + (b.first - a.first) * t - off * 0.3, a.second + (b.second - a.second) * t + off});
+  }
+  for (int q = 0; q < m; ++q) {
+    const Pt p0 = anchors[q], p1 = anchors[q + 1];
+    if (q == 0) r.points.push_back(p0);
+    r.points.push_back({p0.first + (p1.first - p0.first) * 0.25 + 1.5, p0.second + (p1.second - p0.second) * 0.25 - 2.0});
+    r.points.push_back({p0.first + (p1.first - p0.first) * 0.75 - 1.0, p0.second + (p1.second - p0.second) * 0.75 + 2.5});
+    r.points.push_back(p1);
+  }
+  return r;
+}
+
+inline json MakeDoc(const std::vector<json>& children) {
+  return {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", children}}}}};
+}
+
+class Session {
+ public:
+  explicit Session(const json& doc) : host_(lb::io::readDocument(doc.dump())) { host_.loadPlugin(); }
+
+  // Runs one command, checks that no host object outlived it, and returns
+  // the document as written.
+  json run(int id, bool alt = false, bool ctrl = false) {
+    const lb::host::Counters before = host_.counters();
+    host_.runCommand(id, alt, ctrl, true, true);
+    EXPECT_EQ(host_.counters(), before) << "command " << id << " leaked a host object";
+    return written();
+  }
+  json written() { return json::parse(lb::io::writeDocument(host_.document())); }
+  lb::host::Host& host() { return host_; }
+
+ private:
+  lb::host::Host host_;
+};
+
+inline const json& Children(const json& doc) { return doc.at("layers")[0].at("children"); }
+
+inline Pt P(const json& p) { return {p[0].get<double>(), p[1].get<double>()}; }
+
+// The written run from node (i, j) along axis.
+inline LineRun ReadRun(const json& mesh, int axis, int i, int j) {
+  for (const json& r : mesh.at("runs")) {
+    if (r.at("node")[0] != i || r.at("node")[1] != j || r.at("axis") != (axis == 0 ? "I" : "J")) continue;
+    LineRun out;
+    for (const json& p : r.at("points")) out.points.push_back(P(p));
+    for (const json& e : r.value("inner", json::array()))
+      out.inner += e.at("kind") == "knot" ? 'k' : (e.value("selected", false) ? 'V' : 'v');
+    return out;
+  }
+  ADD_FAILURE() << "no run " << axis << " from (" << i << ", " << j << ")";
+  return {};
+}
+
+inline const json& NodeOf(const json& mesh, int i, int j) {
+  const int I = mesh.at("size")[0];
+  return mesh.at("nodes").at(static_cast<size_t>(j * (I + 1) + i));
+}
+
+inline ::testing::AssertionResult SamePoints(const std::vector<Pt>& got, const std::vector<Pt>& want, double tol) {
+  if (got.size() != want.size())
+    return ::testing::AssertionFailure() << got.size() << " points, want " << want.size();
+  for (size_t k = 0; k < want.size(); ++k)
+    if (std::fabs(got[k].first - want[k].first) > tol || std::fabs(got[k].second - want[k].second) > tol)
+      return ::testing::AssertionFailure() << "point " << k << ": (" << got[k].first << ", " << got[k].second
+                                           << ") vs (" << want[k].first << ", " << want[k].second << ")";
+  return ::testing::AssertionSuccess();
+}
+
+// Every run of two written meshes: same points (within tol) and kinds.
+inline ::testing::AssertionResult SameRuns(const json& got, const json& want, double tol, bool kinds = true) {
+  if (got.at("size") != want.at("size")) return ::testing::AssertionFailure() << "sizes differ";
+  const int I = want.at("size")[0], J = want.at("size")[1];
+  for (int axis = 0; axis < 2; ++axis)
+    for (int j = 0; j <= J; ++j)
+      for (int i = 0; i <= I; ++i) {
+        if (axis == 0 ? i == I : j == J) continue;
+        const LineRun g = ReadRun(got, axis, i, j), w = ReadRun(want, axis, i, j);
+        auto r = SamePoints(g.points, w.points, tol);
+        if (!r) return r << " on run " << axis << " from (" << i << ", " << j << ")";
+        if (kinds && g.inner != w.inner)
+          return ::testing::AssertionFailure() << "run " << axis << " from (" << i << ", " << j << ") kinds "
+                                               << g.inner << " vs " << w.inner;
+      }
+  return ::testing::AssertionSuccess();
+}
+
+}  // namespace knots

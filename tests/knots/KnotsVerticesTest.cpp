@@ -1,0 +1,255 @@
+// Knots to vertices and back (134, 135): which segments are touched, the
+// exact points after each delete, the node selection afterwards, and that
+// the surface stays put when only the kinds of points change.
+#include "knots/KnotsDoc.h"
+
+namespace knots {
+namespace {
+
+constexpr double kTol = 1e-9;
+
+// A 2 x 1 mesh: the bottom run from (0, 0) has two knots, the one from
+// (1, 0) a knot and an unselected vertex, the left side a knot.
+MeshDoc TwoCells() {
+  MeshDoc d;
+  d.I = 2;
+  d.J = 1;
+  d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), "kk");
+  d.runs[{0, 1, 0}] = MakeRun(MeshDoc::NodeP(1, 0), MeshDoc::NodeP(2, 0), "kv");
+  d.runs[{1, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(0, 1), "k");
+  return d;
+}
+
+struct SplitCase {
+  const char* name;
+  std::vector<std::pair<int, int>> selected;
+  bool whole;
+  // Expected kinds of runs I(0,0), I(1,0), J(0,0).
+  const char* bottomLeft;
+  const char* bottomRight;
+  const char* left;
+};
+
+const SplitCase kSplitCases[] = {
+    // Both ends of the first bottom run: its knots become (selected) vertices.
+    {"BottomLeftEnds", {{0, 0}, {1, 0}}, false, "VV", "kv", "k"},
+    // One end only: nothing changes anywhere.
+    {"OneEndOnly", {{0, 0}}, false, "kk", "kv", "k"},
+    // Nodes (1, 0) and (2, 0): the knot before the unselected vertex is not
+    // inside a segment with two selected ends, nor is the one after.
+    {"VertexBetween", {{1, 0}, {2, 0}}, false, "kk", "kv", "k"},
+    {"Whole", {}, true, "vv", "vv", "v"},
+};
+
+class KnotsSplit : public ::testing::TestWithParam<SplitCase> {};
+
+TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
+  const SplitCase& c = GetParam();
+  MeshDoc d = TwoCells();
+  for (auto n : c.selected) d.selectedNodes[n] = true;
+  d.wholeSelected = c.whole;
+  Session s(MakeDoc({d.art()}));
+  const json before = Children(s.written())[0];
+  const json after = Children(s.run(kKnots))[0];
+  // The surface is unchanged: every run keeps its points exactly.
+  EXPECT_TRUE(SameRuns(after, before, 0.0, /*kinds=*/false));
+  std::string kinds[3] = {ReadRun(after, 0, 0, 0).inner, ReadRun(after, 0, 1, 0).inner, ReadRun(after, 1, 0, 0).inner};
+  if (c.whole)
+    for (auto& k : kinds)
+      for (auto& ch : k) ch = ch == 'V' ? 'v' : ch;
+  EXPECT_EQ(kinds[0], c.bottomLeft);
+  EXPECT_EQ(kinds[1], c.bottomRight);
+  EXPECT_EQ(kinds[2], c.left);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, KnotsSplit, ::testing::ValuesIn(kSplitCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// Knots become vertices and the vertices become knots again: the mesh is
+// back point for point and kind for kind.
+TEST(KnotsVertices, RoundTripRestoresEveryRun) {
+  MeshDoc d = TwoCells();
+  d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = d.selectedNodes[{0, 1}] = true;
+  Session s(MakeDoc({d.art()}));
+  const json before = Children(s.written())[0];
+  const json mid = Children(s.run(kKnots))[0];
+  EXPECT_EQ(ReadRun(mid, 0, 0, 0).inner, "VV");
+  EXPECT_EQ(ReadRun(mid, 1, 0, 0).inner, "V");
+  const json back = Children(s.run(kVertices))[0];
+  EXPECT_TRUE(SameRuns(back, before, 0.0));
+}
+
+struct KnotsDelCase {
+  const char* name;
+  bool alt;
+};
+
+class KnotsDel : public ::testing::TestWithParam<KnotsDelCase> {};
+
+// Deleting the knots of a segment leaves one cubic with the segment's two
+// end handles; a segment with one unselected end keeps its knots, and the
+// vertex selection is as before.
+TEST_P(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
+  MeshDoc d = TwoCells();
+  d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
+  Session s(MakeDoc({d.art()}));
+  const json before = Children(s.written())[0];
+  const json after = Children(s.run(kKnots, GetParam().alt, !GetParam().alt))[0];
+  const LineRun old = ReadRun(before, 0, 0, 0);
+  const LineRun got = ReadRun(after, 0, 0, 0);
+  EXPECT_EQ(got.inner, "");
+  EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
+  EXPECT_TRUE(SamePoints(ReadRun(after, 0, 1, 0).points, ReadRun(before, 0, 1, 0).points, 0.0));
+  EXPECT_EQ(ReadRun(after, 1, 0, 0).inner, "k");
+  for (int j = 0; j <= 1; ++j)
+    for (int i = 0; i <= 2; ++i)
+      EXPECT_EQ(NodeOf(after, i, j).value("selected", false), NodeOf(before, i, j).value("selected", false));
+}
+
+INSTANTIATE_TEST_SUITE_P(Variants, KnotsDel, ::testing::Values(KnotsDelCase{"Corrected", true}, KnotsDelCase{"Plain", false}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(KnotsDel, WholeMeshLosesEveryKnot) {
+  MeshDoc d = TwoCells();
+  d.wholeSelected = true;
+  Session s(MakeDoc({d.art()}));
+  const json before = Children(s.written())[0];
+  const json after = Children(s.run(kKnots, true, false))[0];
+  // LineRun I(1, 0) holds a vertex: only the knot after it goes.
+  for (auto [axis, i, j] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 0}}) {
+    const LineRun old = ReadRun(before, axis, i, j), got = ReadRun(after, axis, i, j);
+    EXPECT_EQ(got.inner, "");
+    EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
+  }
+  const LineRun old = ReadRun(before, 0, 1, 0), got = ReadRun(after, 0, 1, 0);
+  ASSERT_EQ(got.inner.size(), 1u);
+  EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[5], old.points[6], old.points[7],
+                                      old.points[8], old.points[9]}, 0.0));
+  EXPECT_TRUE(after.value("selected", false));
+}
+
+// A run N0, knot a, vertex 1, vertex 2, knot b, N1 (pieces p0..p4) with
+// both vertices selected.
+MeshDoc AdjacentVertices(bool selectNode) {
+  MeshDoc d;
+  d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), "kVVk");
+  if (selectNode) d.selectedNodes[{1, 1}] = true;
+  return d;
+}
+
+// With correction the two vertices and the stretch around them become one
+// cubic from knot a (its out handle) to knot b (its in handle); the knots
+// stay knots.
+TEST(VerticesDel, CorrectedAdjacentVerticesBecomeOneCubic) {
+  Session s(MakeDoc({AdjacentVertices(true).art()}));
+  const json before = Children(s.written())[0];
+  const json after = Children(s.run(kVertices, true, false))[0];
+  const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;  // 16 points
+  const LineRun got = ReadRun(after, 0, 0, 0);
+  EXPECT_EQ(got.inner, "kk");
+  EXPECT_TRUE(SamePoints(got.points, {o[0], o[1], o[2], o[3], o[4], o[11], o[12], o[13], o[14], o[15]}, 0.0));
+  EXPECT_TRUE(NodeOf(after, 1, 1).value("selected", false));
+  EXPECT_FALSE(NodeOf(after, 0, 0).value("selected", false));
+}
+
+struct CorrectedCase {
+  const char* name;
+  const char* inner;
+  std::vector<int> kept;  // indices of the old points that remain, in order
+  const char* kinds;
+};
+
+// Each stretch that loses vertices becomes one cubic between the nearest
+// remaining knot or vertex on either side, with their handles; every other
+// knot and vertex stays what it was.
+const CorrectedCase kCorrectedCases[] = {
+    {"AfterNode", "Vk", {0, 1, 5, 6, 7, 8, 9}, "k"},
+    {"BeforeNode", "kV", {0, 1, 2, 3, 4, 8, 9}, "k"},
+    {"SeparatedByAKnot", "VkV", {0, 1, 5, 6, 7, 11, 12}, "k"},
+    {"BetweenKnots", "kkVkk", {0, 1, 2, 3, 4, 5, 6, 7, 11, 12, 13, 14, 15, 16, 17, 18}, "kkkk"},
+    {"AroundAnUnselectedVertex", "VvV", {0, 1, 5, 6, 7, 11, 12}, "v"},
+    {"ThreeInARow", "kVVVk", {0, 1, 2, 3, 4, 14, 15, 16, 17, 18}, "kk"},
+};
+
+class VerticesDelCorrected : public ::testing::TestWithParam<CorrectedCase> {};
+
+TEST_P(VerticesDelCorrected, StretchBecomesOneCubic) {
+  const CorrectedCase& c = GetParam();
+  MeshDoc d;
+  d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
+  d.selectedNodes[{1, 0}] = true;
+  Session s(MakeDoc({d.art()}));
+  const json before = Children(s.written())[0];
+  const json after = Children(s.run(kVertices, true, false))[0];
+  const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;
+  std::vector<Pt> want;
+  for (int k : c.kept) want.push_back(o[static_cast<size_t>(k)]);
+  const LineRun got = ReadRun(after, 0, 0, 0);
+  EXPECT_TRUE(SamePoints(got.points, want, 0.0));
+  EXPECT_EQ(got.inner, c.kinds);
+  EXPECT_TRUE(NodeOf(after, 1, 0).value("selected", false));
+  EXPECT_FALSE(NodeOf(after, 0, 0).value("selected", false));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, VerticesDelCorrected, ::testing::ValuesIn(kCorrectedCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+struct PlainCase {
+  const char* name;
+  const char* inner;
+  // Indices of the old points that remain, in order.
+  std::vector<int> kept;
+  const char* kinds;
+};
+
+const PlainCase kPlainCases[] = {
+    // The host removes the vertex and keeps the outer handles of the two
+    // pieces that meet there.
+    {"VertexThenKnot", "Vk", {0, 1, 5, 6, 7, 8, 9}, "k"},
+    {"KnotThenVertex", "kV", {0, 1, 2, 3, 4, 8, 9}, "k"},
+    {"UnselectedStays", "kv", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, "kv"},
+    {"TwoSelected", "VkV", {0, 1, 5, 6, 7, 11, 12}, "k"},
+};
+
+class VerticesDelPlain : public ::testing::TestWithParam<PlainCase> {};
+
+TEST_P(VerticesDelPlain, RemovesSelectedVerticesOnly) {
+  const PlainCase& c = GetParam();
+  MeshDoc d;
+  d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
+  d.runs[{1, 1, 0}] = MakeRun(MeshDoc::NodeP(1, 0), MeshDoc::NodeP(1, 1), "V");
+  d.selectedNodes[{0, 1}] = true;
+  Session s(MakeDoc({d.art()}));
+  const json before = Children(s.written())[0];
+  const json after = Children(s.run(kVertices, false, true))[0];
+  const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;
+  std::vector<Pt> want;
+  for (int k : c.kept) want.push_back(o[static_cast<size_t>(k)]);
+  const LineRun got = ReadRun(after, 0, 0, 0);
+  EXPECT_TRUE(SamePoints(got.points, want, 0.0));
+  EXPECT_EQ(got.inner, c.kinds);
+  EXPECT_EQ(ReadRun(after, 1, 1, 0).inner, "");
+  EXPECT_TRUE(NodeOf(after, 0, 1).value("selected", false));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, VerticesDelPlain, ::testing::ValuesIn(kPlainCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// Joining at selected nodes only, or deleting vertices on lines without a
+// selected vertex, changes nothing.
+TEST(VerticesToKnots, NodesOnlySelectionChangesNothing) {
+  for (bool alt : {false, true}) {
+    for (bool ctrl : {false, true}) {
+      if (alt && ctrl) continue;
+      MeshDoc d = TwoCells();
+      d.selectedNodes[{0, 0}] = d.selectedNodes[{2, 1}] = true;
+      Session s(MakeDoc({d.art()}));
+      const json before = Children(s.written())[0];
+      const json after = Children(s.run(kVertices, alt, ctrl))[0];
+      EXPECT_EQ(after, before) << "alt " << alt << " ctrl " << ctrl;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace knots
