@@ -8,11 +8,11 @@
 
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "SuiteFixture.h"
+#include "support/Session.h"
 #include "color/ColorTransforms.h"
 #include "select/Select.h"
 
-using namespace sctest;
+using namespace lbtest;
 
 namespace {
 
@@ -41,7 +41,7 @@ AIErr FailingGetSize(AIArtHandle m, int32_t* i, int32_t* j) {
   return gRealGetSize(m, i, j);
 }
 
-class MeshSelectionTest : public SuiteFixture {
+class MeshSelectionTest : public LinkedTest {
  protected:
   void SetUp() override {
     gFailAt = -1;
@@ -49,30 +49,21 @@ class MeshSelectionTest : public SuiteFixture {
     gFailMesh = nullptr;
   }
   void FailStepJ(int at) {
-    gRealStep = vertex.NextJ;
-    vertex.NextJ = FailingStep;
+    gRealStep = vertex().NextJ;
+    vertex().NextJ = FailingStep;
     gFailAt = at;
   }
   void FailStepI(int at) {
-    gRealStep = vertex.NextI;
-    vertex.NextI = FailingStep;
+    gRealStep = vertex().NextI;
+    vertex().NextI = FailingStep;
     gFailAt = at;
   }
 };
 
-MeshPlan Plan(int I, int J, NodeSet sel, std::map<Inner, bool> inner = {}) {
-  MeshPlan s;
-  s.I = I;
-  s.J = J;
-  s.selected = std::move(sel);
-  s.inner = std::move(inner);
-  return s;
-}
-
 // ---- Region of selected nodes and of all selected vertices -------------
 
 TEST_F(MeshSelectionTest, TwoNodesSpanTheSameRegionInBothOperations) {
-  Load({Plan(5, 4, {{1, 3}, {4, 0}})});
+  Load({Coded(5, 4, {{1, 3}, {4, 0}})});
   CMeshRegion a, b;
   ASSERT_EQ(a.GetMeshReg(Mesh(0)), 0);
   ASSERT_EQ(b.GetMeshRegIncVert(Mesh(0), 0, nullptr, nullptr), 0);
@@ -83,7 +74,7 @@ TEST_F(MeshSelectionTest, TwoNodesSpanTheSameRegionInBothOperations) {
 
 TEST_F(MeshSelectionTest, LoneNonNodeVertexCountsAsItsCellSide) {
   // The vertex on line i = 2 between nodes (2, 1) and (2, 2).
-  Load({Plan(4, 3, {}, {{{2, 1, 'J'}, true}, {{0, 0, 'I'}, false}})});
+  Load({Coded(4, 3, {}, {{{2, 1, 'J'}, true}, {{0, 0, 'I'}, false}})});
   CMeshRegion nodes;
   ASSERT_EQ(nodes.GetMeshReg(Mesh(0)), 0);
   EXPECT_TRUE(nodes.IsEmpty());
@@ -104,7 +95,7 @@ TEST_F(MeshSelectionTest, LoneNonNodeVertexCountsAsItsCellSide) {
 
 TEST_F(MeshSelectionTest, VertexOnARowMarksOnlyThatRow) {
   // On line j = 1 between nodes (2, 1) and (3, 1), plus node (0, 3).
-  Load({Plan(4, 3, {{0, 3}}, {{{2, 1, 'I'}, true}})});
+  Load({Coded(4, 3, {{0, 3}}, {{{2, 1, 'I'}, true}})});
   std::vector<int> li(5, 0), lj(4, 0);
   CMeshRegion r;
   ASSERT_EQ(r.GetMeshRegIncVert(Mesh(0), 0, li.data(), lj.data()), 0);
@@ -116,7 +107,7 @@ TEST_F(MeshSelectionTest, VertexOnARowMarksOnlyThatRow) {
 TEST_F(MeshSelectionTest, NodeIndexCountsOnlyNodesAlongALine) {
   // Two vertices on the same line before a selected node: the node's index
   // must still be 2, not the number of vertices passed.
-  Load({Plan(3, 3, {{1, 2}}, {{{1, 0, 'J'}, false}, {{1, 1, 'J'}, false}})});
+  Load({Coded(3, 3, {{1, 2}}, {{{1, 0, 'J'}, false}, {{1, 1, 'J'}, false}})});
   std::vector<int> li(4, 0), lj(4, 0);
   CMeshRegion r;
   ASSERT_EQ(r.GetMeshRegIncVert(Mesh(0), 0, li.data(), lj.data()), 0);
@@ -125,7 +116,7 @@ TEST_F(MeshSelectionTest, NodeIndexCountsOnlyNodesAlongALine) {
 }
 
 TEST_F(MeshSelectionTest, WholeMeshSelectionIsTheWholeGrid) {
-  MeshPlan s = Plan(3, 2, {});
+  MeshSpec s = Coded(3, 2, {});
   s.whole = true;
   Load({s});
   CMeshRegion a, b;
@@ -140,7 +131,7 @@ TEST_F(MeshSelectionTest, WholeMeshSelectionIsTheWholeGrid) {
 
 TEST_F(MeshSelectionTest, NothingSelectedGivesAnEmptyRegionAndNoMarks) {
   // A selected mesh whose only selected node is then deselected.
-  Load({Plan(2, 2, {{1, 1}})});
+  Load({Coded(2, 2, {{1, 1}})});
   {
     SelectionRef sel = GetSelectionRef(Mesh(0));
     VertexRef v = GetNodeRef(Mesh(0), 1, 1);
@@ -165,7 +156,7 @@ TEST_F(MeshSelectionTest, NothingSelectedGivesAnEmptyRegionAndNoMarks) {
 std::array<int, 4> A(const int* v) { return {v[0], v[1], v[2], v[3]}; }
 
 TEST_F(MeshSelectionTest, OneCellMeshSideNeedsBothCorners) {
-  Load({Plan(1, 1, {{0, 0}, {1, 0}})});
+  Load({Coded(1, 1, {{0, 0}, {1, 0}})});
   int sides[4], corners[4];
   ASSERT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, corners), 0);
   EXPECT_EQ(A(corners), (std::array<int, 4>{1, 1, 0, 0}));
@@ -174,7 +165,7 @@ TEST_F(MeshSelectionTest, OneCellMeshSideNeedsBothCorners) {
 }
 
 TEST_F(MeshSelectionTest, CornersAloneDoNotSelectALongSide) {
-  Load({Plan(3, 2, {{0, 0}, {3, 0}})});
+  Load({Coded(3, 2, {{0, 0}, {3, 0}})});
   int sides[4], corners[4];
   ASSERT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, corners), 0);
   EXPECT_EQ(A(corners), (std::array<int, 4>{1, 1, 0, 0}));
@@ -186,7 +177,7 @@ TEST_F(MeshSelectionTest, SidesAreNumberedRoundTheMesh) {
   // i = I, side 2 is j = J, side 3 is i = 0.
   const Node inner[4] = {{2, 0}, {3, 1}, {1, 2}, {0, 1}};
   for (int k = 0; k < 4; ++k) {
-    Load({Plan(3, 2, {inner[k]})});
+    Load({Coded(3, 2, {inner[k]})});
     int sides[4];
     ASSERT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, nullptr), 0);
     std::array<int, 4> want{0, 0, 0, 0};
@@ -198,7 +189,7 @@ TEST_F(MeshSelectionTest, SidesAreNumberedRoundTheMesh) {
 TEST_F(MeshSelectionTest, NonNodeVertexOnAShortSideSelectsIt) {
   // A 1 x 1 mesh whose side 1 (i = 1) carries a selected vertex, corners
   // unselected; side 3 has an unselected one.
-  Load({Plan(1, 1, {}, {{{1, 0, 'J'}, true}, {{0, 0, 'J'}, false}})});
+  Load({Coded(1, 1, {}, {{{1, 0, 'J'}, true}, {{0, 0, 'J'}, false}})});
   int sides[4], corners[4];
   ASSERT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, corners), 0);
   EXPECT_EQ(A(sides), (std::array<int, 4>{0, 1, 0, 0}));
@@ -206,7 +197,7 @@ TEST_F(MeshSelectionTest, NonNodeVertexOnAShortSideSelectsIt) {
 }
 
 TEST_F(MeshSelectionTest, OneCellHighMeshUsesCornerPairsForItsShortSides) {
-  Load({Plan(3, 1, {{3, 0}, {3, 1}, {0, 1}})});
+  Load({Coded(3, 1, {{3, 0}, {3, 1}, {0, 1}})});
   int sides[4];
   ASSERT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, nullptr), 0);
   // Side 1 has both corners; side 3 only corner 3; sides 0 and 2 are long.
@@ -217,7 +208,7 @@ TEST_F(MeshSelectionTest, OneCellHighMeshUsesCornerPairsForItsShortSides) {
 
 TEST_F(MeshSelectionTest, WalkVisitsEveryVertexOfTheLineInOrder) {
   // Line j = 1 of a 3 x 2 mesh with a vertex in its first and last cells.
-  Load({Plan(3, 2, {}, {{{0, 1, 'I'}, false}, {{2, 1, 'I'}, false}})});
+  Load({Coded(3, 2, {}, {{{0, 1, 'I'}, false}, {{2, 1, 'I'}, false}})});
   std::vector<int> nodeFlags;
   std::vector<Node> nodeIdx;
   WalkLine(Mesh(0), 0, 1, 3, 1, kAIMeshIAxis, [&](AIMeshVertexIterator v) {
@@ -247,7 +238,7 @@ TEST_F(MeshSelectionTest, WalkVisitsEveryVertexOfTheLineInOrder) {
 }
 
 TEST_F(MeshSelectionTest, WalkStopsWhenTheVisitorSaysSoAndReleasesItsIterators) {
-  Load({Plan(4, 1, {})});
+  Load({Coded(4, 1, {})});
   int seen = 0;
   WalkLine(Mesh(0), 0, 0, 4, 0, kAIMeshIAxis, [&](AIMeshVertexIterator) { return ++seen < 2; });
   EXPECT_EQ(seen, 2);
@@ -255,7 +246,7 @@ TEST_F(MeshSelectionTest, WalkStopsWhenTheVisitorSaysSoAndReleasesItsIterators) 
 }
 
 TEST_F(MeshSelectionTest, WalkToANodeOffTheLineThrowsInsteadOfRunningOn) {
-  Load({Plan(2, 2, {})});
+  Load({Coded(2, 2, {})});
   int seen = 0;
   EXPECT_THROW(WalkLine(Mesh(0), 0, 0, 1, 1, kAIMeshIAxis, [&](AIMeshVertexIterator) { ++seen; }), int);
   EXPECT_EQ(seen, 3);
@@ -267,7 +258,7 @@ TEST_F(MeshSelectionTest, WalkToANodeOffTheLineThrowsInsteadOfRunningOn) {
 TEST_F(MeshSelectionTest, FailedStepLeavesRegionUnwrittenButKeepsMarks) {
   // Node (0, 1) is met on the first line walked; the walk of line i = 1
   // then fails.
-  Load({Plan(2, 2, {{0, 1}, {2, 2}})});
+  Load({Coded(2, 2, {{0, 1}, {2, 2}})});
   FailStepJ(2);
   std::vector<int> li(3, 0), lj(3, 0);
   CMeshRegion r;
@@ -280,7 +271,7 @@ TEST_F(MeshSelectionTest, FailedStepLeavesRegionUnwrittenButKeepsMarks) {
 }
 
 TEST_F(MeshSelectionTest, FailedStepLeavesSidesAndCornersUnwritten) {
-  Load({Plan(3, 3, {{0, 0}, {1, 0}})});
+  Load({Coded(3, 3, {{0, 0}, {1, 0}})});
   for (int at = 0; at < 4; ++at) {
     SCOPED_TRACE(at);
     FailStepI(at);
@@ -290,14 +281,14 @@ TEST_F(MeshSelectionTest, FailedStepLeavesSidesAndCornersUnwritten) {
     EXPECT_EQ(A(sides), (std::array<int, 4>{5, 5, 5, 5}));
     EXPECT_EQ(A(corners), (std::array<int, 4>{6, 6, 6, 6}));
     EXPECT_TRUE(NoLeaks());
-    vertex.NextI = gRealStep;
+    vertex().NextI = gRealStep;
   }
 }
 
 TEST_F(MeshSelectionTest, FailedSizeLeavesRegionUnwritten) {
-  Load({Plan(2, 2, {{1, 1}})});
-  gRealGetSize = mesh.GetSize;
-  mesh.GetSize = FailingGetSize;
+  Load({Coded(2, 2, {{1, 1}})});
+  gRealGetSize = mesh().GetSize;
+  mesh().GetSize = FailingGetSize;
   gFailMesh = Mesh(0);
   CMeshRegion r;
   r.m_nMinI = 3;
@@ -309,9 +300,9 @@ TEST_F(MeshSelectionTest, FailedSizeLeavesRegionUnwritten) {
 // A worker that fails on one mesh gives up on it alone: the public command
 // goes on with the next mesh, and nothing is left alive.
 TEST_F(MeshSelectionTest, FailureOnOneMeshLeavesTheOthersToTheCommand) {
-  Load({Plan(2, 1, {{0, 0}, {2, 1}}), Plan(2, 1, {{0, 0}, {2, 1}})});
-  gRealGetSize = mesh.GetSize;
-  mesh.GetSize = FailingGetSize;
+  Load({Coded(2, 1, {{0, 0}, {2, 1}}), Coded(2, 1, {{0, 0}, {2, 1}})});
+  gRealGetSize = mesh().GetSize;
+  mesh().GetSize = FailingGetSize;
   gFailMesh = Mesh(0);
   EXPECT_EQ(lb::color::_Flip(Mesh(0), kAIMeshIAxis), 1);
   EXPECT_EQ(lb::color::Flip(kAIMeshIAxis), 0);
@@ -331,7 +322,7 @@ TEST_F(MeshSelectionTest, SelectionWorkerStoppedMidWalkKeepsWhatItSelected) {
   // clears the selection, then selects along lines i = 0..2. Step 9 along
   // J is the second step of line i = 1, so (0, *), (1, 0) and (1, 1) are
   // already selected when it fails.
-  Load({Plan(2, 2, {{0, 0}, {2, 2}})});
+  Load({Coded(2, 2, {{0, 0}, {2, 2}})});
   FailStepJ(9);
   EXPECT_EQ(lb::sel::_Full(Mesh(0), false), 1);
   EXPECT_EQ(State(0).selectedNodes(), (NodeSet{{0, 0}, {0, 1}, {0, 2}, {1, 0}, {1, 1}}));
