@@ -4,6 +4,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "LBModule.h"
 #include "io/Lbdoc.h"
 
 namespace lb::app {
@@ -16,27 +17,27 @@ const Nodes kRegion = {{1, 1}, {4, 3}};  // spans a 3 x 2 region
 // Add steps here: title, file stem, selection, command id, Alt, Ctrl.
 const std::vector<DemoStep>& demoTour() {
   static const std::vector<DemoStep> tour = {
-      {"Select region perimeter", "sel-perimeter", {false, kRegion}, 151},
-      {"Select all region vertices", "sel-region", {false, kRegion}, 150},
-      {"Select crossing rows and columns", "sel-cross", {false, {{2, 2}}}, 155},
-      {"Shift selected nodes along I", "sel-shift", {false, {{1, 1}, {1, 2}}}, 156},
-      {"Select nodes only (invert)", "sel-invert", {false, kRegion}, 160, false, true},
-      {"Shift colours along I", "color-shift", {false, kRegion}, 136},
-      {"Reflect colours in J", "color-reflect", {false, kRegion}, 137, false, true},
-      {"Rotate colours clockwise", "color-rotate", {false, {{1, 1}, {4, 4}}}, 138},
-      {"Spread colours along J'", "color-spread", {false, kRegion}, 149, true, true},
-      {"Handles at one third", "handles-third", {true, {}}, 145},
-      {"Smooth handles", "handles-smooth", {false, kRegion}, 144},
-      {"Increase mesh density", "density-up", {false, kRegion}, 162},
-      {"Rotate grid direction", "dir-rotate", {true, {}}, 167},
-      {"Reset UV coordinates", "uv-reset", {true, {}}, 166},
-      {"Reflect colours in I", "color-reflect-i", {false, kRegion}, 137},
-      {"Handles retracted at selected nodes", "handles-zero", {false, kRegion}, 146},
-      {"Handles at right angles", "handles-90", {false, kRegion}, 159},
-      {"Decrease mesh density", "density-down", {true, {}}, 163},
-      {"Reflect grid direction in I", "dir-flip", {true, {}}, 167, false, true},
-      {"Rotate grid direction counterclockwise", "dir-rotate-ccw", {true, {}}, 167, true},
-      {"Even UV coordinates (dumb reset)", "uv-reset-even", {true, {}}, 166, false, true},
+      {"Select region perimeter", "sel-perimeter", {false, kRegion}, kCmdSelPerim},
+      {"Select all region vertices", "sel-region", {false, kRegion}, kCmdSelRegion},
+      {"Select crossing rows and columns", "sel-cross", {false, {{2, 2}}}, kCmdSelCross},
+      {"Shift selected nodes along I", "sel-shift", {false, {{1, 1}, {1, 2}}}, kCmdSelShift},
+      {"Select nodes only (invert)", "sel-invert", {false, kRegion}, kCmdSel, false, true},
+      {"Shift colours along I", "color-shift", {false, kRegion}, kCmdColorShift},
+      {"Reflect colours in J", "color-reflect", {false, kRegion}, kCmdColorReflect, false, true},
+      {"Rotate colours clockwise", "color-rotate", {false, {{1, 1}, {4, 4}}}, kCmdColorRotate},
+      {"Spread colours along J'", "color-spread", {false, kRegion}, kCmdColorSpread, true, true},
+      {"Handles at one third", "handles-third", {true, {}}, kCmdHandles1_3},
+      {"Smooth handles", "handles-smooth", {false, kRegion}, kCmdHandlesSmooth},
+      {"Increase mesh density", "density-up", {false, kRegion}, kCmdDensityInc},
+      {"Rotate grid direction", "dir-rotate", {true, {}}, kCmdDirRotate},
+      {"Reset UV coordinates", "uv-reset", {true, {}}, kCmdUvReset},
+      {"Reflect colours in I", "color-reflect-i", {false, kRegion}, kCmdColorReflect},
+      {"Handles retracted at selected nodes", "handles-zero", {false, kRegion}, kCmdHandles0},
+      {"Handles at right angles", "handles-90", {false, kRegion}, kCmdHandles90},
+      {"Decrease mesh density", "density-down", {true, {}}, kCmdDensityDec},
+      {"Reflect grid direction in I", "dir-flip", {true, {}}, kCmdDirRotate, false, true},
+      {"Rotate grid direction counterclockwise", "dir-rotate-ccw", {true, {}}, kCmdDirRotate, true},
+      {"Even UV coordinates (dumb reset)", "uv-reset-even", {true, {}}, kCmdUvReset, false, true},
   };
   return tour;
 }

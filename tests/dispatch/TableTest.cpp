@@ -30,8 +30,8 @@ TEST(Table, GridHoldsEveryCommandOnceAndNoCellTwice) {
     pictureIds.insert(BtnGetPicID(i));
   }
   EXPECT_EQ(ids.size(), 37u);
-  EXPECT_EQ(*ids.begin(), 131);
-  EXPECT_EQ(*ids.rbegin(), 167);
+  EXPECT_EQ(*ids.begin(), kCmdSetOfPaths);
+  EXPECT_EQ(*ids.rbegin(), kCmdDirRotate);
   EXPECT_EQ(cells.size(), 37u);
   EXPECT_EQ(cells.count({0, 5}), 0u);  // the checkboxes' cell
   EXPECT_EQ(pictures.size(), 37u);
@@ -47,9 +47,9 @@ TEST(Table, RowsAsThePanelPlacesThem) {
     int row, col, id;
     const char* pic;
   };
-  for (const Spot& s : {Spot{0, 0, 0, 131, "IMG_SET_OF_PATHS"}, Spot{9, 2, 1, 140, "IMG_SPLIT"},
-                        Spot{18, 1, 4, 149, "IMG_COLOR_SPREAD"}, Spot{34, 2, 0, 165, "IMG_SEW_0"},
-                        Spot{35, 6, 0, 166, "IMG_UV_RESET"}, Spot{36, 6, 1, 167, "IMG_DIR_ROTATE"}}) {
+  for (const Spot& s : {Spot{0, 0, 0, kCmdSetOfPaths, "IMG_SET_OF_PATHS"}, Spot{9, 2, 1, kCmdSplit, "IMG_SPLIT"},
+                        Spot{18, 1, 4, kCmdColorSpread, "IMG_COLOR_SPREAD"}, Spot{34, 2, 0, kCmdSew0, "IMG_SEW_0"},
+                        Spot{35, 6, 0, kCmdUvReset, "IMG_UV_RESET"}, Spot{36, 6, 1, kCmdDirRotate, "IMG_DIR_ROTATE"}}) {
     SCOPED_TRACE(s.i);
     EXPECT_EQ(gButtonDefs[s.i].row, s.row);
     EXPECT_EQ(gButtonDefs[s.i].column, s.col);
