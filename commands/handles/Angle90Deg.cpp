@@ -131,9 +131,7 @@ int _Angle90Deg(AIArtHandle mesh, long actJ, long actI) {
 }
 
 int Angle90Deg(long actJ, long actI) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) _Angle90Deg(mesh, actJ, actI);
-  return 0;
+  return ForEachMesh([&](AIArtHandle mesh) { _Angle90Deg(mesh, actJ, actI); });
 }
 
 }  // namespace lb::handles

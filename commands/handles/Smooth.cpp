@@ -92,9 +92,7 @@ int _SmoothNodes(AIArtHandle mesh, long alongI, long alongJ, long corners) {
 }
 
 int SmoothNodes(long alongI, long alongJ, long corners) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) _SmoothNodes(mesh, alongI, alongJ, corners);
-  return 0;
+  return ForEachMesh([&](AIArtHandle mesh) { _SmoothNodes(mesh, alongI, alongJ, corners); });
 }
 
 }  // namespace lb::handles

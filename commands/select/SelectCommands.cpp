@@ -50,13 +50,6 @@ void SelectAlong(AIArtHandle mesh, AIMeshSelection sel, int32_t fromI, int32_t f
   });
 }
 
-template <class Worker>
-int ForEachMesh(Worker&& worker) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) worker(mesh);
-  return 0;
-}
-
 }  // namespace
 
 int _Full(AIArtHandle mesh, bool nodesOnly) {
