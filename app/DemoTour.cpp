@@ -2,6 +2,7 @@
 #include "app/DemoTour.h"
 
 #include <cmath>
+
 #include <nlohmann/json.hpp>
 
 #include "LBModule.h"

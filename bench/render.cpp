@@ -1,12 +1,13 @@
 // Rendering a 64 x 64 mesh at 1024 x 1024 pixels, next to cairo's own
 // mesh-pattern fill of the same patches (one cubic per side, the node
 // colours at the corners) as the baseline.
+#include "render/Render.h"
+
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
 #include "host/Document.h"
 #include "host/mesh/GradientMesh.h"
-#include "render/Render.h"
 
 namespace {
 

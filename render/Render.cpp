@@ -1,13 +1,13 @@
 #include "render/Render.h"
 
 #include <cairo.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
-#include <unistd.h>
 
 #include "host/mesh/GradientMesh.h"
 

@@ -1,7 +1,8 @@
+#include "handles/Handles.h"
+
 #include "HostRefs.h"
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "handles/Handles.h"
 
 using lb::s::sMath;
 

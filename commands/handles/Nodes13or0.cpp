@@ -1,8 +1,9 @@
+#include "handles/Handles.h"
+
 #include "HandleGeometry.h"
 #include "HostRefs.h"
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "handles/Handles.h"
 
 using lb::s::sMath;
 

@@ -1,10 +1,11 @@
 // The selection commands: they only read and rewrite the vertex selection
 // of every selected mesh, never geometry or paint.
+#include "select/Select.h"
+
 #include <vector>
 
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "select/Select.h"
 
 using lb::s::sMesh;
 using lb::s::sMeshSelection;

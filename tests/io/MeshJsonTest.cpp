@@ -1,9 +1,9 @@
 // The mesh object of a document file: exact round-trips of the whole
 // structure, the selection rule, and errors naming the offending value.
-#include "support/Engine.h"
-#include "io/MeshJson.h"
-
 #include <functional>
+
+#include "io/MeshJson.h"
+#include "support/Engine.h"
 
 using namespace lbtest;
 using nlohmann::json;

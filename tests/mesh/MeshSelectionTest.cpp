@@ -8,9 +8,9 @@
 
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "support/Session.h"
 #include "color/ColorTransforms.h"
 #include "select/Select.h"
+#include "support/Session.h"
 
 using namespace lbtest;
 

@@ -1,9 +1,9 @@
 // The paint record and its three switches, on real mesh nodes.
 #include <gtest/gtest.h>
 
-#include "support/Session.h"
 #include "HostRefs.h"
 #include "color/ColorOpacity.h"
+#include "support/Session.h"
 
 using namespace lbtest;
 

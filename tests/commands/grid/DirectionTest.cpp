@@ -5,8 +5,8 @@
 
 #include <cstdlib>
 
-#include "support/Session.h"
 #include "render/Render.h"
+#include "support/Session.h"
 
 namespace lbtest {
 namespace {
