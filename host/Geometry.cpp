@@ -1,3 +1,4 @@
+// Cubic Bezier and matrix arithmetic of the document and the math suites.
 #include "host/Geometry.h"
 
 #include <algorithm>

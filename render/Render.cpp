@@ -1,3 +1,4 @@
+// Drawing a document with cairo.
 #include "render/Render.h"
 
 #include <cairo.h>

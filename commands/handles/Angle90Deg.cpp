@@ -1,3 +1,4 @@
+// "Handles 90 deg": turns the handles of selected nodes to right angles.
 #include "handles/Handles.h"
 
 #include "HostRefs.h"

@@ -1,3 +1,4 @@
+// "Handles 1/3" and "Handles 0": handles at one third of their segment, or retracted.
 #include "handles/Handles.h"
 
 #include "HandleGeometry.h"

@@ -1,3 +1,4 @@
+// "Smooth": turns handle pairs of selected vertices and nodes onto one line.
 #include "handles/Handles.h"
 
 #include "HostRefs.h"
