@@ -17,6 +17,7 @@
 #include "host/PanelHost.h"
 #include "io/Lbdoc.h"
 #include "lbwin.h"
+#include "support/MeshRead.h"
 
 namespace {
 
@@ -59,24 +60,8 @@ constexpr int kColorBoxX = 195, kColorBoxY = 10;
 constexpr int kOpacityBoxX = 195, kOpacityBoxY = 28;
 constexpr int kEmptyX = 130, kEmptyY = 240;
 
-// A 2 x 1 mesh, every node selected; node n = i + 3 j carries gray
-// (n + 1) / 7 and opacity 1 - (n + 1) / 14, so that after a command each
-// node tells whose colour and whose opacity it holds.
-std::string MeshDocument() {
-  using nlohmann::json;
-  json nodes = json::array();
-  for (int j = 0; j <= 1; ++j)
-    for (int i = 0; i <= 2; ++i) {
-      const int n = i + 3 * j;
-      nodes.push_back({{"p", {10.0 * i, 10.0 * j}},
-                       {"color", {{"gray", (n + 1) / 7.0}}},
-                       {"opacity", 1.0 - (n + 1) / 14.0},
-                       {"selected", true}});
-    }
-  json mesh = {{"type", "mesh"}, {"size", {2, 1}}, {"selected", true}, {"nodes", nodes}};
-  json doc = {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", {mesh}}}}}};
-  return doc.dump();
-}
+// A 2 x 1 mesh, every node selected, each node's paint naming the node.
+std::string MeshDocument() { return lbtest::DocJson(lbtest::Coded(2, 1, lbtest::Rect(0, 2, 0, 1))).dump(); }
 
 class Panel : public ::testing::Test {
  protected:
@@ -148,17 +133,12 @@ class Panel : public ::testing::Test {
     return out;
   }
 
-  // The mesh as written: whose colour and opacity node (i, j) now holds.
-  nlohmann::json MeshNode(int i, int j) const {
-    auto doc = nlohmann::json::parse(lb::io::writeDocument(host->document()));
-    return doc.at("layers")[0].at("children")[0].at("nodes").at(i + 3 * j);
+  // Whose colour and opacity node (i, j) of the written mesh now holds.
+  lbtest::MeshState Mesh() const {
+    return lbtest::MeshState(lbtest::Children(nlohmann::json::parse(lb::io::writeDocument(host->document())))[0]);
   }
-  int ColorFrom(int i, int j) const {
-    return static_cast<int>(std::lround(MeshNode(i, j).at("color").at("gray").get<double>() * 7)) - 1;
-  }
-  int OpacityFrom(int i, int j) const {
-    return static_cast<int>(std::lround((1.0 - MeshNode(i, j).at("opacity").get<double>()) * 14)) - 1;
-  }
+  int ColorFrom(int i, int j) const { return Mesh().colorFrom(i, j); }
+  int OpacityFrom(int i, int j) const { return Mesh().opacityFrom(i, j); }
 
   std::unique_ptr<lb::host::Host> host;
   HWND hwnd = nullptr;
@@ -471,18 +451,6 @@ TEST_F(Panel, BrightnessChangesSwapTheLogo) {
   host->fireNotifier("AI UI Brightness Changed Notifier");
   ASSERT_EQ(icons.size(), 3u);
   EXPECT_EQ(icons.back(), std::make_pair(240, 240));
-}
-
-TEST_F(Panel, MenuItemShowsAndHidesThePanel) {
-  AIMenuItemHandle item = host->pluginMenuItem();
-  ASSERT_NE(item, nullptr);
-  const bool before = lb::host::currentPanel()->shown;
-  host->sendMenuGo(item);
-  EXPECT_NE(lb::host::currentPanel()->shown, before);
-  host->sendMenuUpdate(item);
-  EXPECT_EQ(host->menuItemChecked(item), lb::host::currentPanel()->shown);
-  host->sendMenuGo(item);
-  EXPECT_EQ(lb::host::currentPanel()->shown, before);
 }
 
 TEST_F(Panel, ShutdownRestoresAndDestroysTheWindow) {

@@ -22,7 +22,6 @@ class ColorOpacityTest : public LinkedTest {
   void TearDown() override {
     a.reset();
     b.reset();
-    EXPECT_TRUE(NoLeaks());
     CColorOpacity::sm_bUseColor = saved[0];
     CColorOpacity::sm_bUseOpacity = saved[1];
     CColorOpacity::sm_bUseAll = saved[2];

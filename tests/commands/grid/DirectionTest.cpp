@@ -113,32 +113,6 @@ TEST_P(EachTurn, PictureStaysTheSame) {
 INSTANTIATE_TEST_SUITE_P(GridDirection, EachTurn, ::testing::ValuesIn(kTurns),
                          [](const ::testing::TestParamInfo<Turn>& info) { return std::string(info.param.name); });
 
-TEST(GridDirection, CornerColourOfAThreeByTwoMeshLandsWhereTheTurnPutsIt) {
-  MeshSpec layout = MeshSpec::Varied();  // 3 x 2
-  const json art = MeshJson(layout);
-  const json corner = art["nodes"][0]["color"];
-  {
-    Session s(DocJson({art}));
-    const MeshContent got = ReadMesh(Children(s.runWritten(kCmdDirRotate, false, false))[0]);
-    EXPECT_EQ(got.I, 2);
-    EXPECT_EQ(got.J, 3);
-    EXPECT_EQ(got.nodes.at({2, 0}).color, corner);
-  }
-  {
-    Session s(DocJson({art}));
-    const MeshContent got = ReadMesh(Children(s.runWritten(kCmdDirRotate, true, false))[0]);
-    EXPECT_EQ(got.nodes.at({0, 3}).color, corner);
-  }
-}
-
-TEST(GridDirection, ReflectingInIMirrorsLinePositions) {
-  MeshSpec layout = MeshSpec::Varied();
-  layout.u = {0, 0.1, 0.3, 1};
-  Session s(DocJson({MeshJson(layout)}));
-  const MeshContent got = ReadMesh(Children(s.runWritten(kCmdDirRotate, false, true))[0]);
-  EXPECT_TRUE(SamePositions(got.u, {0, 0.7, 0.9, 1}, 1e-12));
-}
-
 // Turning back, or reflecting twice, gives the mesh it started from.
 TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
   struct Sequence {

@@ -20,31 +20,104 @@ std::map<Inner, bool> AroundRegion() {
           {{2, 2, 'J'}, false}};  // line i = 2, between j = 2 and 3: outside
 }
 
-// ---- Select all region vertices ------------------------------------------
+// One command on one mesh: the nodes selected afterwards and the selection
+// of some non-node vertices. No selection command ever moves paint.
+struct Case {
+  const char* what;
+  int id;
+  bool alt, ctrl;
+  MeshSpec mesh;
+  NodeSet nodes;
+  std::map<Inner, bool> inner;
+};
 
-TEST(SelectRegion, FillsTheRectangleOfTheSelectionWithNodesAndVertices) {
-  for (bool alt : {false, true})
-    for (bool ctrl : {false, true}) {
-      Session s({Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion())});
-      s.run(kCmdSelRegion, alt, ctrl);
-      const MeshState m = s.mesh(0);
-      EXPECT_EQ(m.selectedNodes(), Rect(1, 3, 1, 2));
-      EXPECT_TRUE(m.innerSel(2, 1, 'J'));
-      EXPECT_TRUE(m.innerSel(1, 1, 'J'));
-      EXPECT_TRUE(m.innerSel(1, 2, 'I'));
-      EXPECT_FALSE(m.innerSel(0, 1, 'J'));
-      EXPECT_FALSE(m.innerSel(3, 1, 'I'));
-      EXPECT_FALSE(m.innerSel(2, 2, 'J'));
-    }
+NodeSet Join(NodeSet a, const NodeSet& b) {
+  a.insert(b.begin(), b.end());
+  return a;
 }
 
-TEST(SelectRegion, LoneVertexGrowsToItsCellSide) {
-  Session s({Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}})});
-  s.run(kCmdSelRegion, false, false);
-  const MeshState m = s.mesh(0);
-  EXPECT_EQ(m.selectedNodes(), (NodeSet{{2, 1}, {2, 2}}));
-  EXPECT_TRUE(m.innerSel(2, 1, 'J'));
-  EXPECT_FALSE(m.innerSel(2, 1, 'I'));
+// Region (1..3, 1..3) of a 4 x 4 mesh; a vertex on row j = 1 between
+// i = 1 and 2, one on column i = 3 between j = 2 and 3, and a selected one
+// inside the ring.
+const MeshSpec kRing =
+    Coded(4, 4, {{1, 1}, {3, 3}, {2, 2}}, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, true}});
+const NodeSet kRingRows = Join(Rect(1, 3, 1, 1), Rect(1, 3, 3, 3)),
+              kRingCols = Join(Rect(1, 1, 1, 3), Rect(3, 3, 1, 3));
+// Node (2, 3) of a 4 x 4 mesh with vertices on its column, on its row and elsewhere.
+const MeshSpec kCross = Coded(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}});
+// I = 3, J = 2; (3, 0) and (1, 2) selected, vertices that shifting never reads.
+const MeshSpec kShift = Coded(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}});
+const std::map<Inner, bool> kShiftInner{{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}};
+const std::map<Inner, bool> kMixed{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
+const std::map<Inner, bool> kAroundFilled{{{2, 1, 'J'}, true},  {{1, 1, 'J'}, true},  {{1, 2, 'I'}, true},
+                                          {{0, 1, 'J'}, false}, {{3, 1, 'I'}, false}, {{2, 2, 'J'}, false}};
+
+const Case kCases[] = {
+    // Select all region vertices: the whole rectangle, whatever the keys.
+    {"region", kCmdSelRegion, false, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
+     kAroundFilled},
+    {"region Alt", kCmdSelRegion, true, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
+     kAroundFilled},
+    {"region Ctrl", kCmdSelRegion, false, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
+     kAroundFilled},
+    {"region Ctrl+Alt", kCmdSelRegion, true, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
+     kAroundFilled},
+    {"a lone vertex grows to its cell side", kCmdSelRegion, false, false,
+     Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}), {{2, 1}, {2, 2}},
+     {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}},
+    // Select region perimeter: the ring, its rows (Alt) or its columns (Ctrl).
+    {"perimeter", kCmdSelPerim, false, false, kRing, Join(kRingRows, kRingCols),
+     {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"perimeter rows", kCmdSelPerim, true, false, kRing, kRingRows,
+     {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, false}}},
+    {"perimeter columns", kCmdSelPerim, false, true, kRing, kRingCols,
+     {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"perimeter Ctrl+Alt", kCmdSelPerim, true, true, kRing, Join(kRingRows, kRingCols),
+     {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"rows of a two-row region leave its column vertices out", kCmdSelPerim, true, false,
+     Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), {{{1, 2, 'I'}, true}, {{2, 1, 'J'}, false},
+     {{1, 1, 'J'}, false}}},
+    {"perimeter of a single node", kCmdSelPerim, false, false, Coded(3, 3, {{2, 1}}), {{2, 1}}, {}},
+    // Select all vertices in selected rows/columns, edge to edge.
+    {"cross", kCmdSelCross, false, false, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)),
+     {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"cross rows", kCmdSelCross, true, false, kCross, Rect(0, 4, 3, 3),
+     {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"cross columns", kCmdSelCross, false, true, kCross, Rect(2, 2, 0, 4),
+     {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}}},
+    {"cross Ctrl+Alt", kCmdSelCross, true, true, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)),
+     {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"a selected vertex marks only its own row", kCmdSelCross, false, true, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), {},
+     {{{0, 1, 'I'}, false}}},
+    {"a selected vertex's row", kCmdSelCross, false, false, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), Rect(0, 3, 1, 1),
+     {{{0, 1, 'I'}, true}}},
+    {"rows between selected rows stay out", kCmdSelCross, true, false, Coded(2, 3, {{0, 0}, {2, 2}}),
+     Join(Rect(0, 2, 0, 0), Rect(0, 2, 2, 2)), {}},
+    // Shift selected nodes: wraps within each line in all four directions.
+    {"shift I", kCmdSelShift, false, false, kShift, {{0, 0}, {2, 2}}, kShiftInner},
+    {"shift I'", kCmdSelShift, true, false, kShift, {{2, 0}, {0, 2}}, kShiftInner},
+    {"shift J", kCmdSelShift, false, true, kShift, {{3, 1}, {1, 0}}, kShiftInner},
+    {"shift J'", kCmdSelShift, true, true, kShift, {{3, 2}, {1, 1}}, kShiftInner},
+    // Select nodes / vertices: keeps one kind, only ever deselects.
+    {"nodes only", kCmdSel, false, false, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {{0, 0}, {2, 2}},
+     {{{0, 0, 'I'}, false}, {{1, 0, 'J'}, false}, {{1, 1, 'I'}, false}}},
+    {"vertices only", kCmdSel, true, false, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {}, kMixed},
+};
+
+TEST(SelectCommands, EveryCase) {
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.what);
+    Session s(c.mesh);
+    s.run(c.id, c.alt, c.ctrl);
+    const MeshState m = s.mesh(0);
+    EXPECT_EQ(m.selectedNodes(), c.nodes);
+    for (const auto& [key, selected] : c.inner) {
+      const auto [i, j, axis] = key;
+      EXPECT_EQ(m.innerSel(i, j, axis), selected) << "vertex on run " << axis << " from (" << i << ", " << j << ")";
+    }
+    for (int j = 0; j <= m.J; ++j)
+      for (int i = 0; i <= m.I; ++i) EXPECT_EQ(m.colorFrom(i, j), m.nodeNo(i, j)) << "paint moved";
+  }
 }
 
 TEST(SelectRegion, EmptySelectionStaysEmptyAndWholeMeshStaysWhole) {
@@ -69,130 +142,6 @@ TEST(SelectRegion, MeshStaysSelectedSoTheNextCommandStillSeesIt) {
   EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(2, 3, 1, 2));
 }
 
-// ---- Select region perimeter --------------------------------------------
-
-TEST(SelectPerimeter, RingRowsOnlyOrColumnsOnly) {
-  struct Case {
-    bool alt, ctrl;
-    NodeSet nodes;
-    bool rowVertex, columnVertex;
-  };
-  // Region (1..3, 1..3) of a 4 x 4 mesh; a vertex on row j = 1 between
-  // i = 1 and 2 and one on column i = 3 between j = 2 and 3.
-  NodeSet ring, rows, cols;
-  for (int k = 1; k <= 3; ++k) {
-    rows.insert({k, 1}), rows.insert({k, 3});
-    cols.insert({1, k}), cols.insert({3, k});
-  }
-  ring = rows;
-  ring.insert(cols.begin(), cols.end());
-  const Case cases[] = {{false, false, ring, true, true},
-                        {true, false, rows, true, false},
-                        {false, true, cols, false, true},
-                        {true, true, ring, true, true}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << "alt " << c.alt << " ctrl " << c.ctrl);
-    Session s({Coded(4, 4, {{1, 1}, {3, 3}, {2, 2}}, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, true}})});
-    s.run(kCmdSelPerim, c.alt, c.ctrl);
-    const MeshState m = s.mesh(0);
-    EXPECT_EQ(m.selectedNodes(), c.nodes);
-    EXPECT_EQ(m.innerSel(1, 1, 'I'), c.rowVertex);
-    EXPECT_EQ(m.innerSel(3, 2, 'J'), c.columnVertex);
-    EXPECT_FALSE(m.innerSel(2, 1, 'J'));  // inside the ring: deselected
-  }
-}
-
-TEST(SelectPerimeter, RowsOfATwoRowRegionLeaveItsColumnVerticesOut) {
-  Session s({Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion())});
-  s.run(kCmdSelPerim, true, false);
-  const MeshState m = s.mesh(0);
-  EXPECT_EQ(m.selectedNodes(), Rect(1, 3, 1, 2));
-  EXPECT_TRUE(m.innerSel(1, 2, 'I'));
-  EXPECT_FALSE(m.innerSel(2, 1, 'J'));
-  EXPECT_FALSE(m.innerSel(1, 1, 'J'));
-}
-
-TEST(SelectPerimeter, SingleNodeStaysAlone) {
-  Session s({Coded(3, 3, {{2, 1}})});
-  s.run(kCmdSelPerim, false, false);
-  EXPECT_EQ(s.mesh(0).selectedNodes(), (NodeSet{{2, 1}}));
-}
-
-// ---- Select all vertices in selected rows/columns ------------------------
-
-TEST(SelectCross, WholeRowAndColumnThroughASelectedNode) {
-  struct Case {
-    bool alt, ctrl, row, column;
-  };
-  for (const Case c : {Case{false, false, true, true}, Case{true, false, true, false},
-                       Case{false, true, false, true}, Case{true, true, true, true}}) {
-    SCOPED_TRACE(testing::Message() << "alt " << c.alt << " ctrl " << c.ctrl);
-    Session s({Coded(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}})});
-    s.run(kCmdSelCross, c.alt, c.ctrl);
-    const MeshState m = s.mesh(0);
-    NodeSet want;
-    for (int k = 0; k <= 4; ++k) {
-      if (c.row) want.insert({k, 3});
-      if (c.column) want.insert({2, k});
-    }
-    EXPECT_EQ(m.selectedNodes(), want);
-    EXPECT_EQ(m.innerSel(2, 0, 'J'), c.column);  // edge to edge, outside the region
-    EXPECT_EQ(m.innerSel(0, 3, 'I'), c.row);
-    EXPECT_FALSE(m.innerSel(1, 1, 'I'));
-  }
-}
-
-TEST(SelectCross, SelectedVertexMarksOnlyItsOwnLine) {
-  // A vertex on row j = 1 between i = 0 and 1: with columns only nothing
-  // is left; with rows, that whole row.
-  {
-    Session cols({Coded(3, 2, {}, {{{0, 1, 'I'}, true}})});
-    cols.run(kCmdSelCross, false, true);
-    EXPECT_TRUE(cols.mesh(0).selectedNodes().empty());
-    EXPECT_FALSE(cols.mesh(0).innerSel(0, 1, 'I'));
-  }
-  Session rows({Coded(3, 2, {}, {{{0, 1, 'I'}, true}})});
-  rows.run(kCmdSelCross, false, false);
-  EXPECT_EQ(rows.mesh(0).selectedNodes(), Rect(0, 3, 1, 1));
-  EXPECT_TRUE(rows.mesh(0).innerSel(0, 1, 'I'));
-}
-
-TEST(SelectCross, RowsBetweenSelectedRowsStayOut) {
-  // Nodes on rows 0 and 2 only: row 1 lies in the region but is unmarked.
-  Session s({Coded(2, 3, {{0, 0}, {2, 2}})});
-  s.run(kCmdSelCross, true, false);
-  NodeSet want = Rect(0, 2, 0, 0);
-  for (const Node& n : Rect(0, 2, 2, 2)) want.insert(n);
-  EXPECT_EQ(s.mesh(0).selectedNodes(), want);
-}
-
-// ---- Shift selected nodes ------------------------------------------------
-
-TEST(ShiftSelection, WrapsWithinEachLineInAllFourDirections) {
-  struct Case {
-    bool alt, ctrl;
-    NodeSet want;
-  };
-  // I = 3, J = 2; (3, 0) and (1, 2) selected.
-  const Case cases[] = {{false, false, {{0, 0}, {2, 2}}},
-                        {true, false, {{2, 0}, {0, 2}}},
-                        {false, true, {{3, 1}, {1, 0}}},
-                        {true, true, {{3, 2}, {1, 1}}}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << "alt " << c.alt << " ctrl " << c.ctrl);
-    Session s({Coded(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}})});
-    s.run(kCmdSelShift, c.alt, c.ctrl);
-    const MeshState m = s.mesh(0);
-    EXPECT_EQ(m.selectedNodes(), c.want);
-    // Non-node vertices are neither read nor changed.
-    EXPECT_TRUE(m.innerSel(0, 0, 'I'));
-    EXPECT_FALSE(m.innerSel(1, 1, 'J'));
-    // Paint never moves.
-    for (int j = 0; j <= 2; ++j)
-      for (int i = 0; i <= 3; ++i) EXPECT_EQ(m.colorFrom(i, j), m.nodeNo(i, j));
-  }
-}
-
 TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
   const NodeSet start{{0, 1}, {1, 1}, {2, 1}, {1, 0}};
   Session s({Coded(2, 2, start)});
@@ -200,27 +149,6 @@ TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
   EXPECT_EQ(s.mesh(0).selectedNodes(), (NodeSet{{0, 1}, {1, 1}, {2, 1}, {2, 0}}));
   s.run(kCmdSelShift, true, false);
   EXPECT_EQ(s.mesh(0).selectedNodes(), start);
-}
-
-// ---- Select nodes / vertices ---------------------------------------------
-
-TEST(SelectNodesOrVertices, KeepsOneKindAndOnlyEverDeselects) {
-  const std::map<Inner, bool> inner{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
-  {
-    Session nodes({Coded(2, 2, {{0, 0}, {2, 2}}, inner)});
-    nodes.run(kCmdSel, false, false);
-    EXPECT_EQ(nodes.mesh(0).selectedNodes(), (NodeSet{{0, 0}, {2, 2}}));
-    EXPECT_FALSE(nodes.mesh(0).innerSel(0, 0, 'I'));
-    EXPECT_FALSE(nodes.mesh(0).innerSel(1, 0, 'J'));
-    EXPECT_FALSE(nodes.mesh(0).innerSel(1, 1, 'I'));
-  }
-
-  Session verts({Coded(2, 2, {{0, 0}, {2, 2}}, inner)});
-  verts.run(kCmdSel, true, false);
-  EXPECT_TRUE(verts.mesh(0).selectedNodes().empty());
-  EXPECT_TRUE(verts.mesh(0).innerSel(0, 0, 'I'));
-  EXPECT_TRUE(verts.mesh(0).innerSel(1, 0, 'J'));
-  EXPECT_FALSE(verts.mesh(0).innerSel(1, 1, 'I'));
 }
 
 TEST(SelectNodesOrVertices, InvertTwiceRestoresAndCtrlAltDoesNothing) {
@@ -239,8 +167,6 @@ TEST(SelectNodesOrVertices, InvertTwiceRestoresAndCtrlAltDoesNothing) {
   s.run(kCmdSel, true, true);
   EXPECT_EQ(s.mesh(0).selectedNodes(), (NodeSet{{0, 0}, {1, 1}}));
 }
-
-// ---- Several meshes ---------------------------------------------------------
 
 TEST(SelectSeveralMeshes, EachSelectedMeshUsesItsOwnRegionAndOthersAreLeftAlone) {
   MeshSpec off = Coded(2, 2, {});
