@@ -1,3 +1,4 @@
+// Parsing `--command ID[+alt][+ctrl]` arguments and keeping their order.
 #include "app/CommandArg.h"
 
 #include <cctype>

@@ -1,3 +1,4 @@
+// Rendering a document to PNG for the command line and the demo.
 #include "app/RenderBridge.h"
 
 #include "render/Render.h"

@@ -1,21 +1,19 @@
 // The `latticebender` command line: run, info, render, panel, demo.
-#include <CLI/CLI.hpp>
-#include <unistd.h>
-
 #include <cstdio>
 #include <iostream>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include "app/CommandArg.h"
 #include "app/DemoTour.h"
 #include "app/PanelSnapshot.h"
 #include "app/RenderBridge.h"
 #include "host/Host.h"
-#include "io/Lbdoc.h"
-
 #include "io/Describe.h"
+#include "io/Lbdoc.h"
 
 namespace {
 using lb::app::CommandArg;

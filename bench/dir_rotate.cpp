@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "LBModule.h"
 #include "host/Document.h"
 #include "host/Host.h"
 #include "io/Lbdoc.h"
@@ -53,7 +54,7 @@ void BM_RotateClockwise128WithKnots(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   lb::host::Host host(lb::io::readDocument(MeshDocument(n)));
   host.loadPlugin();
-  for (auto _ : state) host.runCommand(167, false, false);
+  for (auto _ : state) host.runCommand(kCmdDirRotate, false, false);
   state.SetItemsProcessed(state.iterations() * (n + 1) * (n + 1));
   state.SetLabel("nodes per second");
 }
@@ -63,7 +64,7 @@ void BM_SmartReset128WithKnots(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   lb::host::Host host(lb::io::readDocument(MeshDocument(n)));
   host.loadPlugin();
-  for (auto _ : state) host.runCommand(166, false, false);
+  for (auto _ : state) host.runCommand(kCmdUvReset, false, false);
   state.SetItemsProcessed(state.iterations() * (n + 1) * (n + 1));
 }
 BENCHMARK(BM_SmartReset128WithKnots)->Arg(128)->Unit(benchmark::kMillisecond);

@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "LBModule.h"
 #include "host/Document.h"
 #include "host/Host.h"
 #include "io/Lbdoc.h"
@@ -18,8 +19,6 @@ namespace {
 
 using nlohmann::json;
 
-constexpr int kDensityInc = 162;
-constexpr int kDensityDec = 163;
 
 // A whole-selected n x n mesh on a gently warped grid with straight runs
 // and varying opacity.
@@ -53,9 +52,9 @@ void RunDensity(benchmark::State& state, int n, int id, bool alt, int wantI, int
   host.shutdownPlugin();
 }
 
-void BM_DensityDouble128BothAxes(benchmark::State& state) { RunDensity(state, 128, kDensityInc, false, 256, 256); }
-void BM_DensityDouble128AlongI(benchmark::State& state) { RunDensity(state, 128, kDensityInc, true, 256, 128); }
-void BM_DensityHalve256BothAxes(benchmark::State& state) { RunDensity(state, 256, kDensityDec, false, 128, 128); }
+void BM_DensityDouble128BothAxes(benchmark::State& state) { RunDensity(state, 128, kCmdDensityInc, false, 256, 256); }
+void BM_DensityDouble128AlongI(benchmark::State& state) { RunDensity(state, 128, kCmdDensityInc, true, 256, 128); }
+void BM_DensityHalve256BothAxes(benchmark::State& state) { RunDensity(state, 256, kCmdDensityDec, false, 128, 128); }
 
 BENCHMARK(BM_DensityDouble128BothAxes)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_DensityDouble128AlongI)->Unit(benchmark::kMillisecond)->Iterations(3);

@@ -2,6 +2,8 @@
 // mesh-pattern fill of the same patches (one cubic per side, the node
 // colours at the corners) as the baseline; and writing the picture as PNG,
 // next to cairo's own PNG writer.
+#include "render/Render.h"
+
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
@@ -12,7 +14,6 @@
 #include "host/Document.h"
 #include "host/mesh/GradientMesh.h"
 #include "render/Png.h"
-#include "render/Render.h"
 
 namespace {
 

@@ -3,7 +3,11 @@
 // per node, which must stay flat from 64 x 64 to 256 x 256 cells.
 #include <benchmark/benchmark.h>
 
-#include "tests/select_color/MeshDoc.h"
+#include "LBModule.h"
+#include "host/Document.h"
+#include "host/Host.h"
+#include "io/Lbdoc.h"
+#include "support/MeshSpec.h"
 
 namespace {
 
@@ -14,19 +18,20 @@ struct Cmd {
 };
 
 const Cmd kCommands[] = {
-    {"SelectNodesOnly", 160, false, false},  {"SelectRegion", 150, false, false},
-    {"SelectPerimeter", 151, false, false},  {"SelectRowsColumns", 155, false, false},
-    {"ShiftSelection", 156, false, false},   {"ReflectColors", 137, false, false},
-    {"RotateColors", 138, false, false},     {"ShiftColors", 136, false, false},
-    {"SpreadColors", 149, false, false},
+    {"SelectNodesOnly", kCmdSel, false, false},
+    {"SelectRegion", kCmdSelRegion, false, false},
+    {"SelectPerimeter", kCmdSelPerim, false, false},
+    {"SelectRowsColumns", kCmdSelCross, false, false},
+    {"ShiftSelection", kCmdSelShift, false, false},
+    {"ReflectColors", kCmdColorReflect, false, false},
+    {"RotateColors", kCmdColorRotate, false, false},
+    {"ShiftColors", kCmdColorShift, false, false},
+    {"SpreadColors", kCmdColorSpread, false, false},
 };
 
 void RunCommand(benchmark::State& state, Cmd cmd) {
   const int n = static_cast<int>(state.range(0));
-  sctest::MeshPlan plan;
-  plan.I = plan.J = n;
-  plan.whole = true;
-  lb::host::Host host(lb::io::readDocument(sctest::DocText({plan})));
+  lb::host::Host host(lb::io::readDocument(lbtest::DocJson(lbtest::CodedWhole(n, n)).dump()));
   host.loadPlugin();
   ArtObject* mesh = host.document().layers()[0]->children[0].get();
   for (auto _ : state) {

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "LBModule.h"
+
 struct SButtonDef {
   int32_t row;          // grid row, 0 at the top
   int32_t column;       // grid column, 0 at the left

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "AITypes.h"
+#include "LBModule.h"
 
 // Runs command `id` as a button release does: frame suites and the host's
 // application context around RunLBFunc. Returns the code of the pop.

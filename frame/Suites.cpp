@@ -58,35 +58,38 @@ AIErr ReleaseTable(const SSuiteInit* table, unsigned count) {
   return kNoErr;
 }
 
+// Both levels nest: only the outermost acquire walks its tables, only the
+// matching outermost release gives them back.
+template <class Count, class Walk>
+AIErr NestedAcquire(Count& count, Walk&& walk) {
+  if (count++ > 0) return kNoErr;
+  return walk();
+}
+template <class Count, class Walk>
+AIErr NestedRelease(Count& count, Walk&& walk) {
+  if (count-- != 1) return kNoErr;
+  return walk();
+}
+
 constexpr unsigned kFrameCount = sizeof(gFrameSuites) / sizeof(gFrameSuites[0]);
+
+// The frame level: the frame's table, then the panel's.
+AIErr WalkFrameLevel(AIErr (*walk)(const SSuiteInit*, unsigned)) {
+  AIErr err = walk(gFrameSuites, kFrameCount);
+  if (err) return err;
+  const SSuiteInit* panel = nullptr;
+  unsigned panelCount = 0;
+  PanelGetSuites(&panel, &panelCount);
+  return walk(panel, panelCount);
+}
 }  // namespace
 
 AIErr AcquireSuites() {
-  if (gAcquireCount > 0) {
-    ++gAcquireCount;
-    return kNoErr;
-  }
-  ++gAcquireCount;
-  AIErr err = AcquireTable(gFrameSuites, kFrameCount);
-  if (err) return err;
-  const SSuiteInit* panel = nullptr;
-  unsigned panelCount = 0;
-  PanelGetSuites(&panel, &panelCount);
-  return AcquireTable(panel, panelCount);
+  return NestedAcquire(gAcquireCount, [] { return WalkFrameLevel(AcquireTable); });
 }
 
 AIErr ReleaseSuites() {
-  if (gAcquireCount != 1) {
-    --gAcquireCount;
-    return kNoErr;
-  }
-  --gAcquireCount;
-  AIErr err = ReleaseTable(gFrameSuites, kFrameCount);
-  if (err) return err;
-  const SSuiteInit* panel = nullptr;
-  unsigned panelCount = 0;
-  PanelGetSuites(&panel, &panelCount);
-  return ReleaseTable(panel, panelCount);
+  return NestedRelease(gAcquireCount, [] { return WalkFrameLevel(ReleaseTable); });
 }
 
 namespace lb::s {
@@ -112,43 +115,33 @@ const AIMatchingArtSuite* sAIMatchingArt = nullptr;
 
 namespace {
 const SSuiteInit gSuites[] = {
-    {"AI Real Math Suite", 3, Dest(&sMath)},
-    {"AI Art Suite", 17, Dest(&sArt)},
-    {"AI Path Suite", 11, Dest(&sPath)},
-    {"AI Path Style Suite", 13, Dest(&sPathStyle)},
-    {"AI Art Style Suite", 7, Dest(&sArtStyle)},
-    {"AI Blend Style Suite", 5, Dest(&sBlendStyle)},
-    {"AI Mesh Suite", 6, Dest(&sMesh)},
-    {"AI Mesh Hit Suite", 3, Dest(&sMeshHit)},
-    {"AI Mesh Selection Suite", 3, Dest(&sMeshSelection)},
-    {"AI Mesh Patch Suite", 3, Dest(&sMeshPatchIterator)},
-    {"AI Mesh Vertex Suite", 4, Dest(&sMeshVertexIterator)},
-    {"AI Mesh Segment Suite", 3, Dest(&sMeshSegmentIterator)},
-    {"AI Real Bezier Suite", 4, Dest(&sBezier)},
-    {"AI Random Suite", 5, Dest(&sRandom)},
-    {"AI Raster Suite", 10, Dest(&sRaster)},
-    {"AI Placed Suite", 8, Dest(&sPlaced)},
-    {"AI MdMemory Suite", 3, Dest(&sMdMemory)},
-    {"AI Matching Art Suite", 7, Dest(&sAIMatchingArt)},
+    {kAIRealMathSuite, kAIRealMathSuiteVersion, Dest(&sMath)},
+    {kAIArtSuite, kAIArtSuiteVersion, Dest(&sArt)},
+    {kAIPathSuite, kAIPathSuiteVersion, Dest(&sPath)},
+    {kAIPathStyleSuite, kAIPathStyleSuiteVersion, Dest(&sPathStyle)},
+    {kAIArtStyleSuite, kAIArtStyleSuiteVersion, Dest(&sArtStyle)},
+    {kAIBlendStyleSuite, kAIBlendStyleSuiteVersion, Dest(&sBlendStyle)},
+    {kAIMeshSuite, kAIMeshSuiteVersion, Dest(&sMesh)},
+    {kAIMeshHitSuite, kAIMeshHitSuiteVersion, Dest(&sMeshHit)},
+    {kAIMeshSelectionSuite, kAIMeshSelectionSuiteVersion, Dest(&sMeshSelection)},
+    {kAIMeshPatchIteratorSuite, kAIMeshPatchIteratorSuiteVersion, Dest(&sMeshPatchIterator)},
+    {kAIMeshVertexIteratorSuite, kAIMeshVertexIteratorSuiteVersion, Dest(&sMeshVertexIterator)},
+    {kAIMeshSegmentIteratorSuite, kAIMeshSegmentIteratorSuiteVersion, Dest(&sMeshSegmentIterator)},
+    {kAIRealBezierSuite, kAIRealBezierSuiteVersion, Dest(&sBezier)},
+    {kAIRandomSuite, kAIRandomSuiteVersion, Dest(&sRandom)},
+    {kAIRasterSuite, kAIRasterSuiteVersion, Dest(&sRaster)},
+    {kAIPlacedSuite, kAIPlacedSuiteVersion, Dest(&sPlaced)},
+    {kAIMdMemorySuite, kAIMdMemorySuiteVersion, Dest(&sMdMemory)},
+    {kAIMatchingArtSuite, kAIMatchingArtSuiteVersion, Dest(&sAIMatchingArt)},
 };
 constexpr unsigned kCount = sizeof(gSuites) / sizeof(gSuites[0]);
 }  // namespace
 
 AIErr AcquireSuites() {
-  if (gAcquireCount > 0) {
-    ++gAcquireCount;
-    return kNoErr;
-  }
-  ++gAcquireCount;
-  return AcquireTable(gSuites, kCount);
+  return NestedAcquire(gAcquireCount, [] { return AcquireTable(gSuites, kCount); });
 }
 
 AIErr ReleaseSuites() {
-  if (gAcquireCount != 1) {
-    --gAcquireCount;
-    return kNoErr;
-  }
-  --gAcquireCount;
-  return ReleaseTable(gSuites, kCount);
+  return NestedRelease(gAcquireCount, [] { return ReleaseTable(gSuites, kCount); });
 }
 }  // namespace lb::s

@@ -1,3 +1,4 @@
+// The `info` summary of a document: layers, art and meshes.
 #include "io/Describe.h"
 
 #include <cstdio>

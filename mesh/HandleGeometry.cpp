@@ -1,3 +1,4 @@
+// Handle geometry shared by the commands: third handles and smooth flags.
 #include "HandleGeometry.h"
 
 #include "HostRefs.h"

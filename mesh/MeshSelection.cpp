@@ -1,3 +1,4 @@
+// The selected meshes, the selected sides and corners, and the selection region.
 #include "MeshSelection.h"
 
 #include <algorithm>

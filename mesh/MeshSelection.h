@@ -33,6 +33,16 @@ class SelectedMeshList {
   int32_t m_nCount = 0;
 };
 
+// Runs worker(mesh) on every selected mesh, topmost first. A worker gives
+// up on its own mesh (catching the host error) and the walk goes on with
+// the next one. Returns 0, the public commands' result.
+template <class Worker>
+int ForEachMesh(Worker&& worker) {
+  SelectedMeshList meshes;
+  for (AIArtHandle mesh : meshes) worker(mesh);
+  return 0;
+}
+
 // Raw query: all art of type mesh with the selected attribute set. On
 // success the caller owns *meshes (null when nothing matched) and disposes
 // it through the memory suite.

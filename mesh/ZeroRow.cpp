@@ -1,3 +1,4 @@
+// The zero-width border row test.
 #include "ZeroRow.h"
 
 #include <vector>

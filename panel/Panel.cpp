@@ -56,8 +56,10 @@ constexpr int kStripArea = 150;
 constexpr COLORREF kStripColor = 0xE1FFFF;
 
 // Commands whose buttons are outlined while a checkbox is hovered.
-constexpr int kColorLinkedIds[] = {136, 137, 138, 139, 158, 149, 154, 141};
-constexpr int kOpacityLinkedIds[] = {136, 137, 138, 139, 158, 149, 154};
+constexpr int kColorLinkedIds[] = {kCmdColorShift,   kCmdColorReflect, kCmdColorRotate,  kCmdColorClone,
+                                   kCmdColorCapture, kCmdColorSpread,  kCmdColorPattern, kCmdOneCellMesh};
+constexpr int kOpacityLinkedIds[] = {kCmdColorShift,   kCmdColorReflect, kCmdColorRotate, kCmdColorClone,
+                                     kCmdColorCapture, kCmdColorSpread,  kCmdColorPattern};
 
 ZS_COLOR Color(unsigned char r, unsigned char g, unsigned char b, unsigned char a = 255) {
   return ZS_COLOR{b, g, r, a};

@@ -1,3 +1,4 @@
+// The panel's picture buttons and checkboxes: drawing, hit tests and states.
 #include "ZC_Button.h"
 
 int ZC_Button::SetDimentions(int x, int y, int w, int h) {

@@ -1,9 +1,11 @@
+// Drawing a document with cairo.
 #include "render/Render.h"
 
 
 
 
 #include <cairo.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -11,7 +13,6 @@
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
-#include <unistd.h>
 
 #include "host/mesh/GradientMesh.h"
 #include "render/Png.h"

@@ -1,3 +1,4 @@
+// Reading and writing the paint of one mesh vertex under the three switches.
 #include "color/ColorOpacity.h"
 
 #include "Suites.h"

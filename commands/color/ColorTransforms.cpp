@@ -67,13 +67,6 @@ class Worker {
   SelectionRef m_sel;
 };
 
-template <class F>
-int ForEachMesh(F&& worker) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) worker(mesh);
-  return 0;
-}
-
 }  // namespace
 
 int _Flip(AIArtHandle mesh, AIMeshAxis axis) {

@@ -1,8 +1,6 @@
 // "Increase mesh density" and "Decrease mesh density": double or halve the
 // number of cells inside the rectangle spanned by the selected nodes, with
 // border zero-width rows kept out of the range, then select the new range.
-#include <algorithm>
-
 #include "HostRefs.h"
 #include "MeshSelection.h"
 #include "Operations.h"
@@ -22,24 +20,11 @@ struct DensRange {
 
 // Fixes the range of one mesh. Returns false when it has no cell on either
 // axis (the mesh is then left alone).
-bool GetDensRange(AIArtHandle mesh, AIMeshSelection selection, int32_t I, int32_t J, DensRange& r) {
-  const auto* sel = lb::s::sMeshSelection;
-  if (sel->IsFull(selection)) {
-    r.minI = 0, r.maxI = I, r.minJ = 0, r.maxJ = J;
-  } else {
-    r.minI = I, r.maxI = 0, r.minJ = J, r.maxJ = 0;
-    VertexRef node;
-    for (int32_t i = 0; i <= I; ++i) {
-      for (int32_t j = 0; j <= J; ++j) {
-        ThrowIfErr(lb::s::sMesh->GetNode(mesh, i, j, node.put()));
-        if (!sel->ContainsVertex(selection, node)) continue;
-        r.minI = std::min(r.minI, i);
-        r.maxI = std::max(r.maxI, i);
-        r.minJ = std::min(r.minJ, j);
-        r.maxJ = std::max(r.maxJ, j);
-      }
-    }
-  }
+// A host failure is thrown as an int.
+bool GetDensRange(AIArtHandle mesh, int32_t I, int32_t J, DensRange& r) {
+  CMeshRegion reg;  // the selected nodes' rectangle
+  if (reg.GetMeshReg(mesh) != 0) throw static_cast<int>(kCantHappenErr);
+  r.minI = reg.m_nMinI, r.maxI = reg.m_nMaxI, r.minJ = reg.m_nMinJ, r.maxJ = reg.m_nMaxJ;
   r.selMinI = r.minI, r.selMaxI = r.maxI, r.selMinJ = r.minJ, r.selMaxJ = r.maxJ;
 
   // Border zero-width rows stay out: they are neither split nor merged.
@@ -92,10 +77,7 @@ int _Mul(AIArtHandle mesh, int alongI, int alongJ) {
     int32_t I = 0, J = 0;
     ThrowIfErr(lb::s::sMesh->GetSize(mesh, &I, &J));
     DensRange r{};
-    {
-      SelectionRef selection = GetSelectionRef(mesh);
-      if (!GetDensRange(mesh, selection, I, J, r)) return 1;
-    }
+    if (!GetDensRange(mesh, I, J, r)) return 1;
 
     // New nodes take the mean opacity of their neighbours, whatever the
     // panel's checkboxes say; their colours stay as the insertion made them.
@@ -128,22 +110,16 @@ int _Mul(AIArtHandle mesh, int alongI, int alongJ) {
 }
 
 int Mul(long alongI, long alongJ) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) _Mul(mesh, alongI ? 1 : 0, alongJ ? 1 : 0);
-  return 0;
+  return ForEachMesh([&](AIArtHandle mesh) { _Mul(mesh, alongI ? 1 : 0, alongJ ? 1 : 0); });
 }
 
 int Div(long alongI, long alongJ) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) {
+  return ForEachMesh([&](AIArtHandle mesh) {
     try {
       int32_t I = 0, J = 0;
       ThrowIfErr(lb::s::sMesh->GetSize(mesh, &I, &J));
       DensRange r{};
-      {
-        SelectionRef selection = GetSelectionRef(mesh);
-        if (!GetDensRange(mesh, selection, I, J, r)) continue;
-      }
+      if (!GetDensRange(mesh, I, J, r)) return;
       // Each deletion moves the later lines down by one, so deleting at
       // min + 1, min + 2, ... removes every second line of the original
       // range; the range's bounding lines stay.
@@ -161,8 +137,7 @@ int Div(long alongI, long alongJ) {
     } catch (int) {
       // The lines already changed stay; go on with the next mesh.
     }
-  }
-  return 0;
+  });
 }
 
 }  // namespace lb::dens

@@ -149,8 +149,7 @@ int CalcLinePositions(ArtObject* mesh, int axis, std::vector<double>& positions)
 }
 
 int ResetLinear() {
-  SelectedMeshList meshes;
-  for (ArtObject* old : meshes) {
+  return ForEachMesh([](AIArtHandle old) {
     try {
       int32_t cellsI = 0, cellsJ = 0;
       ThrowIfErr(sMesh->GetSize(old, &cellsI, &cellsJ));
@@ -160,13 +159,11 @@ int ResetLinear() {
     } catch (int) {
       // This mesh stays as far as it got; go on with the next one.
     }
-  }
-  return 0;
+  });
 }
 
 int ResetRelative() {
-  SelectedMeshList meshes;
-  for (ArtObject* old : meshes) {
+  return ForEachMesh([](AIArtHandle old) {
     try {
       int32_t cellsI = 0, cellsJ = 0;
       ThrowIfErr(sMesh->GetSize(old, &cellsI, &cellsJ));
@@ -182,8 +179,7 @@ int ResetRelative() {
       FinishRebuild(old, mesh, {0, 0, 0, 1, 0, 0, cellsI, cellsJ});
     } catch (int) {
     }
-  }
-  return 0;
+  });
 }
 
 }  // namespace lb::uv
@@ -243,15 +239,11 @@ int _MeshDirectionRotate(ArtObject* old, int clockwise) {
 }
 
 int Flip(AIMeshAxis axis) {
-  SelectedMeshList meshes;
-  for (ArtObject* mesh : meshes) _MeshDirectionFlip(mesh, axis);
-  return 0;
+  return ForEachMesh([&](AIArtHandle mesh) { _MeshDirectionFlip(mesh, axis); });
 }
 
 int Rotate(int clockwise) {
-  SelectedMeshList meshes;
-  for (ArtObject* mesh : meshes) _MeshDirectionRotate(mesh, clockwise);
-  return 0;
+  return ForEachMesh([&](AIArtHandle mesh) { _MeshDirectionRotate(mesh, clockwise); });
 }
 
 }  // namespace lb::dir

@@ -1,7 +1,9 @@
+// "Handles 90 deg": turns the handles of selected nodes to right angles.
+#include "handles/Handles.h"
+
 #include "HostRefs.h"
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "handles/Handles.h"
 
 using lb::s::sMath;
 
@@ -131,9 +133,7 @@ int _Angle90Deg(AIArtHandle mesh, long actJ, long actI) {
 }
 
 int Angle90Deg(long actJ, long actI) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) _Angle90Deg(mesh, actJ, actI);
-  return 0;
+  return ForEachMesh([&](AIArtHandle mesh) { _Angle90Deg(mesh, actJ, actI); });
 }
 
 }  // namespace lb::handles

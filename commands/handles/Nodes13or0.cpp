@@ -1,8 +1,10 @@
+// "Handles 1/3" and "Handles 0": handles at one third of their segment, or retracted.
+#include "handles/Handles.h"
+
 #include "HandleGeometry.h"
 #include "HostRefs.h"
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "handles/Handles.h"
 
 using lb::s::sMath;
 
@@ -139,14 +141,12 @@ int _Nodes0(AIArtHandle mesh, long between, long alongI, long alongJ) {
 
 int Nodes13or0(long zero, long between, long alongI, long alongJ) {
   if (zero != 0 && zero != 1) return 0;
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) {
+  return ForEachMesh([&](AIArtHandle mesh) {
     if (zero == 0)
       _Nodes13(mesh, between, alongI, alongJ);
     else
       _Nodes0(mesh, between, alongI, alongJ);
-  }
-  return 0;
+  });
 }
 
 }  // namespace lb::handles

@@ -1,7 +1,9 @@
+// "Smooth": turns handle pairs of selected vertices and nodes onto one line.
+#include "handles/Handles.h"
+
 #include "HostRefs.h"
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "handles/Handles.h"
 
 using lb::s::sMath;
 
@@ -92,9 +94,7 @@ int _SmoothNodes(AIArtHandle mesh, long alongI, long alongJ, long corners) {
 }
 
 int SmoothNodes(long alongI, long alongJ, long corners) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) _SmoothNodes(mesh, alongI, alongJ, corners);
-  return 0;
+  return ForEachMesh([&](AIArtHandle mesh) { _SmoothNodes(mesh, alongI, alongJ, corners); });
 }
 
 }  // namespace lb::handles

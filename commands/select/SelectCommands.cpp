@@ -1,10 +1,11 @@
 // The selection commands: they only read and rewrite the vertex selection
 // of every selected mesh, never geometry or paint.
+#include "select/Select.h"
+
 #include <vector>
 
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "select/Select.h"
 
 using lb::s::sMesh;
 using lb::s::sMeshSelection;
@@ -48,13 +49,6 @@ void SelectAlong(AIArtHandle mesh, AIMeshSelection sel, int32_t fromI, int32_t f
     if (nodesOnly && !sMeshVertexIterator->IsNode(v)) return;
     sMeshSelection->SelectVertex(sel, v, true);
   });
-}
-
-template <class Worker>
-int ForEachMesh(Worker&& worker) {
-  SelectedMeshList meshes;
-  for (AIArtHandle mesh : meshes) worker(mesh);
-  return 0;
 }
 
 }  // namespace

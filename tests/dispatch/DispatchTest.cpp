@@ -19,56 +19,56 @@ struct Row {
 
 // clang-format off
 const std::map<int, Row> kExpected = {
-  {131, {{"MakeMeshGrid(0,0)", "MakeMeshGrid(0,1)", "MakeMeshGrid(1,0)", "MakeMeshDotsGroup()"}}},
-  {132, {{"MakeMeshCornerNodesAndCoords(0)", "MakeMeshCornerNodesAndCoords(1)",
+  {kCmdSetOfPaths, {{"MakeMeshGrid(0,0)", "MakeMeshGrid(0,1)", "MakeMeshGrid(1,0)", "MakeMeshDotsGroup()"}}},
+  {kCmdAxesAndNodes, {{"MakeMeshCornerNodesAndCoords(0)", "MakeMeshCornerNodesAndCoords(1)",
           "MakeMeshCornerNodesAndCoords(2)", "MakeMeshCornerNodesAndCoords(0)"}}},
-  {133, {{"MeshSwapCornerNodeAndVertex()", "MeshSwapCornerNodeAndVertex()",
+  {kCmdMoveCornerNode, {{"MeshSwapCornerNodeAndVertex()", "MeshSwapCornerNodeAndVertex()",
           "MeshSwapCornerNodeAndVertex()", "MeshSwapCornerNodeAndVertex()"}}},
-  {134, {{"KnotsSplit()", "KnotsDel(1)", "KnotsDel(0)", ""}}},
-  {135, {{"MeshSegmentsJoin()", "VerticesDel(1)", "VerticesDel(0)", ""}}},
-  {136, {{"color::Shift(0,0)", "color::Shift(0,1)", "color::Shift(1,0)", "color::Shift(1,1)"}}},
-  {137, {{"color::Flip(0)", "color::Flip(0)", "color::Flip(1)", "color::Flip(1)"}}},
-  {138, {{"color::Rotate(1)", "color::Rotate(0)", "", ""}}},
-  {139, {{"color::Copy(0,0)", "color::Copy(1,0)", "color::Copy(0,1)", "color::Copy(1,1)"}}},
-  {140, {{"MeshCutter()", "MeshCutter()", "MeshCutter()", "MeshCutter()"}}},
-  {141, {{"MakeMeshFromPath(0)", "MakeMeshFromPath(1)", "MakeMeshFromPath(0)", "MakeMeshFromPath(1)"}}},
-  {142, {{"MakeMeshGridForBrush(0)", "MakeMeshGridForBrush(1)", "MakeMeshGridForBrush(0)",
+  {kCmdKnotsToVertices, {{"KnotsSplit()", "KnotsDel(1)", "KnotsDel(0)", ""}}},
+  {kCmdVerticesToKnots, {{"MeshSegmentsJoin()", "VerticesDel(1)", "VerticesDel(0)", ""}}},
+  {kCmdColorShift, {{"color::Shift(0,0)", "color::Shift(0,1)", "color::Shift(1,0)", "color::Shift(1,1)"}}},
+  {kCmdColorReflect, {{"color::Flip(0)", "color::Flip(0)", "color::Flip(1)", "color::Flip(1)"}}},
+  {kCmdColorRotate, {{"color::Rotate(1)", "color::Rotate(0)", "", ""}}},
+  {kCmdColorClone, {{"color::Copy(0,0)", "color::Copy(1,0)", "color::Copy(0,1)", "color::Copy(1,1)"}}},
+  {kCmdSplit, {{"MeshCutter()", "MeshCutter()", "MeshCutter()", "MeshCutter()"}}},
+  {kCmdOneCellMesh, {{"MakeMeshFromPath(0)", "MakeMeshFromPath(1)", "MakeMeshFromPath(0)", "MakeMeshFromPath(1)"}}},
+  {kCmdBmgCreate, {{"MakeMeshGridForBrush(0)", "MakeMeshGridForBrush(1)", "MakeMeshGridForBrush(0)",
           "MakeMeshGridForBrush(1)"}}},
-  {143, {{"MakeMeshFromBrushGrid(0)", "MakeMeshFromBrushGrid(1)", "MakeMeshFromBrushGrid(0)",
+  {kCmdBmgToMesh, {{"MakeMeshFromBrushGrid(0)", "MakeMeshFromBrushGrid(1)", "MakeMeshFromBrushGrid(0)",
           "MakeMeshFromBrushGrid(1)"}}},
-  {144, {{"handles::SmoothNodes(1,1,0)", "handles::SmoothNodes(1,0,0)", "handles::SmoothNodes(0,1,0)",
+  {kCmdHandlesSmooth, {{"handles::SmoothNodes(1,1,0)", "handles::SmoothNodes(1,0,0)", "handles::SmoothNodes(0,1,0)",
           "handles::SmoothNodes(0,0,1)"}}},
-  {145, {{"handles::Nodes13or0(0,0,0,0)", "handles::Nodes13or0(0,1,1,0)",
+  {kCmdHandles1_3, {{"handles::Nodes13or0(0,0,0,0)", "handles::Nodes13or0(0,1,1,0)",
           "handles::Nodes13or0(0,1,0,1)", "handles::Nodes13or0(0,1,1,1)"}}},
-  {146, {{"handles::Nodes13or0(1,0,0,0)", "handles::Nodes13or0(1,1,1,0)",
+  {kCmdHandles0, {{"handles::Nodes13or0(1,0,0,0)", "handles::Nodes13or0(1,1,1,0)",
           "handles::Nodes13or0(1,1,0,1)", "handles::Nodes13or0(1,1,1,1)"}}},
-  {147, {{"align::NodesAlign(1,0)", "align::NodesAlign(1,1)", "align::NodesAlign(1,2)", ""}}},
-  {148, {{"align::NodesAlign(0,0)", "align::NodesAlign(0,1)", "align::NodesAlign(0,2)", ""}}},
-  {149, {{"color::Spread(0,0)", "color::Spread(0,1)", "color::Spread(1,0)", "color::Spread(1,1)"}}},
-  {150, {{"sel::Full(0)", "sel::Full(0)", "sel::Full(0)", "sel::Full(0)"}}},
-  {151, {{"sel::Perim(1,1,0)", "sel::Perim(1,0,0)", "sel::Perim(0,1,0)", "sel::Perim(1,1,0)"}}},
-  {152, {{"MeshAddTwo(0,0,0)", "MeshAddTwo(1,0,0)", "MeshAddTwo(0,1,0)", "MeshAddTwo(1,1,0)"}}},
-  {153, {{"MeshAddTwo(0,0,1)", "MeshAddTwo(1,0,1)", "MeshAddTwo(0,1,1)", "MeshAddTwo(1,1,1)"}}},
-  {154, {{"color::Pattern(0,0)", "color::Pattern(1,0)", "color::Pattern(0,1)", "color::Pattern(0,0)"}}},
-  {155, {{"sel::Cross(1,1,0)", "sel::Cross(1,0,0)", "sel::Cross(0,1,0)", "sel::Cross(1,1,0)"}}},
-  {156, {{"sel::Shift(1,0)", "sel::Shift(-1,0)", "sel::Shift(0,1)", "sel::Shift(0,-1)"}}},
-  {157, {{"align::NodesSpreadAlongPath(0,1,0)", "align::NodesSpreadAlongPath(1,1,0)",
+  {kCmdAlignHor, {{"align::NodesAlign(1,0)", "align::NodesAlign(1,1)", "align::NodesAlign(1,2)", ""}}},
+  {kCmdAlignVert, {{"align::NodesAlign(0,0)", "align::NodesAlign(0,1)", "align::NodesAlign(0,2)", ""}}},
+  {kCmdColorSpread, {{"color::Spread(0,0)", "color::Spread(0,1)", "color::Spread(1,0)", "color::Spread(1,1)"}}},
+  {kCmdSelRegion, {{"sel::Full(0)", "sel::Full(0)", "sel::Full(0)", "sel::Full(0)"}}},
+  {kCmdSelPerim, {{"sel::Perim(1,1,0)", "sel::Perim(1,0,0)", "sel::Perim(0,1,0)", "sel::Perim(1,1,0)"}}},
+  {kCmdSewMeshMove, {{"MeshAddTwo(0,0,0)", "MeshAddTwo(1,0,0)", "MeshAddTwo(0,1,0)", "MeshAddTwo(1,1,0)"}}},
+  {kCmdSewMeshAdd, {{"MeshAddTwo(0,0,1)", "MeshAddTwo(1,0,1)", "MeshAddTwo(0,1,1)", "MeshAddTwo(1,1,1)"}}},
+  {kCmdColorPattern, {{"color::Pattern(0,0)", "color::Pattern(1,0)", "color::Pattern(0,1)", "color::Pattern(0,0)"}}},
+  {kCmdSelCross, {{"sel::Cross(1,1,0)", "sel::Cross(1,0,0)", "sel::Cross(0,1,0)", "sel::Cross(1,1,0)"}}},
+  {kCmdSelShift, {{"sel::Shift(1,0)", "sel::Shift(-1,0)", "sel::Shift(0,1)", "sel::Shift(0,-1)"}}},
+  {kCmdAlignPath, {{"align::NodesSpreadAlongPath(0,1,0)", "align::NodesSpreadAlongPath(1,1,0)",
           "align::NodesSpreadAlongPath(0,1,1)", "align::NodesSpreadAlongPath(1,1,1)"}}},
-  {158, {{"color::CatchFromRaster(1)", "color::CatchFromMeshSurface(1)", "color::CatchFromRaster(0)",
+  {kCmdColorCapture, {{"color::CatchFromRaster(1)", "color::CatchFromMeshSurface(1)", "color::CatchFromRaster(0)",
           "color::CatchFromMeshSurface(0)"}}},
-  {159, {{"handles::Angle90Deg(1,1)", "handles::Angle90Deg(1,0)", "handles::Angle90Deg(0,1)",
+  {kCmdHandles90, {{"handles::Angle90Deg(1,1)", "handles::Angle90Deg(1,0)", "handles::Angle90Deg(0,1)",
           "align::Turn180()"}}},
-  {160, {{"sel::Nodes(0)", "sel::Nodes(1)", "sel::Nodes(2)", ""}}},
-  {161, {{"MeshAddMany(0)", "MeshAddMany(0)", "MeshAddMany(0)", "MeshAddMany(0)"}}},
-  {162, {{"dens::Mul(1,1)", "dens::Mul(1,0)", "dens::Mul(0,1)", ""}}},
-  {163, {{"dens::Div(1,1)", "dens::Div(1,0)", "dens::Div(0,1)", ""}}},
-  {164, {{"AddRowFromPath(0,0)", "AddRowFromPath(1,0)", "AddRowFromPath(0,1)", "AddRowFromPath(1,1)"}}},
-  {165, {{"AddZeroRow()", "", "DelZeroRow(0)", "DelZeroRow(1)"}}},
-  {166, {{"uv::ResetRelative()", "uv::ResetRelative()", "uv::ResetLinear()", "uv::ResetLinear()"}}},
-  {167, {{"dir::Rotate(1)", "dir::Rotate(0)", "dir::Flip(0)", "dir::Flip(1)"}}},
-  {168, {{"", "", "", ""}}},
-  {169, {{"debug::AlertUVs()", "debug::AlertUVs()", "debug::AlertUVs()", "debug::AlertUVs()"}}},
-  {170, {{"SewPathesNew()", "SewPathesNew()", "SewPathesNew()", "SewPathesNew()"}}},
+  {kCmdSel, {{"sel::Nodes(0)", "sel::Nodes(1)", "sel::Nodes(2)", ""}}},
+  {kCmdSewDocked, {{"MeshAddMany(0)", "MeshAddMany(0)", "MeshAddMany(0)", "MeshAddMany(0)"}}},
+  {kCmdDensityInc, {{"dens::Mul(1,1)", "dens::Mul(1,0)", "dens::Mul(0,1)", ""}}},
+  {kCmdDensityDec, {{"dens::Div(1,1)", "dens::Div(1,0)", "dens::Div(0,1)", ""}}},
+  {kCmdSewPath, {{"AddRowFromPath(0,0)", "AddRowFromPath(1,0)", "AddRowFromPath(0,1)", "AddRowFromPath(1,1)"}}},
+  {kCmdSew0, {{"AddZeroRow()", "", "DelZeroRow(0)", "DelZeroRow(1)"}}},
+  {kCmdUvReset, {{"uv::ResetRelative()", "uv::ResetRelative()", "uv::ResetLinear()", "uv::ResetLinear()"}}},
+  {kCmdDirRotate, {{"dir::Rotate(1)", "dir::Rotate(0)", "dir::Flip(0)", "dir::Flip(1)"}}},
+  {kCmdNone168, {{"", "", "", ""}}},
+  {kCmdDebugUVs, {{"debug::AlertUVs()", "debug::AlertUVs()", "debug::AlertUVs()", "debug::AlertUVs()"}}},
+  {kCmdSewPathsReport, {{"SewPathesNew()", "SewPathesNew()", "SewPathesNew()", "SewPathesNew()"}}},
 };
 // clang-format on
 
@@ -89,7 +89,7 @@ class Dispatch : public ::testing::Test {
 };
 
 TEST_F(Dispatch, EveryIdAndModifierPairRunsTheRightOperation) {
-  for (int id = 130; id <= 171; ++id) {
+  for (int id = kCmdFirst - 1; id <= kCmdLast + 1; ++id) {
     for (int mods = 0; mods < 4; ++mods) {
       const bool alt = mods & 1, ctrl = mods & 2;
       SCOPED_TRACE("id " + std::to_string(id) + " alt " + std::to_string(alt) + " ctrl " +
@@ -118,7 +118,7 @@ TEST_F(Dispatch, SwitchesAreSetBeforeTheOperationRuns) {
       CColorOpacity::sm_bUseOpacity = !opacity;
       CColorOpacity::sm_bUseAll = 0;
       fake::calls.clear();
-      RunLBFunc(136, false, false, color, opacity);
+      RunLBFunc(kCmdColorShift, false, false, color, opacity);
       ASSERT_EQ(fake::calls.size(), 1u);
       EXPECT_EQ(fake::calls[0].useColor, color);
       EXPECT_EQ(fake::calls[0].useOpacity, opacity);
@@ -128,7 +128,7 @@ TEST_F(Dispatch, SwitchesAreSetBeforeTheOperationRuns) {
 }
 
 TEST_F(Dispatch, IdsThatRunNothingStillRecordTheSwitchesAndCycleTheSuites) {
-  for (int id : {130, 168, 171}) {
+  for (int id : {kCmdFirst - 1, int(kCmdNone168), kCmdLast + 1}) {
     CColorOpacity::sm_bUseColor = 1;
     CColorOpacity::sm_bUseOpacity = 1;
     fake::host.acquireLog.clear();
@@ -144,7 +144,7 @@ TEST_F(Dispatch, IdsThatRunNothingStillRecordTheSwitchesAndCycleTheSuites) {
 
 TEST_F(Dispatch, AFailedContextPushRunsNothingAndReleasesTheFrameSuites) {
   fake::host.pushError = AIFourCC("CTX!");
-  EXPECT_EQ(BtnsRunLbFunc(150, false, false, true, true), AIFourCC("CTX!"));
+  EXPECT_EQ(BtnsRunLbFunc(kCmdSelRegion, false, false, true, true), AIFourCC("CTX!"));
   EXPECT_TRUE(fake::calls.empty());
   EXPECT_EQ(fake::host.pushes, 1);
 }
@@ -152,7 +152,7 @@ TEST_F(Dispatch, AFailedContextPushRunsNothingAndReleasesTheFrameSuites) {
 TEST_F(Dispatch, CommandSuitesNestInsideAnOuterAcquisition) {
   lb::s::AcquireSuites();
   const size_t walked = fake::host.acquireLog.size();
-  RunLBFunc(150, false, false, true, true);
+  RunLBFunc(kCmdSelRegion, false, false, true, true);
   EXPECT_EQ(fake::host.acquireLog.size(), walked);  // no second walk
   EXPECT_EQ(lb::s::gAcquireCount, 1);
   EXPECT_NE(lb::s::sMesh, nullptr);  // still held by the outer level

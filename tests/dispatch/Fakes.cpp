@@ -1,3 +1,4 @@
+// Tests: the recording fakes of operations, panel and host suites.
 #include "Fakes.h"
 
 // The fake suites fill in only the members the frame calls.

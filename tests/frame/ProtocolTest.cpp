@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "AIFrameSuites.h"
+#include "LBModule.h"
 #include "host/Host.h"
 
 namespace {
@@ -186,7 +187,7 @@ TEST(Commands, RunThroughTheScriptingEntryWithoutLeaks) {
   const Counters before = host.counters();
   // Hidden id 168 and ids outside the table run nothing but still go
   // through both acquisition levels and the application context.
-  for (int id : {130, 168, 171, -1, 1000}) {
+  for (int id : {kCmdFirst - 1, int(kCmdNone168), kCmdLast + 1, -1, 1000}) {
     for (int mods = 0; mods < 4; ++mods) {
       EXPECT_EQ(host.runCommand(id, mods & 1, mods & 2), kNoErr) << id;
       EXPECT_EQ(host.counters(), before) << id;
@@ -199,7 +200,7 @@ TEST(Commands, AContextSuiteFailureRunsNothing) {
   host.loadPlugin();
   const Counters before = host.counters();
   host.failSuiteAcquisition("AI Context Suite");
-  EXPECT_NE(host.runCommand(150, false, false), kNoErr);
+  EXPECT_NE(host.runCommand(kCmdSelRegion, false, false), kNoErr);
   host.failSuiteAcquisition("");
   EXPECT_EQ(host.counters(), before);
 }

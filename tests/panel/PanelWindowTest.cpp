@@ -11,11 +11,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "LBModule.h"
 #include "host/Document.h"
 #include "host/Host.h"
 #include "host/PanelHost.h"
 #include "io/Lbdoc.h"
 #include "lbwin.h"
+#include "support/MeshRead.h"
 
 namespace {
 
@@ -28,13 +30,19 @@ constexpr COLORREF kBlack = RGB(0, 0, 0);
 
 // Command ids by grid place (row, column).
 const std::map<int, std::pair<int, int>> kGrid = {
-    {131, {0, 0}}, {132, {0, 1}}, {133, {0, 2}}, {134, {0, 3}}, {135, {0, 4}},
-    {136, {1, 0}}, {137, {1, 1}}, {138, {1, 2}}, {139, {1, 3}}, {149, {1, 4}}, {154, {1, 5}},
-    {165, {2, 0}}, {140, {2, 1}}, {141, {2, 2}}, {142, {2, 3}}, {143, {2, 4}}, {158, {2, 5}},
-    {144, {3, 0}}, {159, {3, 1}}, {145, {3, 2}}, {146, {3, 3}}, {147, {3, 4}}, {148, {3, 5}},
-    {160, {4, 0}}, {150, {4, 1}}, {151, {4, 2}}, {155, {4, 3}}, {156, {4, 4}}, {157, {4, 5}},
-    {152, {5, 0}}, {153, {5, 1}}, {161, {5, 2}}, {164, {5, 3}}, {162, {5, 4}}, {163, {5, 5}},
-    {166, {6, 0}}, {167, {6, 1}}};
+    {kCmdSetOfPaths, {0, 0}},      {kCmdAxesAndNodes, {0, 1}},    {kCmdMoveCornerNode, {0, 2}},
+    {kCmdKnotsToVertices, {0, 3}}, {kCmdVerticesToKnots, {0, 4}}, {kCmdColorShift, {1, 0}},
+    {kCmdColorReflect, {1, 1}},    {kCmdColorRotate, {1, 2}},     {kCmdColorClone, {1, 3}},
+    {kCmdColorSpread, {1, 4}},     {kCmdColorPattern, {1, 5}},    {kCmdSew0, {2, 0}},
+    {kCmdSplit, {2, 1}},           {kCmdOneCellMesh, {2, 2}},     {kCmdBmgCreate, {2, 3}},
+    {kCmdBmgToMesh, {2, 4}},       {kCmdColorCapture, {2, 5}},    {kCmdHandlesSmooth, {3, 0}},
+    {kCmdHandles90, {3, 1}},       {kCmdHandles1_3, {3, 2}},      {kCmdHandles0, {3, 3}},
+    {kCmdAlignHor, {3, 4}},        {kCmdAlignVert, {3, 5}},       {kCmdSel, {4, 0}},
+    {kCmdSelRegion, {4, 1}},       {kCmdSelPerim, {4, 2}},        {kCmdSelCross, {4, 3}},
+    {kCmdSelShift, {4, 4}},        {kCmdAlignPath, {4, 5}},       {kCmdSewMeshMove, {5, 0}},
+    {kCmdSewMeshAdd, {5, 1}},      {kCmdSewDocked, {5, 2}},       {kCmdSewPath, {5, 3}},
+    {kCmdDensityInc, {5, 4}},      {kCmdDensityDec, {5, 5}},      {kCmdUvReset, {6, 0}},
+    {kCmdDirRotate, {6, 1}}};
 
 struct Rect {
   int x, y, w, h;
@@ -44,8 +52,6 @@ Rect ButtonRect(int id) {
   return Rect{col * 37 + 3, row * 37 + 3, 36, 36};
 }
 
-constexpr int kShiftColors = 136;
-constexpr int kReflectColors = 137;
 // Centres of the shift-colours and reflect-colours buttons.
 constexpr int kShiftX = 21, kShiftY = 58;
 constexpr int kReflectX = 58, kReflectY = 58;
@@ -54,24 +60,8 @@ constexpr int kColorBoxX = 195, kColorBoxY = 10;
 constexpr int kOpacityBoxX = 195, kOpacityBoxY = 28;
 constexpr int kEmptyX = 130, kEmptyY = 240;
 
-// A 2 x 1 mesh, every node selected; node n = i + 3 j carries gray
-// (n + 1) / 7 and opacity 1 - (n + 1) / 14, so that after a command each
-// node tells whose colour and whose opacity it holds.
-std::string MeshDocument() {
-  using nlohmann::json;
-  json nodes = json::array();
-  for (int j = 0; j <= 1; ++j)
-    for (int i = 0; i <= 2; ++i) {
-      const int n = i + 3 * j;
-      nodes.push_back({{"p", {10.0 * i, 10.0 * j}},
-                       {"color", {{"gray", (n + 1) / 7.0}}},
-                       {"opacity", 1.0 - (n + 1) / 14.0},
-                       {"selected", true}});
-    }
-  json mesh = {{"type", "mesh"}, {"size", {2, 1}}, {"selected", true}, {"nodes", nodes}};
-  json doc = {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", {mesh}}}}}};
-  return doc.dump();
-}
+// A 2 x 1 mesh, every node selected, each node's paint naming the node.
+std::string MeshDocument() { return lbtest::DocJson(lbtest::Coded(2, 1, lbtest::Rect(0, 2, 0, 1))).dump(); }
 
 class Panel : public ::testing::Test {
  protected:
@@ -143,17 +133,12 @@ class Panel : public ::testing::Test {
     return out;
   }
 
-  // The mesh as written: whose colour and opacity node (i, j) now holds.
-  nlohmann::json MeshNode(int i, int j) const {
-    auto doc = nlohmann::json::parse(lb::io::writeDocument(host->document()));
-    return doc.at("layers")[0].at("children")[0].at("nodes").at(i + 3 * j);
+  // Whose colour and opacity node (i, j) of the written mesh now holds.
+  lbtest::MeshState Mesh() const {
+    return lbtest::MeshState(lbtest::Children(nlohmann::json::parse(lb::io::writeDocument(host->document())))[0]);
   }
-  int ColorFrom(int i, int j) const {
-    return static_cast<int>(std::lround(MeshNode(i, j).at("color").at("gray").get<double>() * 7)) - 1;
-  }
-  int OpacityFrom(int i, int j) const {
-    return static_cast<int>(std::lround((1.0 - MeshNode(i, j).at("opacity").get<double>()) * 14)) - 1;
-  }
+  int ColorFrom(int i, int j) const { return Mesh().colorFrom(i, j); }
+  int OpacityFrom(int i, int j) const { return Mesh().opacityFrom(i, j); }
 
   std::unique_ptr<lb::host::Host> host;
   HWND hwnd = nullptr;
@@ -312,10 +297,14 @@ TEST_F(Panel, TheStripIsRedrawnOnlyWhenItsTextChanges) {
 
 TEST_F(Panel, CheckboxHoverOutlinesTheButtonsItAffects) {
   Move(kColorBoxX, kColorBoxY);
-  EXPECT_EQ(BlueButtons(), (std::set<int>{136, 137, 138, 139, 149, 154, 158, 141}));
+  const std::set<int> opacityLinked{kCmdColorShift,  kCmdColorReflect, kCmdColorRotate, kCmdColorClone,
+                                    kCmdColorSpread, kCmdColorPattern, kCmdColorCapture};
+  std::set<int> colorLinked = opacityLinked;
+  colorLinked.insert(kCmdOneCellMesh);
+  EXPECT_EQ(BlueButtons(), colorLinked);
   Move(kOpacityBoxX, kOpacityBoxY);
-  EXPECT_EQ(BlueButtons(), (std::set<int>{136, 137, 138, 139, 149, 154, 158}));
-  EXPECT_TRUE(Framed(141, kWhite, kShadow));
+  EXPECT_EQ(BlueButtons(), opacityLinked);
+  EXPECT_TRUE(Framed(kCmdOneCellMesh, kWhite, kShadow));
   Move(kShiftX, kShiftY);
   EXPECT_TRUE(BlueButtons().empty());
   Move(kColorBoxX, kColorBoxY);
@@ -349,14 +338,14 @@ TEST_F(Panel, LeavingClearsOutlinesAndRestoresTheVersion) {
 
 TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   Down(kShiftX, kShiftY);
-  EXPECT_TRUE(Framed(kShiftColors, kShadow, kWhite));
+  EXPECT_TRUE(Framed(kCmdColorShift, kShadow, kWhite));
   EXPECT_EQ(GetCapture(), hwnd);
   Move(kEmptyX, kEmptyY, MK_LBUTTON);
-  EXPECT_TRUE(Framed(kShiftColors, kWhite, kShadow));
+  EXPECT_TRUE(Framed(kCmdColorShift, kWhite, kShadow));
   Move(kShiftX, kShiftY, MK_LBUTTON);
-  EXPECT_TRUE(Framed(kShiftColors, kShadow, kWhite));
+  EXPECT_TRUE(Framed(kCmdColorShift, kShadow, kWhite));
   Move(kShiftX, kShiftY, 0);  // the button is no longer held
-  EXPECT_TRUE(Framed(kShiftColors, kWhite, kShadow));
+  EXPECT_TRUE(Framed(kCmdColorShift, kWhite, kShadow));
   Up(kEmptyX, kEmptyY);
   EXPECT_EQ(GetCapture(), nullptr);
 }
@@ -384,7 +373,7 @@ TEST_F(Panel, ReleaseAfterLeavingAndReturningRunsTheCommand) {
   Move(kShiftX + 3, kShiftY - 3, MK_LBUTTON);
   Up(kShiftX + 3, kShiftY - 3);
   EXPECT_EQ(ColorFrom(0, 0), 2);  // shifted along I: (0, 0) takes (2, 0)'s colour
-  EXPECT_TRUE(Framed(kShiftColors, kWhite, kShadow));
+  EXPECT_TRUE(Framed(kCmdColorShift, kWhite, kShadow));
 }
 
 TEST_F(Panel, CheckboxTogglesOnPressAndTheNextCommandSeesIt) {
@@ -462,18 +451,6 @@ TEST_F(Panel, BrightnessChangesSwapTheLogo) {
   host->fireNotifier("AI UI Brightness Changed Notifier");
   ASSERT_EQ(icons.size(), 3u);
   EXPECT_EQ(icons.back(), std::make_pair(240, 240));
-}
-
-TEST_F(Panel, MenuItemShowsAndHidesThePanel) {
-  AIMenuItemHandle item = host->pluginMenuItem();
-  ASSERT_NE(item, nullptr);
-  const bool before = lb::host::currentPanel()->shown;
-  host->sendMenuGo(item);
-  EXPECT_NE(lb::host::currentPanel()->shown, before);
-  host->sendMenuUpdate(item);
-  EXPECT_EQ(host->menuItemChecked(item), lb::host::currentPanel()->shown);
-  host->sendMenuGo(item);
-  EXPECT_EQ(lb::host::currentPanel()->shown, before);
 }
 
 TEST_F(Panel, ShutdownRestoresAndDestroysTheWindow) {

@@ -3,64 +3,30 @@
 // failure path with host calls made to fail on purpose.
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "HandleGeometry.h"
-#include "HdDoc.h"
 #include "HostRefs.h"
-#include "Suites.h"
 #include "ZeroRow.h"
 #include "handles/Handles.h"
-#include "host/SuiteRegistry.h"
+#include "support/Engine.h"
 
 namespace lb::dens {
 int _Mul(AIArtHandle mesh, int alongI, int alongJ);
 }
 
-namespace hdtest {
+namespace lbtest {
 namespace {
 
-template <class T>
-const T* Find(const char* name, int32_t version) {
-  return static_cast<const T*>(lb::host::findSuite(name, version));
+constexpr double kTol = 1e-9;
+using lb::host::GradientMesh;
+
+// The default mesh of these tests: 2 x 2 cells of 30 x 24.
+MeshSpec Cells30x24() {
+  MeshSpec d;
+  d.dx = 30, d.dy = 24;
+  return d;
 }
 
-class DirectTest : public ::testing::Test {
- protected:
-  void Load(const json& doc) {
-    host.reset();
-    host = std::make_unique<lb::host::Host>(lb::io::readDocument(doc.dump()));
-    mesh = *Find<AIMeshSuite>(kAIMeshSuite, kAIMeshSuiteVersion);
-    vertex = *Find<AIMeshVertexIteratorSuite>(kAIMeshVertexIteratorSuite, kAIMeshVertexIteratorSuiteVersion);
-    lb::s::sMesh = &mesh;
-    lb::s::sMeshVertexIterator = &vertex;
-    lb::s::sMeshSegmentIterator =
-        Find<AIMeshSegmentIteratorSuite>(kAIMeshSegmentIteratorSuite, kAIMeshSegmentIteratorSuiteVersion);
-    lb::s::sMeshSelection = Find<AIMeshSelectionSuite>(kAIMeshSelectionSuite, kAIMeshSelectionSuiteVersion);
-    lb::s::sMath = Find<AIRealMathSuite>(kAIRealMathSuite, kAIRealMathSuiteVersion);
-    lb::s::sBezier = Find<AIRealBezierSuite>(kAIRealBezierSuite, kAIRealBezierSuiteVersion);
-    ASSERT_NE(lb::s::sMath, nullptr);
-    ASSERT_NE(lb::s::sBezier, nullptr);
-    before = host->counters();
-  }
-  void Load(const MeshDoc& d) { Load(MakeDoc({d.toJson()})); }
-  void TearDown() override {
-    lb::s::sMesh = nullptr;
-    lb::s::sMeshVertexIterator = nullptr;
-    lb::s::sMeshSegmentIterator = nullptr;
-    lb::s::sMeshSelection = nullptr;
-    lb::s::sMath = nullptr;
-    lb::s::sBezier = nullptr;
-    host.reset();
-  }
-  AIArtHandle Art() { return host->document().findById("m"); }
-  bool NoLeaks() const { return host->counters() == before; }
-
-  std::unique_ptr<lb::host::Host> host;
-  AIMeshSuite mesh{};  // editable copies of the host's tables
-  AIMeshVertexIteratorSuite vertex{};
-  lb::host::Counters before;
-};
+using DirectTest = LinkedTest;
 
 AIPathSegment Seg(double h, double v) {
   AIPathSegment s{};
@@ -69,7 +35,7 @@ AIPathSegment Seg(double h, double v) {
 }
 
 TEST_F(DirectTest, StraightPathPiecesGetSinglePrecisionThirds) {
-  Load(MakeDoc({}));
+  Load(DocJson(std::vector<json>{}));
   const double t = 0.3333333432674408;
   AIPathSegment s[3] = {Seg(0, 0), Seg(30, 0), Seg(90, 0)};
   ZF_AIPathSegment_0h_to_0p33h(s, 3, 0);
@@ -91,7 +57,7 @@ TEST_F(DirectTest, StraightPathPiecesGetSinglePrecisionThirds) {
 }
 
 TEST_F(DirectTest, PathCornerFlagsFollowTheHandleLine) {
-  Load(MakeDoc({}));
+  Load(DocJson(std::vector<json>{}));
   // In-handles straight down; out-handles up, bent by the given angle.
   const double bends[] = {0, 1e-3, 1e-6};
   AIPathSegment s[5];
@@ -110,39 +76,37 @@ TEST_F(DirectTest, PathCornerFlagsFollowTheHandleLine) {
 }
 
 TEST_F(DirectTest, MeshSmoothCheckUsesItsToleranceAndSkipsMissingAxes) {
-  MeshDoc d;
-  d.smoothAll = true;
+  MeshSpec d = Cells30x24();
+  d.smooth = Smooth::All;
   d.handle[{1, 1, IF}] = Polar(d.P(1, 1), 5, 1e-4);           // within 0.000152587890625
   d.handle[{1, 1, JF}] = Polar(d.P(1, 1), 5, kPi / 2 + 3e-4);  // beyond it
   d.handle[{0, 1, IF}] = Polar(d.P(0, 1), 5, 0.7);            // no I-backward partner
   Load(d);
-  ZF_MeshNodes_CheckSmooth(Art());
-  const GradientMesh& m = *Art()->mesh;
-  EXPECT_TRUE(Smooth(m, 1, 1, IF));
-  EXPECT_FALSE(Smooth(m, 1, 1, JF));
-  EXPECT_TRUE(Smooth(m, 0, 1, IF));
-  EXPECT_TRUE(NoLeaks());
+  ZF_MeshNodes_CheckSmooth(Mesh(0));
+  const GradientMesh& m = *Mesh(0)->mesh;
+  EXPECT_TRUE(SmoothAt(m, 1, 1, IF));
+  EXPECT_FALSE(SmoothAt(m, 1, 1, JF));
+  EXPECT_TRUE(SmoothAt(m, 0, 1, IF));
 }
 
 TEST_F(DirectTest, ZeroRowWalkCrossesNonNodeVertices) {
-  MeshDoc d;
+  MeshSpec d = Cells30x24();
   d.I = 1, d.J = 2, d.dx = d.dy = 10;
   d.moved[{0, 1}] = d.P(0, 0);
   d.moved[{1, 1}] = d.P(1, 0);
-  d.innerVertex[{1, 0, 0}] = false;  // a vertex on the collapsed run up from (0, 0)
+  d.inner[{0, 0, 'J'}] = false;  // a vertex on the collapsed run up from (0, 0)
   Load(d);
   const int want[] = {1, 0, 0, 0};
-  for (int side = 0; side < 4; ++side) EXPECT_EQ(IsSideHas0Row(Art(), side), want[side]) << side;
-  EXPECT_EQ(IsSideHas0Row(Art(), 4), 0);
+  for (int side = 0; side < 4; ++side) EXPECT_EQ(IsSideHas0Row(Mesh(0), side), want[side]) << side;
+  EXPECT_EQ(IsSideHas0Row(Mesh(0), 4), 0);
   // The same run bulging out to the vertex and back: the ends coincide,
   // but the chain through the vertex has length.
-  json art = d.toJson();
+  json art = MeshJson(d);
   for (auto& run : art["runs"])
     if (run["axis"] == "J" && run["node"] == json::array({0, 0}))
       for (int k : {2, 3, 4}) run["points"][k] = {-1, 0};
-  Load(MakeDoc({art}));
-  EXPECT_EQ(IsSideHas0Row(Art(), 0), 0);
-  EXPECT_TRUE(NoLeaks());
+  Load(DocJson({art}));
+  EXPECT_EQ(IsSideHas0Row(Mesh(0), 0), 0);
 }
 
 // Host calls that fail once a number of calls have succeeded.
@@ -159,40 +123,38 @@ AIErr FailingGetNode(AIArtHandle m, int32_t i, int32_t j, AIMeshVertexIterator* 
 }
 
 TEST_F(DirectTest, HandleWorkersReleaseEverythingWhenTheHostFails) {
-  MeshDoc d;
+  MeshSpec d = Cells30x24();
   d.I = d.J = 3;
   Load(d);
-  gRealNext = vertex.Next;
-  vertex.Next = FailingNext;
+  gRealNext = vertex().Next;
+  vertex().Next = FailingNext;
   gCallsLeft = 5;
-  EXPECT_EQ(lb::handles::_Nodes13(Art(), 0, 0, 0), 1);
+  EXPECT_EQ(lb::handles::_Nodes13(Mesh(0), 0, 0, 0), 1);
   gCallsLeft = 5;
-  EXPECT_EQ(lb::handles::_Nodes0(Art(), 1, 1, 0), 1);
+  EXPECT_EQ(lb::handles::_Nodes0(Mesh(0), 1, 1, 0), 1);
   gCallsLeft = 5;
-  EXPECT_EQ(lb::handles::_SmoothNodes(Art(), 1, 1, 1), 1);
-  vertex.Next = gRealNext;
-  gRealGetNode = mesh.GetNode;
-  mesh.GetNode = FailingGetNode;
+  EXPECT_EQ(lb::handles::_SmoothNodes(Mesh(0), 1, 1, 1), 1);
+  vertex().Next = gRealNext;
+  gRealGetNode = mesh().GetNode;
+  mesh().GetNode = FailingGetNode;
   gCallsLeft = 6;
-  EXPECT_EQ(lb::handles::_Angle90Deg(Art(), 1, 1), 1);
-  EXPECT_TRUE(NoLeaks());
+  EXPECT_EQ(lb::handles::_Angle90Deg(Mesh(0), 1, 1), 1);
 }
 
 TEST_F(DirectTest, FailedInsertionKeepsTheLinesMadeAndSelectsNothingNew) {
-  MeshDoc d;
+  MeshSpec d = Cells30x24();
   d.I = 4, d.dx = 10;
   d.selected = {{0, 0}, {4, 0}};
   Load(d);
-  gRealInsertU = mesh.InsertU;
-  mesh.InsertU = FailingInsertU;
+  gRealInsertU = mesh().InsertU;
+  mesh().InsertU = FailingInsertU;
   gCallsLeft = 1;
-  EXPECT_EQ(lb::dens::_Mul(Art(), 1, 0), 1);
-  EXPECT_TRUE(NoLeaks());
-  const GradientMesh& m = *Art()->mesh;
+  EXPECT_EQ(lb::dens::_Mul(Mesh(0), 1, 0), 1);
+  const GradientMesh& m = *Mesh(0)->mesh;
   EXPECT_EQ(m.sizeI(), 5);  // the first (topmost) split stays
   EXPECT_NEAR(NodeP(m, 4, 0).h, 35, kTol);
   EXPECT_FALSE(m.selected(m.node(1, 0)));
 }
 
 }  // namespace
-}  // namespace hdtest
+}  // namespace lbtest

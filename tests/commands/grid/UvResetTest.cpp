@@ -5,10 +5,9 @@
 
 #include <cmath>
 
-#include "dir_uv/MeshFixture.h"
-#include "dir_uv/Session.h"
+#include "support/Session.h"
 
-namespace dirtest {
+namespace lbtest {
 namespace {
 
 Node Same(int i, int j) { return {i, j}; }
@@ -41,14 +40,14 @@ json RowsMesh(const std::vector<double>& row0, const std::vector<double>& row1) 
 }
 
 TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 4;
   layout.J = 1;
   layout.u = {0, 0.1, 0.2, 0.6, 1};
   for (bool alt : {false, true}) {
     SCOPED_TRACE(alt ? "Ctrl+Alt" : "Ctrl");
-    Session s(MakeDoc({MakeMeshArt(layout)}));
-    const MeshContent got = ReadMesh(Children(s.run(kUvReset, alt, true))[0]);
+    Session s(DocJson({MeshJson(layout)}));
+    const MeshContent got = ReadMesh(Children(s.runWritten(kCmdUvReset, alt, true))[0]);
     EXPECT_TRUE(SamePositions(got.u, {0, 0.25, 0.5, 0.75, 1}, 1e-15));
     EXPECT_TRUE(SamePositions(got.v, {0, 1}, 0));
   }
@@ -58,34 +57,39 @@ TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
 // the same size: every point, knot, vertex, flag and paint must come out
 // bit for bit.
 TEST(DumbReset, CopiesTheMeshExactly) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 3;
   layout.J = 3;
   layout.u = {0, 0.2, 0.3, 1};
   layout.v = {0, 0.5, 0.9, 1};
-  Session s(MakeDoc({MakeMeshArt(layout)}));
+  Session s(DocJson({MeshJson(layout)}));
   const MeshContent old = ReadMesh(Children(s.written())[0]);
-  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, true, false, false))[0]);
+  const MeshContent got = ReadMesh(Children(s.runWritten(kCmdUvReset, false, true, false, false))[0]);
   EXPECT_TRUE(SameContent(got, MapMesh(old, 3, 3, Same), 0.0));
   EXPECT_TRUE(SamePositions(got.u, Even(3), 1e-15));
   EXPECT_TRUE(SamePositions(got.v, Even(3), 1e-15));
 }
 
-TEST(SmartReset, LinesSplitOneToThreeGiveAQuarter) {
-  for (bool alt : {false, true}) {
-    SCOPED_TRACE(alt ? "Alt" : "no modifier");
-    Session s(MakeDoc({RowsMesh({0, 25, 100}, {0, 25, 100})}));
-    const MeshContent got = ReadMesh(Children(s.run(kUvReset, alt, false))[0]);
+// Each cell gets the average of its share over the lines that cross it; a
+// cell of zero length on every line keeps a share of 1e-5 (single
+// precision) before the shares are normalised.
+TEST(SmartReset, CellSharesAveragedOverTheCrossingLines) {
+  const double least = 9.999999747378752e-06;
+  struct Case {
+    std::vector<double> row0, row1;
+    bool alt;
+    double u1;
+  } const cases[] = {{{0, 25, 100}, {0, 25, 100}, false, 0.25},
+                     {{0, 25, 100}, {0, 25, 100}, true, 0.25},
+                     {{0, 25, 100}, {0, 50, 100}, false, (0.25 + 0.5) / 2},
+                     {{0, 0, 100}, {0, 0, 100}, false, least / (1 + least)}};
+  for (const Case& c : cases) {
+    Session s(DocJson({RowsMesh(c.row0, c.row1)}));
+    s.run(kCmdUvReset, c.alt, false);
+    const MeshContent got = s.content(0);
     ASSERT_EQ(got.u.size(), 3u);
-    EXPECT_NEAR(got.u[1], 0.25, 1e-9);
+    EXPECT_NEAR(got.u[1], c.u1, 1e-12) << c.row0[1] << " " << c.row1[1];
   }
-}
-
-// Each cell gets the average of its share over the lines that cross it.
-TEST(SmartReset, AveragesTheSharesOfAllCrossingLines) {
-  Session s(MakeDoc({RowsMesh({0, 25, 100}, {0, 50, 100})}));
-  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, false))[0]);
-  EXPECT_NEAR(got.u[1], (0.25 + 0.5) / 2, 1e-9);
 }
 
 // A run with a knot and a non-node vertex is measured to its end node,
@@ -98,32 +102,22 @@ TEST(SmartReset, MeasuresRunsThroughKnotsAndVertices) {
   const double detour = std::hypot(20, 40) + std::hypot(15, 60) + std::hypot(15, 20);
   const double share0 = (detour / (detour + 50) + 0.5) / 2;
 
-  Session s(MakeDoc({mesh}));
+  Session s(DocJson({mesh}));
   const MeshContent old = ReadMesh(Children(s.written())[0]);
-  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, false))[0]);
+  const MeshContent got = ReadMesh(Children(s.runWritten(kCmdUvReset, false, false))[0]);
   EXPECT_NEAR(got.u[1], share0, 1e-6);
   EXPECT_TRUE(SameContent(got, MapMesh(old, 2, 1, Same), 0.0));
 }
 
-// A cell of zero length on every line keeps a share of 1e-5 (single
-// precision) before the shares are normalised.
-TEST(SmartReset, DegenerateCellKeepsAMinimalShare) {
-  Session s(MakeDoc({RowsMesh({0, 0, 100}, {0, 0, 100})}));
-  const MeshContent got = ReadMesh(Children(s.run(kUvReset, false, false))[0]);
-  const double least = 9.999999747378752e-06;
-  ASSERT_EQ(got.u.size(), 3u);
-  EXPECT_NEAR(got.u[1], least / (1 + least), 1e-12);
-}
-
 TEST(SmartReset, KeepsContentPaintAndArtAttributes) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 3;
   layout.J = 2;
-  layout.opacity = 0.5;
+  layout.artOpacity = 0.5;
   layout.blend = "screen";
-  Session s(MakeDoc({MakeMeshArt(layout)}));
+  Session s(DocJson({MeshJson(layout)}));
   const MeshContent old = ReadMesh(Children(s.written())[0]);
-  const json doc = s.run(kUvReset, false, false, false, false);
+  const json doc = s.runWritten(kCmdUvReset, false, false, false, false);
   const MeshContent got = ReadMesh(Children(doc)[0]);
   EXPECT_TRUE(SameContent(got, MapMesh(old, 3, 2, Same), 0.0));
   EXPECT_EQ(Children(doc)[0].value("opacity", 1.0), 0.5);
@@ -133,4 +127,4 @@ TEST(SmartReset, KeepsContentPaintAndArtAttributes) {
 }
 
 }  // namespace
-}  // namespace dirtest
+}  // namespace lbtest

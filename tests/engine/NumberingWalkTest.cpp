@@ -3,14 +3,14 @@
 #include <map>
 #include <utility>
 
-#include "MeshFixture.h"
+#include "support/Engine.h"
 
-using namespace meshtest;
+using namespace lbtest;
 
 namespace {
 
 // Directions present at a vertex, in segment-index order, as strings.
-std::vector<std::string> dirsOf(const Suites& s, AIMeshVertexIterator v) {
+std::vector<std::string> dirsOf(const MeshSuites& s, AIMeshVertexIterator v) {
   static const char* names[2][2] = {{"I+", "I-"}, {"J+", "J-"}};
   std::vector<std::string> out;
   const int n = s.vtx->CountSegments(v);
@@ -94,7 +94,7 @@ TEST_F(Numbering, NonNodeVerticesHaveBackwardThenForwardOnTheirLine) {
 
 TEST_F(Numbering, BackwardSegmentListsPointsFromItsStart) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 1, 1), kNoErr);
-  bend(m());
+  Bend(m());
   AIMeshVertexIterator a = nodeIt(0, 0), b = nodeIt(1, 0);
   AIMeshSegmentIterator fwd = nullptr, back = nullptr;
   s.vtx->GetSegment(a, 0, &fwd);

@@ -3,13 +3,24 @@
 // mesh of 30 x 24 cells unless a test says otherwise.
 #include <gtest/gtest.h>
 
-#include "HdDoc.h"
+#include "support/Engine.h"
 
-namespace hdtest {
+namespace lbtest {
 namespace {
 
-MeshDoc Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
-  MeshDoc d;
+constexpr double kTol = 1e-9;
+using lb::host::GradientMesh;
+using lb::host::VertexId;
+
+// The default mesh of these tests: 2 x 2 cells of 30 x 24.
+MeshSpec Cells30x24() {
+  MeshSpec d;
+  d.dx = 30, d.dy = 24;
+  return d;
+}
+
+MeshSpec Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
+  MeshSpec d = Cells30x24();
   d.selected = std::move(sel);
   for (auto [dir, la] : handles) d.handle[{1, 1, dir}] = Polar(d.P(1, 1), la.first, la.second);
   return d;
@@ -30,38 +41,38 @@ void ExpectUnchanged(const std::vector<AIRealPoint>& before, const GradientMesh&
 TEST(SmoothTest, PairsTurnAboutTheirMeanAngleOnTheChosenAxes) {
   // I handles at 0 and 1.4 rad, J handles at 2.0 and -0.9: the larger
   // angle of a pair ends at mean + pi/2, each handle keeps its length.
-  const MeshDoc d = Centre({{IF, {8, 0.0}}, {IB, {5, 1.4}}, {JF, {6, 2.0}}, {JB, {7, -0.9}}});
+  const MeshSpec d = Centre({{IF, {8, 0.0}}, {IB, {5, 1.4}}, {JF, {6, 2.0}}, {JB, {7, -0.9}}});
   for (auto [alt, ctrl] : {std::pair{false, false}, {true, false}, {false, true}}) {
     Session s(d);
-    s.run(kSmooth, alt, ctrl);
-    const auto& m = s.mesh();
+    s.run(kCmdHandlesSmooth, alt, ctrl);
+    const auto& m = s.engine();
     const bool onI = !ctrl, onJ = !alt;
     ExpectHandle(m, 1, 1, IF, 8, onI ? 0.7 - kPi / 2 : 0.0);
     ExpectHandle(m, 1, 1, IB, 5, onI ? 0.7 + kPi / 2 : 1.4);
     ExpectHandle(m, 1, 1, JF, 6, onJ ? 0.55 + kPi / 2 : 2.0);
     ExpectHandle(m, 1, 1, JB, 7, onJ ? 0.55 - kPi / 2 : -0.9);
-    EXPECT_EQ(Smooth(m, 1, 1, IF), onI);
-    EXPECT_EQ(Smooth(m, 1, 1, JF), onJ);
+    EXPECT_EQ(SmoothAt(m, 1, 1, IF), onI);
+    EXPECT_EQ(SmoothAt(m, 1, 1, JF), onJ);
   }
 }
 
 TEST(SmoothTest, CornerNodesOnlyWithCtrlAlt) {
-  MeshDoc d = Centre({}, {{0, 0}, {2, 2}});
+  MeshSpec d = Centre({}, {{0, 0}, {2, 2}});
   d.handle[{0, 2, IF}] = Polar(d.P(0, 2), 3, 0.4);  // unselected corner
   {
     Session plain(d);
-    const auto before = AllNodeHandles(plain.mesh());
-    plain.run(kSmooth);
-    ExpectUnchanged(before, plain.mesh());
+    const auto before = AllNodeHandles(plain.engine());
+    plain.run(kCmdHandlesSmooth);
+    ExpectUnchanged(before, plain.engine());
   }
 
   Session s(d);
-  s.run(kSmooth, true, true);
-  const auto& m = s.mesh();
+  s.run(kCmdHandlesSmooth, true, true);
+  const auto& m = s.engine();
   // (0, 0): segment 0 is I forward (0 rad), segment 1 J forward (pi/2).
   ExpectHandle(m, 0, 0, IF, 10, -kPi / 4);
   ExpectHandle(m, 0, 0, JF, 8, 3 * kPi / 4);
-  EXPECT_TRUE(Smooth(m, 0, 0, IF));
+  EXPECT_TRUE(SmoothAt(m, 0, 0, IF));
   // (2, 2): segment 0 is I backward (pi), segment 1 J backward (-pi/2).
   ExpectHandle(m, 2, 2, IB, 10, 3 * kPi / 4);
   ExpectHandle(m, 2, 2, JB, 8, -kPi / 4);
@@ -72,17 +83,17 @@ TEST(SmoothTest, CornerNodesOnlyWithCtrlAlt) {
 TEST(OneThirdTest, HandlesGetAThirdOfTheChordToTheirNeighbour) {
   // I forward long at 0.3 rad; I backward retracted; J backward within 0.5
   // (counts as retracted); the I-forward run strongly curved.
-  MeshDoc d = Centre({{IF, {25, 0.3}}, {IB, {0, 0}}, {JB, {0.2, 2.5}}});
+  MeshSpec d = Centre({{IF, {25, 0.3}}, {IB, {0, 0}}, {JB, {0.2, 2.5}}});
   d.handle[{2, 1, IB}] = Polar(d.P(2, 1), 25, 2.0);
   Session s(d);
-  s.run(kHandles13);
-  const auto& m = s.mesh();
+  s.run(kCmdHandles1_3);
+  const auto& m = s.engine();
   ExpectHandle(m, 1, 1, IF, 10, 0.3);
   ExpectHandle(m, 1, 1, IB, 10, kPi);
   ExpectHandle(m, 1, 1, JB, 8, -kPi / 2);
   ExpectHandle(m, 1, 1, JF, 8, kPi / 2);
-  EXPECT_FALSE(Smooth(m, 1, 1, IF));
-  EXPECT_TRUE(Smooth(m, 1, 1, JF));
+  EXPECT_FALSE(SmoothAt(m, 1, 1, IF));
+  EXPECT_TRUE(SmoothAt(m, 1, 1, JF));
   EXPECT_PT_NEAR(Tan(m, 2, 1, IB), d.H(2, 1, IB), kTol);  // not selected
 }
 
@@ -90,17 +101,17 @@ TEST(OneThirdTest, BetweenVariantsNeedBothEndsSelectedAndTheirAxis) {
   const auto handles = std::map<int, std::pair<double, double>>{{IF, {4, 0.3}}, {JF, {3, 1.2}}, {IB, {0, 0}}};
   {
     Session lone(Centre(handles));
-    const auto before = AllNodeHandles(lone.mesh());
-    for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) lone.run(kHandles13, alt, ctrl);
-    ExpectUnchanged(before, lone.mesh());
+    const auto before = AllNodeHandles(lone.engine());
+    for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) lone.run(kCmdHandles1_3, alt, ctrl);
+    ExpectUnchanged(before, lone.engine());
   }
   const NodeSet sel{{1, 1}, {2, 1}, {1, 2}};
   for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) {
-    MeshDoc d = Centre(handles, sel);
+    MeshSpec d = Centre(handles, sel);
     d.handle[{2, 1, IB}] = Polar(d.P(2, 1), 4, kPi - 0.2);
     Session s(d);
-    s.run(kHandles13, alt, ctrl);
-    const auto& m = s.mesh();
+    s.run(kCmdHandles1_3, alt, ctrl);
+    const auto& m = s.engine();
     ExpectHandle(m, 1, 1, IF, alt ? 10 : 4, 0.3);
     ExpectHandle(m, 1, 1, JF, ctrl ? 8 : 3, 1.2);
     ExpectHandle(m, 2, 1, IB, alt ? 10 : 4, kPi - 0.2);
@@ -109,42 +120,42 @@ TEST(OneThirdTest, BetweenVariantsNeedBothEndsSelectedAndTheirAxis) {
 }
 
 TEST(OneThirdTest, NonNodeVertexMeasuresToItsAdjacentVertices) {
-  MeshDoc d = Centre({}, {});
-  d.innerVertex[{0, 0, 0}] = true;  // vertex at (15, 0) on side 0
+  MeshSpec d = Centre({}, {});
+  d.inner[{0, 0, 'I'}] = true;  // vertex at (15, 0) on side 0
   Session s(d);
-  const auto& m = s.mesh();
+  const auto& m = s.engine();
   const VertexId v = m.neighbour(m.node(0, 0), IF);
   const auto before = AllNodeHandles(m);
-  s.run(kHandles13);
+  s.run(kCmdHandles1_3);
   EXPECT_NEAR(Dist(m.point(v), m.tangent(v, IF)), 5, kTol);
   EXPECT_NEAR(Dist(m.point(v), m.tangent(v, IB)), 5, kTol);
   ExpectUnchanged(before, m);
 }
 
 TEST(HandlesZeroTest, RetractsAndClearsFlagsOnTheChosenSegments) {
-  MeshDoc d = Centre({});
-  d.smoothAll = true;
+  MeshSpec d = Centre({});
+  d.smooth = Smooth::All;
   {
     Session s(d);
-    s.run(kHandles0);
+    s.run(kCmdHandles0);
     for (int dir : {IB, JB, IF, JF}) {
-      EXPECT_PT_NEAR(Tan(s.mesh(), 1, 1, dir), d.P(1, 1), 0.0);
-      EXPECT_FALSE(Smooth(s.mesh(), 1, 1, dir));
+      EXPECT_PT_NEAR(Tan(s.engine(), 1, 1, dir), d.P(1, 1), 0.0);
+      EXPECT_FALSE(SmoothAt(s.engine(), 1, 1, dir));
     }
-    EXPECT_TRUE(Smooth(s.mesh(), 1, 0, IF));
+    EXPECT_TRUE(SmoothAt(s.engine(), 1, 0, IF));
   }
   // Ctrl: only J segments whose far end is selected.
   d.selected = {{1, 1}, {1, 2}, {2, 1}};
   Session s(d);
-  s.run(kHandles0, false, true);
-  const auto& m = s.mesh();
+  s.run(kCmdHandles0, false, true);
+  const auto& m = s.engine();
   EXPECT_PT_NEAR(Tan(m, 1, 1, JF), d.P(1, 1), 0.0);
   EXPECT_PT_NEAR(Tan(m, 1, 2, JB), d.P(1, 2), 0.0);
-  EXPECT_FALSE(Smooth(m, 1, 1, JF));
+  EXPECT_FALSE(SmoothAt(m, 1, 1, JF));
   EXPECT_PT_NEAR(Tan(m, 1, 1, IF), d.H(1, 1, IF), kTol);
   EXPECT_PT_NEAR(Tan(m, 1, 1, JB), d.H(1, 1, JB), kTol);
-  EXPECT_TRUE(Smooth(m, 1, 1, IF));
-  EXPECT_TRUE(Smooth(m, 1, 1, JB));
+  EXPECT_TRUE(SmoothAt(m, 1, 1, IF));
+  EXPECT_TRUE(SmoothAt(m, 1, 1, JB));
 }
 
 struct RightAngleCase {
@@ -164,32 +175,32 @@ TEST(RightAngleTest, AxesTurnUntilPerpendicular) {
   for (const auto& c : cases) {
     SCOPED_TRACE(::testing::Message() << "alt " << c.alt << " ctrl " << c.ctrl << " J " << c.jDeg);
     Session s(Centre({{IF, {8, 0}}, {IB, {6, kPi}}, {JF, {5, c.jDeg * kDeg}}, {JB, {7, (c.jDeg + 180) * kDeg}}}));
-    s.run(kHandles90, c.alt, c.ctrl);
-    const auto& m = s.mesh();
+    s.run(kCmdHandles90, c.alt, c.ctrl);
+    const auto& m = s.engine();
     ExpectHandle(m, 1, 1, IF, 8, c.iF * kDeg);
     ExpectHandle(m, 1, 1, IB, 6, c.iB * kDeg);
     ExpectHandle(m, 1, 1, JF, 5, c.jF * kDeg);
     ExpectHandle(m, 1, 1, JB, 7, c.jB * kDeg);
-    EXPECT_EQ(Smooth(m, 1, 1, IF), c.smoothI);
-    EXPECT_EQ(Smooth(m, 1, 1, JF), c.smoothJ);
+    EXPECT_EQ(SmoothAt(m, 1, 1, IF), c.smoothI);
+    EXPECT_EQ(SmoothAt(m, 1, 1, JF), c.smoothJ);
   }
 }
 
 TEST(RightAngleTest, SeamCornersAndBorders) {
   // J 80 degrees counterclockwise of I across the seam: 5 degrees each way.
-  MeshDoc d = Centre({{IF, {8, 170 * kDeg}}, {IB, {6, -10 * kDeg}}, {JF, {5, -110 * kDeg}}, {JB, {7, 70 * kDeg}}},
+  MeshSpec d = Centre({{IF, {8, 170 * kDeg}}, {IB, {6, -10 * kDeg}}, {JF, {5, -110 * kDeg}}, {JB, {7, 70 * kDeg}}},
                      {{1, 1}, {2, 2}, {1, 0}});
   // Corner (2, 2) has only backward handles: axis directions 0 and 60 deg.
   d.handle[{2, 2, IB}] = Polar(d.P(2, 2), 4, kPi);
   d.handle[{2, 2, JB}] = Polar(d.P(2, 2), 3, 240 * kDeg);
   // Border (1, 0): no J-backward handle.
   d.handle[{1, 0, JF}] = Polar(d.P(1, 0), 5, 60 * kDeg);
-  d.innerVertex[{1, 0, 0}] = true;  // a selected non-node vertex is not touched
+  d.inner[{0, 0, 'J'}] = true;  // a selected non-node vertex is not touched
   Session s(d);
-  const auto& m = s.mesh();
+  const auto& m = s.engine();
   const VertexId v = m.neighbour(m.node(0, 0), JF);
   const AIRealPoint vf = m.tangent(v, JF);
-  s.run(kHandles90);
+  s.run(kCmdHandles90);
   ExpectHandle(m, 1, 1, IF, 8, 165 * kDeg);
   ExpectHandle(m, 1, 1, IB, 6, -15 * kDeg);
   ExpectHandle(m, 1, 1, JF, 5, -105 * kDeg);
@@ -202,4 +213,4 @@ TEST(RightAngleTest, SeamCornersAndBorders) {
 }
 
 }  // namespace
-}  // namespace hdtest
+}  // namespace lbtest

@@ -1,35 +1,31 @@
 // The paint record and its three switches, on real mesh nodes.
 #include <gtest/gtest.h>
 
-#include "SuiteFixture.h"
 #include "HostRefs.h"
 #include "color/ColorOpacity.h"
+#include "support/Session.h"
 
-using namespace sctest;
+using namespace lbtest;
 
 namespace {
 
-class ColorOpacityTest : public SuiteFixture {
+class ColorOpacityTest : public LinkedTest {
  protected:
   void SetUp() override {
     saved[0] = CColorOpacity::sm_bUseColor;
     saved[1] = CColorOpacity::sm_bUseOpacity;
     saved[2] = CColorOpacity::sm_bUseAll;
-    MeshPlan s;
-    s.I = 1;
-    s.J = 1;
-    Load({s});
+    Load({Coded(1, 1)});
     a = GetNodeRef(Mesh(0), 0, 0);
     b = GetNodeRef(Mesh(0), 1, 1);
   }
   void TearDown() override {
     a.reset();
     b.reset();
-    EXPECT_TRUE(NoLeaks());
     CColorOpacity::sm_bUseColor = saved[0];
     CColorOpacity::sm_bUseOpacity = saved[1];
     CColorOpacity::sm_bUseAll = saved[2];
-    SuiteFixture::TearDown();
+    LinkedTest::TearDown();
   }
   void Use(int color, int opacity, int all) {
     CColorOpacity::sm_bUseColor = color;
@@ -64,7 +60,7 @@ TEST_F(ColorOpacityTest, EachSwitchMovesOnlyItsHalf) {
     SCOPED_TRACE(testing::Message() << c.color << c.opacity << c.all);
     a.reset();
     b.reset();
-    Load({MeshPlan{}});
+    Load({Coded(1, 1)});
     a = GetNodeRef(Mesh(0), 0, 0);
     b = GetNodeRef(Mesh(0), 1, 1);
     Use(c.color, c.opacity, c.all);

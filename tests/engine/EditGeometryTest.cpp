@@ -1,9 +1,10 @@
 // Structural edits keep the geometry they promise to keep: knots inserted
 // and split off exactly, joins undo splits, grid lines inserted through the
 // surface and deleted without moving the remaining lines.
-#include "MeshFixture.h"
+#include "host/mesh/Bezier.h"
+#include "support/Engine.h"
 
-using namespace meshtest;
+using namespace lbtest;
 using lb::host::bez::dist;
 
 namespace {
@@ -28,13 +29,13 @@ class Knots : public MeshTest {
 
 TEST_F(Knots, InsertKeepsTheCurveAndNumbersNewKnotsFromTheInsertionPoint) {
   s.mesh->InitCartesian(art, 1, 1);
-  bend(m(), 0.3);
+  Bend(m(), 0.3);
   AIMeshSegmentIterator g = bottom();
   const auto before = points(g);
   ASSERT_EQ(s.seg->InsertKnots(g, 0, 3), kNoErr);
   EXPECT_EQ(s.seg->CountKnots(g), 3);
   const auto after = points(g);
-  EXPECT_LT(chainDeviation(before, after), kTol);
+  EXPECT_LT(ChainDeviation(before, after), kTol);
   // Equal parameter shares: knot k sits at t = (k + 1) / 4 of the old piece.
   for (int k = 0; k < 3; ++k)
     EXPECT_LT(dist(after[3 * k + 3], lb::host::bez::cubicAt(before.data(), (k + 1) / 4.0)), kTol);
@@ -42,14 +43,14 @@ TEST_F(Knots, InsertKeepsTheCurveAndNumbersNewKnotsFromTheInsertionPoint) {
   ASSERT_EQ(s.seg->InsertKnots(g, 3, 1), kNoErr);
   const auto appended = points(g);
   for (int k = 0; k < 9; ++k) EXPECT_EQ(appended[k].h, after[k].h);
-  EXPECT_LT(chainDeviation(before, appended), kTol);
+  EXPECT_LT(ChainDeviation(before, appended), kTol);
   EXPECT_EQ(s.seg->InsertKnots(g, 6, 1), kBadParameterErr);
   s.seg->Release(g);
 }
 
 TEST_F(Knots, InsertFromTheFarEndCountsKnotsFromThatEnd) {
   s.mesh->InitCartesian(art, 1, 1);
-  bend(m(), 0.3);
+  Bend(m(), 0.3);
   AIMeshSegmentIterator g = bottom();
   s.seg->InsertKnots(g, 0, 1);
   const auto fwd = points(g);
@@ -60,13 +61,13 @@ TEST_F(Knots, InsertFromTheFarEndCountsKnotsFromThatEnd) {
   ASSERT_EQ(after.size(), 10u);
   // The first piece (from (0, 0)) is untouched; the second was split.
   for (int k = 0; k < 4; ++k) EXPECT_EQ(after[k].h, fwd[k].h);
-  EXPECT_LT(chainDeviation(fwd, after), kTol);
+  EXPECT_LT(ChainDeviation(fwd, after), kTol);
   s.seg->Release(g);
 }
 
 TEST_F(Knots, DeleteKeepsTheMergedPiecesOuterHandles) {
   s.mesh->InitCartesian(art, 1, 1);
-  bend(m(), 0.3);
+  Bend(m(), 0.3);
   AIMeshSegmentIterator g = bottom();
   s.seg->InsertKnots(g, 0, 4);
   const auto p = points(g);  // 16 points, knots at 3, 6, 9, 12
@@ -83,7 +84,7 @@ TEST_F(Knots, DeleteKeepsTheMergedPiecesOuterHandles) {
 
 TEST_F(Knots, SplitThenJoinRestoresTheSegmentAndReportsTheKnot) {
   s.mesh->InitCartesian(art, 1, 1);
-  bend(m(), 0.3);
+  Bend(m(), 0.3);
   AIMeshSegmentIterator g = bottom();
   s.seg->InsertKnots(g, 0, 3);
   const auto whole = points(g);
@@ -149,7 +150,7 @@ class GridLines : public MeshTest {};
 
 TEST_F(GridLines, InsertKeepsTheSurfaceAndSplitsCrossingRunsExactly) {
   s.mesh->InitCartesian(art, 3, 2);
-  bend(m(), 0.08);
+  Bend(m(), 0.08);
   const lb::host::GradientMesh old = m();
   std::vector<std::vector<AIRealPoint>> crossing;
   for (int j = 0; j <= 2; ++j) crossing.push_back(old.runData(0, 1, j).points);
@@ -165,7 +166,7 @@ TEST_F(GridLines, InsertKeepsTheSurfaceAndSplitsCrossingRunsExactly) {
     auto joined = m().runData(0, 1, j).points;
     const auto right = m().runData(0, 2, j).points;
     joined.insert(joined.end(), right.begin() + 1, right.end());
-    EXPECT_LT(chainDeviation(crossing[j], joined), kTol) << "run along I on line j = " << j;
+    EXPECT_LT(ChainDeviation(crossing[j], joined), kTol) << "run along I on line j = " << j;
     // The new node sits at the crossing run's chain parameter 0.3.
     EXPECT_LT(dist(m().nodeData(2, j).p, lb::host::bez::cubicAt(crossing[j].data(), 0.3)), kTol);
   }
@@ -179,11 +180,11 @@ TEST_F(GridLines, InsertKeepsTheSurfaceAndSplitsCrossingRunsExactly) {
 
 TEST_F(GridLines, InsertVAndNewNodePaint) {
   s.mesh->InitCartesian(art, 2, 2);
-  bend(m(), 0.05);
+  Bend(m(), 0.05);
   for (int j = 0; j <= 2; ++j)
     for (int i = 0; i <= 2; ++i) {
       AIMeshVertexIterator n = nodeIt(i, j);
-      const AIColor c = rgb(0.5 * i, 0.5 * j, (i + j) % 2);
+      const AIColor c = Rgb(0.5 * i, 0.5 * j, (i + j) % 2);
       s.vtx->SetColor(n, &c);
       s.vtx->SetOpacity(n, 0.25 + 0.25 * j);
       s.vtx->Release(n);
@@ -238,7 +239,7 @@ TEST_F(GridLines, InsertThroughAVertexMakesItTheNode) {
 
 TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
   s.mesh->InitCartesian(art, 3, 3);
-  bend(m(), 0.06);
+  Bend(m(), 0.06);
   const lb::host::GradientMesh old = m();
   AIMeshVertexIterator crossing = nodeIt(1, 0), inner = nodeIt(1, 1), gone = nodeIt(1, 2);
   AIMeshVertexIterator keep = nodeIt(2, 1);
@@ -273,7 +274,7 @@ TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
 
 TEST_F(GridLines, InsertOnAKnotUsesItAndNewNodesFollowTheSelection) {
   s.mesh->InitCartesian(art, 1, 2);
-  bend(m(), 0.2);
+  Bend(m(), 0.2);
   // Row j = 0 gets a knot at its middle; rows 1 and 2 stay single cubics.
   lb::host::GradientMesh& g = m();
   const lb::host::SegmentRef row0{g.node(0, 0), lb::host::kDirIFwd};

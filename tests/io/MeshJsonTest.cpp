@@ -1,11 +1,11 @@
 // The mesh object of a document file: exact round-trips of the whole
 // structure, the selection rule, and errors naming the offending value.
-#include "MeshFixture.h"
-#include "io/MeshJson.h"
-
 #include <functional>
 
-using namespace meshtest;
+#include "io/MeshJson.h"
+#include "support/Engine.h"
+
+using namespace lbtest;
 using nlohmann::json;
 
 namespace {
@@ -14,7 +14,7 @@ lb::host::GradientMesh richMesh() {
   lb::host::GradientMesh m;
   m.initCartesian(3, 2);
   m.setRelative({0, 0.1 + 0.2, 0.5, 1}, {0, 1.0 / 3.0, 1});
-  bend(m, 0.1);
+  Bend(m, 0.1);
   auto n = m.nodeData(1, 1);
   n.color.kind = kFourColor;
   n.color.c.f = {0.1, 1.0 / 7.0, 0, 1};

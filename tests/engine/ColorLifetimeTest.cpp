@@ -5,9 +5,9 @@
 #include <cstring>
 #include <random>
 
-#include "MeshFixture.h"
+#include "support/Engine.h"
 
-using namespace meshtest;
+using namespace lbtest;
 
 class Colors : public MeshTest {
  protected:
@@ -17,7 +17,7 @@ class Colors : public MeshTest {
     for (int j = 0; j <= m().sizeJ(); ++j)
       for (int i = 0; i <= m().sizeI(); ++i) {
         auto n = m().nodeData(i, j);
-        n.color = rgb(d(rng), d(rng), d(rng));
+        n.color = Rgb(d(rng), d(rng), d(rng));
         n.opacity = d(rng);
         m().setNodeData(i, j, n);
       }
@@ -33,7 +33,7 @@ TEST_F(Colors, EveryKindRoundTripsExactlyThroughTheVertexSuite) {
   cmyk.c.f = {1.0 / 3.0, 0.7, 1e-17, 1};
   none.kind = kNoneColor;
   AIMeshVertexIterator v = nodeIt(1, 1);
-  for (const AIColor& c : {gray, cmyk, rgb(0.3, 2.0 / 7.0, 0.999999999999), none}) {
+  for (const AIColor& c : {gray, cmyk, Rgb(0.3, 2.0 / 7.0, 0.999999999999), none}) {
     ASSERT_EQ(s.vtx->SetColor(v, &c), kNoErr);
     AIColor back{};
     s.vtx->GetColor(v, &back);
@@ -136,7 +136,7 @@ TEST_F(Colors, MixedKindsEvaluateInTheKindOfTheFirstNode) {
   n.color.c.g.gray = 0;
   m().setNodeData(0, 0, n);
   auto w = m().nodeData(1, 0);
-  w.color = rgb(0, 0, 0);  // black as RGB: gray 1
+  w.color = Rgb(0, 0, 0);  // black as RGB: gray 1
   m().setNodeData(1, 0, w);
   const AIColor c = m().evalColor(1, 0);
   EXPECT_EQ(c.kind, kGrayColor);
@@ -145,7 +145,7 @@ TEST_F(Colors, MixedKindsEvaluateInTheKindOfTheFirstNode) {
 
 TEST_F(Colors, InvertPointFindsTheParameterOfEvaluatedPoints) {
   s.mesh->InitCartesian(art, 3, 2);
-  bend(m(), 0.05);
+  Bend(m(), 0.05);
   for (double u : {0.0, 0.13, 0.5, 0.77, 1.0})
     for (double v : {0.05, 0.4, 0.99}) {
       AIRealPoint p{}, uv{};
@@ -202,7 +202,7 @@ TEST_F(Lifetimes, IteratorsOnAVanishedMeshAreAtEndAndFailSafely) {
   s.vtx->GetSegment(v, 0, &g);
   AIMeshSelection sel = nullptr;
   s.mesh->GetSelection(art, &sel);
-  ASSERT_EQ(host_->document().disposeArt(art), kNoErr);
+  ASSERT_EQ(session->host().document().disposeArt(art), kNoErr);
   EXPECT_TRUE(s.vtx->AtEnd(v));
   EXPECT_TRUE(s.seg->AtEnd(g));
   AIRealPoint p{};
@@ -221,7 +221,7 @@ TEST_F(Lifetimes, IteratorsOnAVanishedMeshAreAtEndAndFailSafely) {
 
 TEST_F(Lifetimes, WrongArtTypeIsRefused) {
   ArtObject* path = nullptr;
-  ASSERT_EQ(host_->document().newArt(kPathArt, kPlaceAboveAll, nullptr, &path), kNoErr);
+  ASSERT_EQ(session->host().document().newArt(kPathArt, kPlaceAboveAll, nullptr, &path), kNoErr);
   AIMeshVertexIterator v = nullptr;
   EXPECT_EQ(s.mesh->GetNode(path, 0, 0, &v), kWrongArtTypeErr);
   EXPECT_EQ(v, nullptr);

@@ -5,11 +5,10 @@
 
 #include <cstdlib>
 
-#include "dir_uv/MeshFixture.h"
-#include "dir_uv/Session.h"
 #include "render/Render.h"
+#include "support/Session.h"
 
-namespace dirtest {
+namespace lbtest {
 namespace {
 
 constexpr double kTol = 1e-9;
@@ -39,16 +38,16 @@ class EachTurn : public ::testing::TestWithParam<Turn> {};
 
 TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
   const Turn& turn = GetParam();
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 3;
   layout.J = 2;
   layout.u = {0, 0.2, 0.45, 1};
   layout.v = {0, 0.3, 1};
-  Session s(MakeDoc({MakeMeshArt(layout)}));
+  Session s(DocJson({MeshJson(layout)}));
   const MeshContent old = ReadMesh(Children(s.written())[0]);
 
   // Both checkboxes off: a rebuild carries colour and opacity regardless.
-  const json doc = s.run(kDirRotate, turn.alt, turn.ctrl, /*useColor=*/false, /*useOpacity=*/false);
+  const json doc = s.runWritten(kCmdDirRotate, turn.alt, turn.ctrl, /*useColor=*/false, /*useOpacity=*/false);
   ASSERT_EQ(Children(doc).size(), 1u);
   const MeshContent got = ReadMesh(Children(doc)[0]);
   const int newI = turn.swapsSize ? layout.J : layout.I, newJ = turn.swapsSize ? layout.I : layout.J;
@@ -77,16 +76,16 @@ TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
 // opacities are interpolated from the same nodes and line positions.
 TEST_P(EachTurn, PictureStaysTheSame) {
   const Turn& turn = GetParam();
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.u = {0, 0.2, 0.45, 1};
   layout.v = {0, 0.3, 1};
-  layout.rgbOnly = true;  // mixed kinds are blended in the kind of node (0, 0)
-  json doc = MakeDoc({MakeMeshArt(layout)});
+  layout.paint = Paint::Rgb;  // mixed kinds are blended in the kind of node (0, 0)
+  json doc = DocJson({MeshJson(layout)});
   doc["artboard"] = {-10, -10, 140, 75};
   Session s(doc);
   const lb::render::RenderOptions options{2.0, false};
   const lb::render::Image before = lb::render::renderDocument(s.host().document(), options);
-  s.run(kDirRotate, turn.alt, turn.ctrl);
+  s.run(kCmdDirRotate, turn.alt, turn.ctrl);
   const lb::render::Image after = lb::render::renderDocument(s.host().document(), options);
   ASSERT_EQ(after.width, before.width);
   ASSERT_EQ(after.height, before.height);
@@ -114,32 +113,6 @@ TEST_P(EachTurn, PictureStaysTheSame) {
 INSTANTIATE_TEST_SUITE_P(GridDirection, EachTurn, ::testing::ValuesIn(kTurns),
                          [](const ::testing::TestParamInfo<Turn>& info) { return std::string(info.param.name); });
 
-TEST(GridDirection, CornerColourOfAThreeByTwoMeshLandsWhereTheTurnPutsIt) {
-  MeshSpec layout;  // 3 x 2
-  const json art = MakeMeshArt(layout);
-  const json corner = art["nodes"][0]["color"];
-  {
-    Session s(MakeDoc({art}));
-    const MeshContent got = ReadMesh(Children(s.run(kDirRotate, false, false))[0]);
-    EXPECT_EQ(got.I, 2);
-    EXPECT_EQ(got.J, 3);
-    EXPECT_EQ(got.nodes.at({2, 0}).color, corner);
-  }
-  {
-    Session s(MakeDoc({art}));
-    const MeshContent got = ReadMesh(Children(s.run(kDirRotate, true, false))[0]);
-    EXPECT_EQ(got.nodes.at({0, 3}).color, corner);
-  }
-}
-
-TEST(GridDirection, ReflectingInIMirrorsLinePositions) {
-  MeshSpec layout;
-  layout.u = {0, 0.1, 0.3, 1};
-  Session s(MakeDoc({MakeMeshArt(layout)}));
-  const MeshContent got = ReadMesh(Children(s.run(kDirRotate, false, true))[0]);
-  EXPECT_TRUE(SamePositions(got.u, {0, 0.7, 0.9, 1}, 1e-12));
-}
-
 // Turning back, or reflecting twice, gives the mesh it started from.
 TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
   struct Sequence {
@@ -154,17 +127,17 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
       {"four clockwise turns", {{false, false}, {false, false}, {false, false}, {false, false}}},
       {"two turns equal reflecting both ways", {{false, false}, {false, false}, {false, true}, {true, true}}},
   };
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 4;
   layout.J = 3;
   layout.u = {0, 0.15, 0.5, 0.55, 1};
   layout.v = {0, 0.6, 0.7, 1};
   for (const Sequence& seq : sequences) {
     SCOPED_TRACE(seq.name);
-    Session s(MakeDoc({MakeMeshArt(layout)}));
+    Session s(DocJson({MeshJson(layout)}));
     const MeshContent old = ReadMesh(Children(s.written())[0]);
     json doc;
-    for (auto [alt, ctrl] : seq.steps) doc = s.run(kDirRotate, alt, ctrl);
+    for (auto [alt, ctrl] : seq.steps) doc = s.runWritten(kCmdDirRotate, alt, ctrl);
     ASSERT_EQ(Children(doc).size(), 1u);
     const MeshContent got = ReadMesh(Children(doc)[0]);
     EXPECT_TRUE(SameContent(got, old, kTol));
@@ -177,21 +150,21 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
 // opacity and blending mode, and ends selected as a whole; art around it
 // and meshes that are not selected are left alone.
 TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
-  MeshSpec top, mid, low;
+  MeshSpec top = MeshSpec::Varied(), mid = MeshSpec::Varied(), low = MeshSpec::Varied();
   top.id = "top";
-  top.selected = false;
+  top.artSelected = false;
   mid.id = "mid";
-  mid.opacity = 0.625;
+  mid.artOpacity = 0.625;
   mid.blend = "multiply";
-  mid.originH = 200;
+  mid.x0 = 200;
   low.id = "low";
-  low.selected = false;
-  low.originH = 400;
+  low.artSelected = false;
+  low.x0 = 400;
   const json path = json::parse(R"({"type": "path", "id": "p", "segments": [{"p": [0, 0]}, {"p": [10, 10]}]})");
-  Session s(MakeDoc({path, MakeMeshArt(top), MakeMeshArt(mid), MakeMeshArt(low)}));
+  Session s(DocJson({path, MeshJson(top), MeshJson(mid), MeshJson(low)}));
   const json before = s.written();
 
-  const json doc = s.run(kDirRotate, false, false);
+  const json doc = s.runWritten(kCmdDirRotate, false, false);
   const json& kids = Children(doc);
   ASSERT_EQ(kids.size(), 4u);
   EXPECT_EQ(kids[0], Children(before)[0]);
@@ -215,36 +188,36 @@ TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
 }
 
 TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
-  MeshSpec a, b;
+  MeshSpec a = MeshSpec::Varied(), b = MeshSpec::Varied();
   a.id = "a";
   b.id = "b";
   b.I = 2;
   b.J = 4;
-  b.originH = 300;
-  json artA = MakeMeshArt(a);
+  b.x0 = 300;
+  json artA = MeshJson(a);
   // Only one node of the first mesh is selected.
   for (json& n : artA["nodes"]) n["selected"] = false;
   artA["nodes"][4]["selected"] = true;
-  Session s(MakeDoc({artA, MakeMeshArt(b)}));
+  Session s(DocJson({artA, MeshJson(b)}));
   const json before = s.written();
   const MeshContent oldA = ReadMesh(Children(before)[0]), oldB = ReadMesh(Children(before)[1]);
 
-  const json doc = s.run(kDirRotate, false, true);  // reflect in I
+  const json doc = s.runWritten(kCmdDirRotate, false, true);  // reflect in I
   ASSERT_EQ(Children(doc).size(), 2u);
   EXPECT_TRUE(SameContent(ReadMesh(Children(doc)[0]), MapMesh(oldA, 3, 2, [](int i, int j) { return Node{3 - i, j}; }), kTol));
   EXPECT_TRUE(SameContent(ReadMesh(Children(doc)[1]), MapMesh(oldB, 2, 4, [](int i, int j) { return Node{2 - i, j}; }), kTol));
 }
 
 TEST(GridDirection, NothingSelectedChangesNothing) {
-  MeshSpec layout;
-  layout.selected = false;
+  MeshSpec layout = MeshSpec::Varied();
+  layout.artSelected = false;
   layout.id = "m";
-  Session s(MakeDoc({MakeMeshArt(layout)}));
+  Session s(DocJson({MeshJson(layout)}));
   const json before = s.written();
-  for (int variant = 0; variant < 4; ++variant) EXPECT_EQ(s.run(kDirRotate, variant & 1, variant & 2), before);
-  EXPECT_EQ(s.run(kUvReset, false, false), before);
-  EXPECT_EQ(s.run(kUvReset, false, true), before);
+  for (int variant = 0; variant < 4; ++variant) EXPECT_EQ(s.runWritten(kCmdDirRotate, variant & 1, variant & 2), before);
+  EXPECT_EQ(s.runWritten(kCmdUvReset, false, false), before);
+  EXPECT_EQ(s.runWritten(kCmdUvReset, false, true), before);
 }
 
 }  // namespace
-}  // namespace dirtest
+}  // namespace lbtest

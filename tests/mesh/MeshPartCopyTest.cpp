@@ -5,46 +5,19 @@
 #include <gtest/gtest.h>
 
 #include "MeshPartCopy.h"
-#include "Suites.h"
-#include "dir_uv/MeshFixture.h"
-#include "host/Document.h"
-#include "host/Host.h"
-#include "host/SuiteRegistry.h"
-#include "io/Lbdoc.h"
+#include "support/Session.h"
 
-namespace dirtest {
+namespace lbtest {
 namespace {
 
-// A host with a document, and the plug-in's command suites acquired from
-// it for the lifetime of the fixture.
-class PartCopy : public ::testing::Test {
+// A Linked session per document, read back through short names.
+class PartCopy : public LinkedTest {
  protected:
-  void load(const json& doc) {
-    host_.reset();
-    host_ = std::make_unique<lb::host::Host>(lb::io::readDocument(doc.dump()));
-    gsSPBasic = const_cast<SPBasicSuite*>(
-        static_cast<const SPBasicSuite*>(lb::host::findSuite(kSPBasicSuite, kSPBasicSuiteVersion)));
-    ASSERT_NE(gsSPBasic, nullptr);
-    ASSERT_EQ(lb::s::AcquireSuites(), kNoErr);
-    acquired_ = true;
-    before_ = host_->counters();
-  }
-  void TearDown() override {
-    if (acquired_) {
-      EXPECT_EQ(host_->counters(), before_) << "a host object was left alive";
-      lb::s::ReleaseSuites();
-    }
-    gsSPBasic = nullptr;
-  }
-
-  ArtObject* art(size_t k) { return host_->document().layers()[0]->children.at(k).get(); }
-  size_t artCount() { return host_->document().layers()[0]->children.size(); }
-  json written() { return json::parse(lb::io::writeDocument(host_->document())); }
-  MeshContent content(size_t k) { return ReadMesh(written()["layers"][0]["children"][k]); }
-
-  std::unique_ptr<lb::host::Host> host_;
-  lb::host::Counters before_;
-  bool acquired_ = false;
+  void load(const json& doc) { Load(doc); }
+  ArtObject* art(size_t k) { return session->art(k); }
+  size_t artCount() { return session->artCount(); }
+  json written() { return session->written(); }
+  MeshContent content(size_t k) { return session->content(k); }
 };
 
 // The content of the cells i0..i1 x j0..j1 of a mesh, renumbered from 0.
@@ -69,18 +42,18 @@ MeshContent SubMesh(const MeshContent& m, int i0, int i1, int j0, int j1) {
 }
 
 MeshSpec Plain(int I, int J, double originH) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = I;
   layout.J = J;
-  layout.structured = false;
-  layout.originH = originH;
-  layout.selected = false;
+  layout.knots = false;
+  layout.x0 = originH;
+  layout.artSelected = false;
   return layout;
 }
 
 TEST_F(PartCopy, InvalidWindowsChangeNothing) {
-  MeshSpec layout;
-  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(3, 2, 300))}));
+  MeshSpec layout = MeshSpec::Varied();
+  load(DocJson({MeshJson(layout), MeshJson(Plain(3, 2, 300))}));
   const json before = written();
   ZS_RestoreMeshData good{0, 0, 0, 1, 0, 0, 3, 2};
   const ZS_RestoreMeshData bad[] = {
@@ -104,8 +77,8 @@ TEST_F(PartCopy, InvalidWindowsChangeNothing) {
 // the copy stops, keeps what it wrote and leaves no iterator behind (the
 // fixture checks the counters).
 TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
-  MeshSpec layout;  // 3 x 2
-  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(2, 2, 300))}));
+  MeshSpec layout = MeshSpec::Varied();  // 3 x 2
+  load(DocJson({MeshJson(layout), MeshJson(Plain(2, 2, 300))}));
   const MeshContent src = content(0);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 3, 2};
   ZS_RestoreMeshData d = w;
@@ -116,10 +89,10 @@ TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
 }
 
 TEST_F(PartCopy, IdentityWindowCopiesEverythingButSelectionExactly) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 4;
   layout.J = 3;
-  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(4, 3, 500))}));
+  load(DocJson({MeshJson(layout), MeshJson(Plain(4, 3, 500))}));
   const MeshContent src = content(0);
   const MeshContent dstBefore = content(1);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 4, 3};
@@ -150,23 +123,21 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshSpec layout;  // 3 x 2
-    load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(c.dstI, c.dstJ, 300))}));
+    MeshSpec layout = MeshSpec::Varied();  // 3 x 2
+    load(DocJson({MeshJson(layout), MeshJson(Plain(c.dstI, c.dstJ, 300))}));
     const MeshContent src = content(0);
     ZS_RestoreMeshData s{0, 0, 0, 1, 0, 0, 3, 2};
     ZS_RestoreMeshData d = c.dst;
     ASSERT_EQ(RestoreMeshPart(art(0), art(1), &s, &d), 0);
     EXPECT_TRUE(SameContent(content(1), MapMesh(src, c.dstI, c.dstJ, c.map), 0.0));
-    TearDown();
-    acquired_ = false;
   }
 }
 
 TEST_F(PartCopy, ShiftedWindowCopiesPartOfTheSource) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 4;
   layout.J = 3;
-  load(MakeDoc({MakeMeshArt(layout), MakeMeshArt(Plain(2, 1, 400))}));
+  load(DocJson({MeshJson(layout), MeshJson(Plain(2, 1, 400))}));
   const MeshContent src = content(0);
   ZS_RestoreMeshData s{1, 1, 0, 1, 0, 0, 2, 1};
   ZS_RestoreMeshData d{0, 0, 0, 1, 0, 0, 2, 1};
@@ -187,12 +158,12 @@ json SelectedPartly(json mesh) {
 }
 
 TEST_F(PartCopy, CuttingTheWholeGridGivesTheSameMeshAndSelection) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 4;
   layout.J = 2;
-  layout.opacity = 0.75;
+  layout.artOpacity = 0.75;
   layout.blend = "overlay";
-  load(MakeDoc({SelectedPartly(MakeMeshArt(layout))}));
+  load(DocJson({SelectedPartly(MeshJson(layout))}));
   const MeshContent src = content(0);
   ArtObject* part = nullptr;
   ASSERT_EQ(MakeMeshPart(art(0), &part, 0, 4, 0, 2), 0);
@@ -206,10 +177,10 @@ TEST_F(PartCopy, CuttingTheWholeGridGivesTheSameMeshAndSelection) {
 }
 
 TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
-  MeshSpec layout;
+  MeshSpec layout = MeshSpec::Varied();
   layout.I = 4;
   layout.J = 2;
-  load(MakeDoc({SelectedPartly(MakeMeshArt(layout))}));
+  load(DocJson({SelectedPartly(MeshJson(layout))}));
   const MeshContent src = content(0);
   ArtObject* part = nullptr;
   ASSERT_EQ(MakeMeshPart(art(0), &part, 1, 3, 1, 2), 0);
@@ -218,8 +189,8 @@ TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
 }
 
 TEST_F(PartCopy, RectangleWithoutACellOrOutsideTheGridIsRefused) {
-  MeshSpec layout;  // 3 x 2
-  load(MakeDoc({MakeMeshArt(layout)}));
+  MeshSpec layout = MeshSpec::Varied();  // 3 x 2
+  load(DocJson({MeshJson(layout)}));
   const json before = written();
   const int bad[][4] = {{1, 1, 0, 2}, {0, 3, 2, 2}, {-1, 2, 0, 1}, {0, 4, 0, 1}, {0, 3, 0, 3}, {2, 1, 0, 2}};
   for (const auto& r : bad) {
@@ -232,4 +203,4 @@ TEST_F(PartCopy, RectangleWithoutACellOrOutsideTheGridIsRefused) {
 }
 
 }  // namespace
-}  // namespace dirtest
+}  // namespace lbtest

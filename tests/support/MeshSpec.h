@@ -1,0 +1,108 @@
+// Tests: the document builder — .lbdoc JSON of gradient meshes described by a few fields.
+//
+//   MeshSpec m;                 // 2 x 2 cells of 10 x 10, straight runs, whole mesh selected
+//   m.I = 4; m.J = 3;
+//   m.selected = Rect(1, 2, 0, 1);            // node selection (flags written)
+//   m.inner[{1, 1, 'I'}] = true;               // a selected vertex in the middle of a run
+//   m.paint = Paint::Coded;                   // each node's gray and opacity name the node
+//   nlohmann::json doc = DocJson({m, other});  // one layer, first mesh on top
+//
+// Node (i, j) sits at (x0 + dx i, y0 + dy j) unless `moved` says otherwise
+// (`warped` adds a small wobble so that no two nodes share a coordinate).
+// Straight runs carry their handles at one and two thirds unless `handle`
+// sets one; `curved` bends every run and `knots` puts knots and non-node
+// vertices on two runs in three. MeshSpec::Varied() turns on everything at
+// once (warped, curved, knots, mixed paints and smooth flags).
+#pragma once
+
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "AITypes.h"
+
+namespace lbtest {
+
+using nlohmann::json;
+using Node = std::pair<int, int>;
+using NodeSet = std::set<Node>;
+// A non-node vertex in the middle of the straight run from node (i, j)
+// along axis 'I' or 'J'.
+using Inner = std::tuple<int, int, char>;
+// A handle: node (i, j) and direction (0 I-, 1 J-, 2 I+, 3 J+ as the host numbers them).
+using HandleKey = std::tuple<int, int, int>;
+enum Dir { IB = 0, JB = 1, IF = 2, JF = 3 };
+
+enum class Paint {
+  None,   // no colour written; opacity from `opacity` (default 1)
+  Coded,  // node n = i + (I + 1) j: gray (n + 1) / (N + 1), opacity 1 - (n + 1) / (2 (N + 1))
+  Mixed,  // gray, RGB and CMYK nodes by a fixed pattern, opacities from a pattern
+  Rgb,    // like Mixed, every node in RGB
+};
+enum class Smooth { None, All, Mixed };
+
+struct MeshSpec {
+  MeshSpec() = default;  // not an aggregate: a brace list of JSON never makes one
+  int I = 2, J = 2;
+  std::string id;  // empty: none written
+  bool artSelected = true;
+  double x0 = 0, y0 = 0, dx = 10, dy = 10;
+  bool warped = false;
+  std::map<Node, AIRealPoint> moved;
+  // Runs.
+  bool curved = false;
+  bool knots = false;
+  std::map<HandleKey, AIRealPoint> handle;  // straight runs only
+  std::map<Inner, bool> inner;              // straight runs only; value: selected
+  // Paint and flags.
+  Paint paint = Paint::None;
+  std::map<Node, double> opacity;  // Paint::None only
+  Smooth smooth = Smooth::None;
+  // Vertex selection. Unset `whole`: flags are written when some node or
+  // inner vertex is selected, else the whole mesh counts as selected.
+  // false: flags always written (all false = art selected, no vertex).
+  NodeSet selected;
+  std::optional<bool> whole;
+  // Art attributes.
+  std::vector<double> u, v;  // grid line positions; empty: even
+  double artOpacity = 1.0;
+  std::string blend = "normal";
+
+  // Everything switched on: warped 40 x 30 cells, curved runs with knots
+  // and inner vertices, mixed paints, mixed smooth flags.
+  static MeshSpec Varied(int I = 3, int J = 2);
+
+  AIRealPoint P(int i, int j) const;              // node position
+  AIRealPoint H(int i, int j, int dir) const;     // handle of a straight run
+  bool wholeSelected() const;
+};
+
+json MeshJson(const MeshSpec& m);
+// A document with one layer holding the arts, the first on top.
+json DocJson(const std::vector<json>& arts);
+json DocJson(std::initializer_list<MeshSpec> meshes);
+json DocJson(const MeshSpec& m);
+std::vector<json> MeshJsons(const std::vector<MeshSpec>& meshes);
+// The children of the first layer of a document.
+const json& Children(const json& doc);
+
+// An I x J mesh of Paint::Coded nodes with the given node and inner-vertex
+// selection, flags always written; CodedWhole: the whole mesh selected.
+MeshSpec Coded(int I, int J, NodeSet selected = {}, std::map<Inner, bool> inner = {});
+MeshSpec CodedWhole(int I, int J);
+
+NodeSet Rect(int i0, int i1, int j0, int j1);
+std::vector<double> Even(int n);
+// The coding of Paint::Coded.
+inline int NodeCount(int I, int J) { return (I + 1) * (J + 1); }
+inline double GrayOf(int n, int N) { return double(n + 1) / double(N + 1); }
+inline double OpacityOf(int n, int N) { return 1.0 - double(n + 1) / double(2 * (N + 1)); }
+
+}  // namespace lbtest
