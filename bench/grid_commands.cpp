@@ -59,7 +59,7 @@ std::unique_ptr<lb::host::Document> MeshDocument(int n) {
   ArtObject* layer = doc->addLayer("Layer 1");
   auto art = std::make_unique<ArtObject>();
   art->type = kMeshArt;
-  art->id = "m";
+  art->id = std::string(1, 'm');  // (GCC 12 warns falsely on assigning a literal here)
   art->userAttr = kArtSelected;
   art->mesh = std::make_unique<GradientMesh>(TemplateMesh(n));
   doc->appendChild(layer, std::move(art));
