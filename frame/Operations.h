@@ -22,6 +22,8 @@ int MakeMeshFromPath(int alt);
 int MakeMeshGridForBrush(long alt);
 int MakeMeshFromBrushGrid(long alt);
 int SewPathesNew();
+// Builds a mesh from four or more selected docked paths.
+int ManyPathesToMesh();
 
 // Sewing
 int MeshAddTwo(int reverse, int secondPair, int addRow);
