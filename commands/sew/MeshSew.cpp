@@ -409,8 +409,7 @@ int Align2NodesPosTanAndColors(_AIMeshVertexIterator* v1, _AIMeshVertexIterator*
   // averaged component by component in the first node's kind.
   auto fromGray = [](AIColor& gray, AIColorTag kind) {
     const AIReal g = gray.c.g.gray;
-    gray = AIColor{};
-    gray.kind = kind;
+    gray.kind = kind;  // other kinds: only the tag changes
     if (kind == kThreeColor) gray.c.rgb = {g, g, g};
     if (kind == kFourColor) gray.c.f = {0, 0, 0, g};
   };
