@@ -63,6 +63,9 @@ const std::vector<DemoStep>& demoTour() {
       {"Mesh cut in two along a grid line", "mesh-cut", {false, {{3, 0}}}, kCmdSplit},
       {"Brush mesh grid made", "bmg-make", {true, {}}, kCmdBmgCreate},
       {"Brush mesh grid turned back into a mesh", "bmg-back", {true, {}}, kCmdBmgToMesh, false, false, DemoScene::kMesh, true, kCmdBmgCreate},
+      {"Sew two meshes, moving vertices", "sew-move", {true, {}}, kCmdSewMeshMove, false, false, DemoScene::kSewPair},
+      {"Sew two meshes, adding a row of cells", "sew-add-row", {true, {}}, kCmdSewMeshAdd, false, false, DemoScene::kSewPair},
+      {"Join four docked meshes", "sew-docked", {false, {}}, kCmdSewDocked, false, false, DemoScene::kDocked},
   };
   return tour;
 }
@@ -235,6 +238,42 @@ nlohmann::json SwatchMesh() {
   return {{"type", "mesh"},   {"id", "swatch-mesh"}, {"name", "Swatch"},
           {"selected", true}, {"size", {2, 2}},      {"nodes", nodes}};
 }
+
+// A 2 x 3 cell mesh of soft colours a few units right of the demo mesh's
+// right side (its side 3 faces the demo mesh's side 1), selected.
+nlohmann::json SewPartner() {
+  nlohmann::json nodes = nlohmann::json::array();
+  for (int j = 0; j <= 3; ++j)
+    for (int i = 0; i <= 2; ++i) {
+      const double h = 352.0 + 40.0 * i + 4.0 * std::sin(j * 1.3 + i);
+      const double v = 42.0 + 75.0 * j + 3.0 * std::cos(i * 0.7);
+      nodes.push_back({{"p", {h, v}},
+                       {"color", {{"rgb", {0.95 - 0.2 * i, 0.55 + 0.1 * j, 0.3 + 0.2 * i}}}},
+                       {"opacity", 1.0}});
+    }
+  return {{"type", "mesh"},   {"id", "sew-partner"}, {"name", "Partner"},
+          {"selected", true}, {"size", {2, 3}},      {"nodes", nodes}};
+}
+
+// One of four 2 x 2 cell meshes of 45 units docked in a block right of the
+// demo mesh; (r, c) is its place in the block.
+nlohmann::json DockedMesh(int r, int c) {
+  static const double kTint[4][3] = {{0.9, 0.3, 0.2}, {0.2, 0.6, 0.9}, {0.3, 0.8, 0.3}, {0.9, 0.8, 0.2}};
+  const double* t = kTint[r * 2 + c];
+  nlohmann::json nodes = nlohmann::json::array();
+  for (int j = 0; j <= 2; ++j)
+    for (int i = 0; i <= 2; ++i) {
+      const double light = 0.15 * ((i + j) % 3);
+      nodes.push_back({{"p", {410.0 + 90.0 * c + 45.0 * i, 70.0 + 90.0 * r + 45.0 * j}},
+                       {"color", {{"rgb", {t[0] + (1 - t[0]) * light, t[1] + (1 - t[1]) * light,
+                                           t[2] + (1 - t[2]) * light}}}}});
+    }
+  return {{"type", "mesh"},
+          {"id", "docked-" + std::to_string(r) + std::to_string(c)},
+          {"selected", true},
+          {"size", {2, 2}},
+          {"nodes", nodes}};
+}
 }  // namespace
 
 std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
@@ -270,7 +309,9 @@ std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
                     {{"p", {200, 300}}, {"in", {150, 270}}, {"out", {250, 330}}},
                     {{"p", {360, 305}}, {"in", {320, 340}}}})}};
   json children = json::array({path, mesh});
-  for (json& art : PathsBeside()) {
+  // The scenes with extra meshes beside the demo mesh leave the paths out.
+  const bool pathsBeside = scene != DemoScene::kSewPair && scene != DemoScene::kDocked;
+  for (json& art : pathsBeside ? PathsBeside() : std::vector<json>{}) {
     const std::string id = art["id"];
     art["selected"] = !selection.paths.empty() && id.rfind(selection.paths, 0) == 0;
     children.push_back(art);
@@ -280,6 +321,16 @@ std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
   if (scene == DemoScene::kSwatch) {
     children.insert(children.begin(), SwatchMesh());
     right = 740;
+  }
+  if (scene == DemoScene::kSewPair) {
+    children.insert(children.begin(), SewPartner());
+    right = 460;
+  }
+  if (scene == DemoScene::kDocked) {
+    children[1]["selected"] = false;
+    for (int r = 1; r >= 0; --r)
+      for (int c = 1; c >= 0; --c) children.insert(children.begin(), DockedMesh(r, c));
+    right = 610;
   }
   json doc = {{"latticebender", 1},
               {"artboard", {0, 0, right, 340}},

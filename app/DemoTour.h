@@ -27,6 +27,8 @@ enum class DemoScene {
   kPhoto,   // a selected photo-like raster image under the mesh
   kSwatch,  // a small selected mesh of bold colours beside it, on top
   kBorderVertex,  // the mesh's bottom side gets a knot and a selected vertex
+  kSewPair, // a selected 2 x 3 mesh just right of the mesh, below it
+  kDocked,  // four selected meshes docked in a 2 x 2 block; the demo mesh unselected
 };
 
 struct DemoStep {

@@ -1,9 +1,11 @@
-// "Sew docked meshes together or make mesh from docked paths": with fewer
-// than two meshes selected, the selected paths become one mesh.
+// "Sew docked meshes together or make mesh from docked paths": two or more
+// selected meshes join into one; with fewer, the selected paths become one
+// mesh.
 #include "HostRefs.h"
 #include "Operations.h"
 #include "color/ColorOpacity.h"
 #include "construct/Construct.h"
+#include "sew/Sew.h"
 
 namespace {
 
@@ -33,14 +35,6 @@ class SelectedArt {
   int32_t m_nCount = 0;
 };
 
-// Joining two or more docked meshes into one: not built yet, so a
-// selection of several meshes changes nothing.
-int JoinDockedMeshes(const SelectedArt& meshes, int mode) {
-  (void)meshes;
-  (void)mode;
-  return 0;
-}
-
 }  // namespace
 
 int MeshAddMany(int mode) {
@@ -50,7 +44,7 @@ int MeshAddMany(int mode) {
     SelectedArt paths(kPathArt);
     SelectedArt meshes(kMeshArt);
     if (meshes.size() >= 2) {
-      result = JoinDockedMeshes(meshes, mode) != 0 ? 1 : 0;
+      result = JoinDockedMeshes(meshes.data(), meshes.size(), mode) != 0 ? 1 : 0;
     } else if (paths.size() >= 4) {
       AIArtHandle mesh = nullptr;
       CManyPathesToMesh builder;

@@ -3,7 +3,6 @@
 // replaces it here.
 #include "Operations.h"
 
-int MeshAddTwo(int, int, int) { return 0; }
 int AddRowFromPath(long, int) { return 0; }
 int AddZeroRow() { return 0; }
 int DelZeroRow(int) { return 0; }

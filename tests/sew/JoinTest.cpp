@@ -1,0 +1,247 @@
+// "Sew docked meshes together" (161) through the loaded plug-in: rows,
+// columns and blocks of docked meshes in any selection order join into one
+// mesh; the docking tolerance, arrangements that are refused, groups, and
+// the paint and placement of the result.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "sew/SewDoc.h"
+
+namespace sewtest {
+namespace {
+
+constexpr double kCell = 10.0;
+
+struct Block {
+  const char* name;
+  int rows, cols;  // meshes of the arrangement
+  int I, J;        // cells of each mesh
+  std::vector<int> order;  // selection order (topmost first) of mesh r * cols + c
+};
+
+const Block kBlocks[] = {
+    {"Pair", 1, 2, 2, 1, {0, 1}},
+    {"PairReversed", 1, 2, 2, 1, {1, 0}},
+    {"RowOfThree", 1, 3, 1, 2, {0, 1, 2}},
+    {"RowOfThreeMiddleFirst", 1, 3, 1, 2, {1, 2, 0}},
+    {"RowOfThreeEndsFirst", 1, 3, 1, 2, {2, 0, 1}},
+    {"ColumnOfFour", 4, 1, 2, 2, {3, 1, 0, 2}},
+    {"TwoByTwo", 2, 2, 2, 2, {0, 1, 2, 3}},
+    {"TwoByTwoShuffled", 2, 2, 2, 2, {3, 0, 2, 1}},
+    {"TwoByThree", 2, 3, 1, 2, {4, 1, 5, 0, 3, 2}},
+    {"ThreeByTwo", 3, 2, 2, 1, {0, 5, 2, 3, 1, 4}},
+    {"ThreeByThree", 3, 3, 2, 2, {4, 8, 0, 2, 6, 1, 3, 7, 5}},
+};
+
+// The colour every node of mesh m gets; seam nodes average two or four.
+json MeshPaint(int m) { return Rgb(0.1 * (m % 10), 0.5, 1.0 - 0.1 * (m % 10)); }
+
+std::vector<json> Arrange(const Block& b, double gap = 0.0) {
+  std::vector<json> art;
+  for (int m : b.order) {
+    Grid g;
+    g.I = b.I;
+    g.J = b.J;
+    g.w = g.h = kCell;
+    g.h0 = (m % b.cols) * (b.I * kCell + gap);
+    g.v0 = (m / b.cols) * (b.J * kCell);
+    g.paint = [m](int, int) { return MeshPaint(m); };
+    g.id = "m" + std::to_string(m);
+    art.push_back(MeshArt(g));
+  }
+  return art;
+}
+
+// The joined mesh is the whole lattice: every node one cell from its
+// neighbours along both axes, covering every corner of the arrangement.
+::testing::AssertionResult IsLattice(const json& mesh, int cellsH, int cellsV) {
+  const int I = mesh.at("size")[0], J = mesh.at("size")[1];
+  if (!((I == cellsH && J == cellsV) || (I == cellsV && J == cellsH)))
+    return ::testing::AssertionFailure() << "size " << I << " x " << J;
+  std::set<std::pair<double, double>> got;
+  for (const auto& p : Positions(mesh)) got.insert(p);
+  std::set<std::pair<double, double>> want;
+  for (int x = 0; x <= cellsH; ++x)
+    for (int y = 0; y <= cellsV; ++y) want.insert({x * kCell, y * kCell});
+  if (got != want) return ::testing::AssertionFailure() << "node positions are not the lattice";
+  for (int j = 0; j <= J; ++j)
+    for (int i = 0; i <= I; ++i) {
+      const json& p = NodeAt(mesh, i, j).at("p");
+      for (const auto& [di, dj] : {std::pair{1, 0}, std::pair{0, 1}}) {
+        if (i + di > I || j + dj > J) continue;
+        const json& q = NodeAt(mesh, i + di, j + dj).at("p");
+        const double d = std::hypot(q[0].get<double>() - p[0].get<double>(), q[1].get<double>() - p[1].get<double>());
+        if (std::fabs(d - kCell) > 1e-9)
+          return ::testing::AssertionFailure() << "nodes (" << i << ", " << j << ") and (" << i + di << ", "
+                                               << j + dj << ") are " << d << " apart";
+      }
+    }
+  return ::testing::AssertionSuccess();
+}
+
+class EachBlock : public ::testing::TestWithParam<Block> {};
+
+TEST_P(EachBlock, JoinsIntoOneMesh) {
+  const Block& b = GetParam();
+  Session s(Doc(Arrange(b)));
+  const json kids = Children(s.run(kJoinDocked));
+  ASSERT_EQ(kids.size(), 1u);
+  const json& mesh = kids[0];
+  EXPECT_TRUE(IsLattice(mesh, b.cols * b.I, b.rows * b.J));
+  EXPECT_TRUE(mesh.at("selected").get<bool>());
+  // Nodes inside a source mesh keep its paint; those on one seam between
+  // two meshes hold the average of both.
+  std::map<std::pair<double, double>, json> paint;
+  for (const json& n : mesh.at("nodes"))
+    paint[{std::round(n.at("p")[0].get<double>() * 1e9) / 1e9, std::round(n.at("p")[1].get<double>() * 1e9) / 1e9}] =
+        n.at("color");
+  for (int m = 0; m < b.rows * b.cols; ++m) {
+    const double h = (m % b.cols) * b.I * kCell, v = (m / b.cols) * b.J * kCell;
+    if (b.I > 1 && b.J > 1) {
+      EXPECT_EQ(paint.at({h + kCell, v + kCell}), MeshPaint(m)) << "centre of mesh " << m;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Join, EachBlock, ::testing::ValuesIn(kBlocks),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Join, SeamNodeBetweenTwoMeshesHoldsTheAverage) {
+  const Block b{"Pair", 1, 2, 1, 1, {0, 1}};
+  Session s(Doc(Arrange(b)));
+  const json mesh = Children(s.run(kJoinDocked))[0];
+  for (const json& n : mesh.at("nodes"))
+    if (std::fabs(n.at("p")[0].get<double>() - kCell) < 1e-9) {
+      EXPECT_EQ(n.at("color"), Rgb(0.05, 0.5, 0.95));
+    }
+}
+
+TEST(Join, ResultTakesTheFirstMeshsOpacityAndBlend) {
+  std::vector<json> art = Arrange({"Pair", 1, 2, 1, 1, {1, 0}});
+  art[0]["opacity"] = 0.4;
+  art[0]["blend"] = "screen";
+  art[1]["opacity"] = 0.8;
+  Session s(Doc(art));
+  const json mesh = Children(s.run(kJoinDocked))[0];
+  EXPECT_DOUBLE_EQ(mesh.at("opacity").get<double>(), 0.4);
+  EXPECT_EQ(mesh.at("blend"), "screen");
+}
+
+struct Gap {
+  double gap;
+  bool joins;
+};
+
+class EachGap : public ::testing::TestWithParam<Gap> {};
+
+TEST_P(EachGap, DockingTolerance) {
+  const Block b{"Row", 1, 3, 1, 1, {0, 1, 2}};
+  Session s(Doc(Arrange(b, GetParam().gap)));
+  const json before = s.written();
+  const json after = s.run(kJoinDocked);
+  if (GetParam().joins) {
+    ASSERT_EQ(Children(after).size(), 1u);
+    EXPECT_EQ(Children(after)[0].at("size"), json::array({3, 1}));
+  } else {
+    EXPECT_EQ(after, before);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Join, EachGap, ::testing::Values(Gap{0.25, true}, Gap{0.5, true}, Gap{0.6, false}));
+
+// Arrangements that are not a full grid of meshes change nothing.
+TEST(Join, RefusedArrangementsChangeNothing) {
+  const std::vector<std::vector<json>> docs = {
+      // An L of three meshes: one point with three corners.
+      [] {
+        auto a = Arrange({"L", 2, 2, 1, 1, {0, 1, 2}});
+        return a;
+      }(),
+      // Two meshes apart.
+      [] {
+        auto a = Arrange({"Apart", 1, 3, 1, 1, {0, 2}});
+        return a;
+      }(),
+      // A pair plus a lone mesh.
+      [] {
+        auto a = Arrange({"PairAndOne", 1, 4, 1, 1, {0, 1, 3}});
+        return a;
+      }(),
+      // Two meshes sharing only one corner.
+      [] {
+        auto a = Arrange({"Diagonal", 2, 2, 1, 1, {0, 3}});
+        return a;
+      }(),
+  };
+  for (size_t k = 0; k < docs.size(); ++k) {
+    Session s(Doc(docs[k]));
+    const json before = s.written();
+    EXPECT_EQ(s.run(kJoinDocked), before) << "arrangement " << k;
+  }
+}
+
+// One selected mesh (with or without selected paths): the mesh-joining
+// branch is not taken and the meshes stay as they are.
+TEST(Join, OneMeshIsNotJoined) {
+  std::vector<json> art = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
+  art[1]["selected"] = false;
+  Session s(Doc(art));
+  const json before = s.written();
+  EXPECT_EQ(s.run(kJoinDocked), before);
+}
+
+// Meshes that were the only children of a group leave it: the result
+// stands where the group stood and the emptied group is gone.
+TEST(Join, MeshesLeaveTheirGroup) {
+  json group = {{"type", "group"}, {"id", "g"}, {"children", Arrange({"Pair", 1, 2, 1, 1, {0, 1}})}};
+  json other = MeshArt(Grid{});
+  other["id"] = "other";
+  other["selected"] = false;
+  other["nodes"][0]["p"] = {100, 100};
+  Session s(Doc({group, other}));
+  const json kids = Children(s.run(kJoinDocked));
+  ASSERT_EQ(kids.size(), 2u);
+  EXPECT_EQ(kids[0].at("type"), "mesh");
+  EXPECT_EQ(kids[0].at("size"), json::array({2, 1}));
+  EXPECT_EQ(kids[1].at("id"), "other");
+}
+
+// A group that keeps other art keeps the result too.
+TEST(Join, GroupWithOtherArtKeepsTheResult) {
+  std::vector<json> inside = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
+  json extra = MeshArt(Grid{});
+  extra["id"] = "extra";
+  extra["selected"] = false;
+  for (json& n : extra["nodes"]) n["p"][0] = n["p"][0].get<double>() + 100;
+  inside.push_back(extra);
+  json group = {{"type", "group"}, {"id", "g"}, {"children", inside}};
+  Session s(Doc({group}));
+  const json kids = Children(s.run(kJoinDocked));
+  ASSERT_EQ(kids.size(), 1u);
+  EXPECT_EQ(kids[0].at("id"), "g");
+  ASSERT_EQ(kids[0].at("children").size(), 2u);
+  EXPECT_EQ(kids[0].at("children")[0].at("size"), json::array({2, 1}));
+  EXPECT_EQ(kids[0].at("children")[1].at("id"), "extra");
+}
+
+// Meshes win over selected paths.
+TEST(Join, MeshesWinOverPaths) {
+  std::vector<json> art = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
+  for (int k = 0; k < 4; ++k)
+    art.push_back({{"type", "path"},
+                   {"selected", true},
+                   {"id", "p" + std::to_string(k)},
+                   {"segments", {{{"p", {200.0 + k, 0}}}, {{"p", {200.0 + k, 10}}}}}});
+  Session s(Doc(art));
+  const json kids = Children(s.run(kJoinDocked));
+  ASSERT_EQ(kids.size(), 5u);
+  EXPECT_EQ(kids[0].at("type"), "mesh");
+  EXPECT_EQ(kids[0].at("size"), json::array({2, 1}));
+  for (size_t k = 1; k < 5; ++k) EXPECT_EQ(kids[k].at("type"), "path");
+}
+
+}  // namespace
+}  // namespace sewtest
