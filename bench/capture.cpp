@@ -1,11 +1,12 @@
 // Colour capture from a 1024 x 1024 RGB image into one square mesh selected
 // as a whole, run through the loaded module as the panel runs it. Reports
 // the time per node, which must stay flat from 64 x 64 to 256 x 256 cells.
+#include "LBModule.h"
 #include <benchmark/benchmark.h>
 
 #include <cmath>
 
-#include "tests/colour/ColourDoc.h"
+#include "commands/color/ColourDoc.h"
 
 namespace {
 
@@ -39,7 +40,7 @@ void Capture(benchmark::State &state, bool edge) {
   mesh.opacity = [](int, int) { return 1.0; };
   static const coltest::ImageSpec photo = Photo();
   coltest::Session session({coltest::MeshJson(mesh), coltest::ImageJson(photo)});
-  for (auto _ : state) session.run(158, false, !edge, true, true);
+  for (auto _ : state) session.run(kCmdColorCapture, false, !edge, true, true);
   const double nodes = double(n + 1) * double(n + 1);
   state.counters["nodes"] = nodes;
   state.counters["per_node"] =

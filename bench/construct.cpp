@@ -1,6 +1,7 @@
 // Building one mesh from an n x n grid of docked paths (every third path
 // bent through a middle anchor, every other one drawn backwards): docking
 // of the ends, grid recognition ring by ring, and the mesh with its knots.
+#include "LBModule.h"
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -66,7 +67,7 @@ void BM_MeshFromDockedPaths(benchmark::State& state) {
     state.PauseTiming();
     host.setDocument(lb::io::readDocument(text));
     state.ResumeTiming();
-    host.runCommand(161, false, false);
+    host.runCommand(kCmdSewDocked, false, false);
   }
   state.SetItemsProcessed(state.iterations() * 2 * n * (n + 1));
   state.SetLabel("paths per second");

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 
+#include "LBModule.h"
 #include "host/Document.h"
 #include "host/Host.h"
 #include "host/mesh/GradientMesh.h"
@@ -86,16 +87,16 @@ void RunCommand(benchmark::State& state, int id, bool alt, bool ctrl) {
   void name(benchmark::State& state) { RunCommand(state, id, alt, ctrl); }                  \
   BENCHMARK(name)->Arg(64)->Arg(128)->Arg(256)->Unit(benchmark::kMillisecond)->MinTime(0.2)
 
-LB_GRID_BENCH(BM_DensityDoubleBoth, 162, false, false);
-LB_GRID_BENCH(BM_DensityDoubleI, 162, true, false);
-LB_GRID_BENCH(BM_DensityHalveBoth, 163, false, false);
-LB_GRID_BENCH(BM_UvResetSmart, 166, false, false);
-LB_GRID_BENCH(BM_UvResetLinear, 166, false, true);
-LB_GRID_BENCH(BM_RotateClockwise, 167, false, false);
-LB_GRID_BENCH(BM_RotateCounterClockwise, 167, true, false);
-LB_GRID_BENCH(BM_FlipI, 167, false, true);
-LB_GRID_BENCH(BM_FlipJ, 167, true, true);
-LB_GRID_BENCH(BM_HandlesRightAngle, 159, false, false);
+LB_GRID_BENCH(BM_DensityDoubleBoth, kCmdDensityInc, false, false);
+LB_GRID_BENCH(BM_DensityDoubleI, kCmdDensityInc, true, false);
+LB_GRID_BENCH(BM_DensityHalveBoth, kCmdDensityDec, false, false);
+LB_GRID_BENCH(BM_UvResetSmart, kCmdUvReset, false, false);
+LB_GRID_BENCH(BM_UvResetLinear, kCmdUvReset, false, true);
+LB_GRID_BENCH(BM_RotateClockwise, kCmdDirRotate, false, false);
+LB_GRID_BENCH(BM_RotateCounterClockwise, kCmdDirRotate, true, false);
+LB_GRID_BENCH(BM_FlipI, kCmdDirRotate, false, true);
+LB_GRID_BENCH(BM_FlipJ, kCmdDirRotate, true, true);
+LB_GRID_BENCH(BM_HandlesRightAngle, kCmdHandles90, false, false);
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 
+#include "LBModule.h"
 #include "host/Document.h"
 #include "host/Host.h"
 #include "host/mesh/GradientMesh.h"
@@ -90,13 +91,13 @@ void RunCommands(benchmark::State& state, int id, bool alt, bool ctrl, int secon
   void name(benchmark::State& state) { RunCommands(state, __VA_ARGS__); }            \
   BENCHMARK(name)->Arg(32)->Arg(64)->Arg(128)->Unit(benchmark::kMillisecond)->MinTime(0.2)
 
-LB_KNOTS_BENCH(BM_KnotsToVertices, 134, false, false);
-LB_KNOTS_BENCH(BM_KnotsDeleteCorrected, 134, true, false);
-LB_KNOTS_BENCH(BM_KnotsDeletePlain, 134, false, true);
-LB_KNOTS_BENCH(BM_VerticesToKnots, 135, false, false);
-LB_KNOTS_BENCH(BM_VerticesDeleteCorrected, 135, true, false);
-LB_KNOTS_BENCH(BM_VerticesDeletePlain, 135, false, true);
-LB_KNOTS_BENCH(BM_BrushGridRoundTrip, 142, false, false, 143);
+LB_KNOTS_BENCH(BM_KnotsToVertices, kCmdKnotsToVertices, false, false);
+LB_KNOTS_BENCH(BM_KnotsDeleteCorrected, kCmdKnotsToVertices, true, false);
+LB_KNOTS_BENCH(BM_KnotsDeletePlain, kCmdKnotsToVertices, false, true);
+LB_KNOTS_BENCH(BM_VerticesToKnots, kCmdVerticesToKnots, false, false);
+LB_KNOTS_BENCH(BM_VerticesDeleteCorrected, kCmdVerticesToKnots, true, false);
+LB_KNOTS_BENCH(BM_VerticesDeletePlain, kCmdVerticesToKnots, false, true);
+LB_KNOTS_BENCH(BM_BrushGridRoundTrip, kCmdBmgCreate, false, false, kCmdBmgToMesh);
 
 }  // namespace
 

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <memory>
 
+#include "LBModule.h"
 #include "host/Document.h"
 #include "host/Host.h"
 #include "host/mesh/GradientMesh.h"
@@ -92,19 +93,19 @@ void Run(benchmark::State& state, int id, MakeDoc make, double resultNodes) {
 
 void BM_SewMove(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
-  Run(state, 152, [n] { return PairDocument(n, false); }, double(n + 1) * (2 * n + 1));
+  Run(state, kCmdSewMeshMove, [n] { return PairDocument(n, false); }, double(n + 1) * (2 * n + 1));
 }
 void BM_SewAddRow(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
-  Run(state, 153, [n] { return PairDocument(n, false); }, double(n + 1) * (2 * n + 2));
+  Run(state, kCmdSewMeshAdd, [n] { return PairDocument(n, false); }, double(n + 1) * (2 * n + 2));
 }
 void BM_SewMoveUnequal(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
-  Run(state, 152, [n] { return PairDocument(n, true); }, double(n + 1) * (2 * n + 1));
+  Run(state, kCmdSewMeshMove, [n] { return PairDocument(n, true); }, double(n + 1) * (2 * n + 1));
 }
 void BM_JoinBlock(benchmark::State& state) {
   const int k = static_cast<int>(state.range(0));
-  Run(state, 161, [k] { return BlockDocument(k); }, double(16 * k + 1) * (16 * k + 1));
+  Run(state, kCmdSewDocked, [k] { return BlockDocument(k); }, double(16 * k + 1) * (16 * k + 1));
 }
 
 BENCHMARK(BM_SewMove)->Arg(32)->Arg(64)->Arg(128)->Unit(benchmark::kMillisecond)->MinTime(0.2);

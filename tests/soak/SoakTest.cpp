@@ -3,6 +3,7 @@
 // invariants, a byte-identical write/read round trip and the host's
 // live-object counters. LB_SOAK_STEPS sets the number of commands (default
 // 1500), LB_SOAK_SEED the seed.
+#include "LBModule.h"
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -217,7 +218,7 @@ TEST(Soak, RandomCommandsKeepDocumentsSound) {
     host.setDocument(RandomDocument(r));
     // A few commands on the same document, so that edits compound.
     for (int k = r.Int(3, 12); k > 0 && done < steps; --k, ++done) {
-      const int id = r.Int(131, 170);
+      const int id = r.Int(kCmdFirst, kCmdLast);
       const bool alt = r.Chance(0.5), ctrl = r.Chance(0.5);
       const bool useColor = r.Chance(0.8), useOpacity = r.Chance(0.5);
       const lb::host::Counters before = lb::host::liveCounters();

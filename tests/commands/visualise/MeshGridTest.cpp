@@ -1,10 +1,11 @@
 // Command 131 without Ctrl+Alt: grid lines drawn as paths in "MeshGrid".
+#include "LBModule.h"
 #include "VisDoc.h"
 
 namespace vistest {
 namespace {
 
-constexpr int kGrid = 131;
+constexpr int kGrid = kCmdSetOfPaths;
 
 // The art of one grid line in an axis group: either one path named like
 // the line or a group of that name holding several paths.

@@ -3,7 +3,7 @@
 // (also after moving and scaling the grid), and broken grids left alone.
 #include <functional>
 
-#include "knots/KnotsDoc.h"
+#include "commands/grid/KnotsDoc.h"
 
 namespace knots {
 namespace {

@@ -4,6 +4,7 @@
 // and readers of the written runs, nodes and paths.
 #pragma once
 
+#include "LBModule.h"
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -23,7 +24,14 @@ namespace knots {
 using nlohmann::json;
 using Pt = std::pair<double, double>;
 
-enum Cmd { kMoveCorner = 133, kKnots = 134, kVertices = 135, kCutter = 140, kMakeBmg = 142, kFromBmg = 143 };
+enum Cmd {
+  kMoveCorner = kCmdMoveCornerNode,
+  kKnots = kCmdKnotsToVertices,
+  kVertices = kCmdVerticesToKnots,
+  kCutter = kCmdSplit,
+  kMakeBmg = kCmdBmgCreate,
+  kFromBmg = kCmdBmgToMesh,
+};
 
 // A run as written: its points and the kinds of its interior anchors
 // ('k' knot, 'v' vertex, 'V' selected vertex).

@@ -3,7 +3,7 @@
 // old corner place becomes a vertex; and the selections that are refused.
 #include <algorithm>
 
-#include "knots/KnotsDoc.h"
+#include "commands/grid/KnotsDoc.h"
 
 namespace knots {
 namespace {

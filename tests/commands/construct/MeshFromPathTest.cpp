@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "construct/ConstructDoc.h"
+#include "commands/construct/ConstructDoc.h"
 
 namespace constructtest {
 namespace {

@@ -1,7 +1,7 @@
 // Knots to vertices and back (134, 135): which segments are touched, the
 // exact points after each delete, the node selection afterwards, and that
 // the surface stays put when only the kinds of points change.
-#include "knots/KnotsDoc.h"
+#include "commands/grid/KnotsDoc.h"
 
 namespace knots {
 namespace {

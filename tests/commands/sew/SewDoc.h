@@ -3,6 +3,7 @@
 // checks that no host object leaked, and readers of the written meshes.
 #pragma once
 
+#include "LBModule.h"
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -20,9 +21,9 @@ namespace sewtest {
 
 using nlohmann::json;
 
-constexpr int kSewMove = 152;
-constexpr int kSewAddRow = 153;
-constexpr int kJoinDocked = 161;
+constexpr int kSewMove = kCmdSewMeshMove;
+constexpr int kSewAddRow = kCmdSewMeshAdd;
+constexpr int kJoinDocked = kCmdSewDocked;
 
 // A mesh of I x J straight cells of w x h units with its node (0, 0) at
 // (h0, v0); paint(i, j) gives each node's colour.

@@ -3,6 +3,7 @@
 // host objects, and readers for the written meshes.
 #pragma once
 
+#include "LBModule.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,8 +22,8 @@ namespace constructtest {
 
 using nlohmann::json;
 
-constexpr int kMeshFromPath = 141;
-constexpr int kMeshFromDockedPaths = 161;
+constexpr int kMeshFromPath = kCmdOneCellMesh;
+constexpr int kMeshFromDockedPaths = kCmdSewDocked;
 // One third and 0.8 as single-precision values, widened.
 constexpr double kThird = 0.3333333432674408;
 constexpr double kGray = 0.800000011920929;

@@ -1,4 +1,5 @@
 // Command 169: the UV report in one message box; 168 does nothing.
+#include "LBModule.h"
 #include "VisDoc.h"
 
 namespace vistest {
@@ -14,9 +15,9 @@ class UvReport : public ::testing::TestWithParam<UvCase> {};
 
 TEST_P(UvReport, OneBoxWithTheExactText) {
   Session s(MeshDoc(GetParam().meshes));
-  const json before = s.run(168);
+  const json before = s.run(kCmdNone168);
   EXPECT_TRUE(s.host.alerts().empty());
-  const json after = s.run(169);
+  const json after = s.run(kCmdDebugUVs);
   ASSERT_EQ(s.host.alerts().size(), 1u);
   EXPECT_EQ(s.host.alerts()[0], GetParam().text);
   EXPECT_EQ(before, after);  // the diagnostic changes nothing

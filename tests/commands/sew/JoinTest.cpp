@@ -8,7 +8,7 @@
 #include <map>
 #include <set>
 
-#include "sew/SewDoc.h"
+#include "commands/sew/SewDoc.h"
 
 namespace sewtest {
 namespace {

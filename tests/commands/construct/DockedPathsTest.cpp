@@ -9,7 +9,7 @@
 #include <string>
 #include <tuple>
 
-#include "construct/ConstructDoc.h"
+#include "commands/construct/ConstructDoc.h"
 
 namespace constructtest {
 namespace {

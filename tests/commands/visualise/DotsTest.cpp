@@ -1,10 +1,11 @@
 // Command 131 with Ctrl+Alt: vertices, knots and handles in "MeshPoints".
+#include "LBModule.h"
 #include "VisDoc.h"
 
 namespace vistest {
 namespace {
 
-constexpr int kGrid = 131;
+constexpr int kGrid = kCmdSetOfPaths;
 
 json RunDots(Session& s) { return s.run(kGrid, true, true); }
 

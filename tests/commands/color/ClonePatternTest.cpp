@@ -1,6 +1,7 @@
 // Clone colors (139) and Pattern fill (154) through the loaded module: which
 // node's colour and opacity every node carries afterwards, and which nodes
 // end selected.
+#include "LBModule.h"
 #include <gtest/gtest.h>
 
 #include "ColourDoc.h"
@@ -9,7 +10,7 @@ using namespace coltest;
 
 namespace {
 
-constexpr int kClone = 139, kPattern = 154;
+constexpr int kClone = kCmdColorClone, kPattern = kCmdColorPattern;
 
 MeshSpec Mesh(int tag, int I, int J, NodeSet sel, std::string id = "") {
   MeshSpec s;

@@ -1,11 +1,12 @@
 // Command 132: the red and blue axes ("Coords") and the corner squares
 // ("Corner Nodes").
+#include "LBModule.h"
 #include "VisDoc.h"
 
 namespace vistest {
 namespace {
 
-constexpr int kAxes = 132;
+constexpr int kAxes = kCmdAxesAndNodes;
 
 TEST(Axes, FourByThreeMeshHalfAxesAndNamedCorners) {
   Session s(MeshDoc({{4, 3}}));

@@ -5,7 +5,7 @@
 // result, and the cases that change nothing.
 #include <gtest/gtest.h>
 
-#include "sew/SewDoc.h"
+#include "commands/sew/SewDoc.h"
 
 namespace sewtest {
 namespace {

@@ -1,6 +1,7 @@
 // Colour capture (158) through the loaded module: pixel-exact sampling of
 // raster and placed images of every accepted kind, edge correction, the
 // image that wins, and capture from the bottom mesh's surface.
+#include "LBModule.h"
 #include <gtest/gtest.h>
 
 #include "AIMeshSuites.h"
@@ -11,7 +12,7 @@ using namespace coltest;
 
 namespace {
 
-constexpr int kCapture = 158;
+constexpr int kCapture = kCmdColorCapture;
 
 double Unit(int byte) { return static_cast<double>(static_cast<float>(byte) / 255.0f); }
 

@@ -7,7 +7,7 @@
 
 #include <set>
 
-#include "sew/SewDoc.h"
+#include "commands/sew/SewDoc.h"
 
 namespace sewtest {
 namespace {

@@ -1,7 +1,7 @@
 // The mesh cutter (140): which selections mark a cut line, that the two
 // parts carry the mesh's content on both sides of it, and the bridge of a
 // one-cell strip with its nodes on the selected vertices.
-#include "knots/KnotsDoc.h"
+#include "commands/grid/KnotsDoc.h"
 
 namespace knots {
 namespace {
