@@ -717,6 +717,10 @@ Image renderDocument(const Document& doc, const RenderOptions& options) {
   return img;
 }
 
+void drawDocument(const Document& doc, cairo_t* cr, const RenderOptions& options, const AIRealRect& area) {
+  Renderer(doc, cr, options, area).draw();
+}
+
 void renderDocumentPng(const Document& doc, const std::string& outPng, const RenderOptions& options) {
   Image img = renderDocument(doc, options);
   const std::string tmp = outPng + ".tmp" + std::to_string(::getpid());

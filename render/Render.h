@@ -9,6 +9,8 @@
 
 #include "host/Document.h"
 
+typedef struct _cairo cairo_t;
+
 namespace lb::render {
 
 struct RenderOptions {
@@ -41,6 +43,12 @@ AIRealRect renderArea(const lb::host::Document& doc);
 // std::runtime_error for a scale outside 0.0001..10000 or when the picture
 // cannot be made.
 Image renderDocument(const lb::host::Document& doc, const RenderOptions& options = {});
+
+// Draws the document's art (no page background) onto any cairo context,
+// `area` (left, top, right, bottom in document units) filling the device
+// space from (0, 0) at options.scale device units per document unit. The
+// PDF export draws through this onto cairo's PDF surface.
+void drawDocument(const lb::host::Document& doc, cairo_t* cr, const RenderOptions& options, const AIRealRect& area);
 
 // Writes the picture as PNG (fast zlib level), atomically (temporary file,
 // then rename).

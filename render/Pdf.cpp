@@ -1,0 +1,42 @@
+// PDF export: the renderer's drawing onto cairo's PDF surface.
+#include "render/Pdf.h"
+
+#include <cairo-pdf.h>
+#include <cairo.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <stdexcept>
+
+#include "render/Render.h"
+
+namespace lb::render {
+
+void writePdf(const lb::host::Document& doc, const std::string& path) {
+  const AIRealRect area = renderArea(doc);
+  const double w = area.right - area.left, h = area.top - area.bottom;
+  if (!std::isfinite(w) || !std::isfinite(h) || w <= 0 || h <= 0 || w > 14400 || h > 14400)
+    throw std::runtime_error("cannot write " + path + ": the page must be between 0 and 14400 units a side");
+  const std::string tmp = path + ".tmp" + std::to_string(::getpid());
+  cairo_surface_t* surf = cairo_pdf_surface_create(tmp.c_str(), w, h);
+  cairo_t* cr = cairo_create(surf);
+  RenderOptions options;
+  options.scale = 1;
+  drawDocument(doc, cr, options, area);
+  cairo_status_t st = cairo_status(cr);
+  cairo_destroy(cr);
+  cairo_surface_finish(surf);
+  if (st == CAIRO_STATUS_SUCCESS) st = cairo_surface_status(surf);
+  cairo_surface_destroy(surf);
+  if (st != CAIRO_STATUS_SUCCESS) {
+    std::remove(tmp.c_str());
+    throw std::runtime_error("cannot write " + path + ": " + cairo_status_to_string(st));
+  }
+  if (std::rename(tmp.c_str(), path.c_str()) != 0) {
+    std::remove(tmp.c_str());
+    throw std::runtime_error("cannot write " + path);
+  }
+}
+
+}  // namespace lb::render
