@@ -23,6 +23,7 @@ void writePdf(const lb::host::Document& doc, const std::string& path) {
   cairo_t* cr = cairo_create(surf);
   RenderOptions options;
   options.scale = 1;
+  options.maskMeshes = true;
   drawDocument(doc, cr, options, area);
   cairo_status_t st = cairo_status(cr);
   cairo_destroy(cr);

@@ -16,6 +16,11 @@ namespace lb::render {
 struct RenderOptions {
   double scale = 1;        // device pixels per document unit
   bool selection = false;  // overlay selected mesh vertices, knots and handles
+  // Paint each mesh's colour unclipped and mask it with its outline
+  // instead of filling the outline with it: the same picture, but PDF
+  // viewers that do not anti-alias shading clips (poppler's Splash) then
+  // anti-alias the mesh edge like any other fill.
+  bool maskMeshes = false;
 };
 
 // An image in cairo's ARGB32 layout: one uint32 per pixel, premultiplied
