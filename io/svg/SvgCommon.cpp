@@ -1,6 +1,11 @@
 // Names, base64 and the drawn area shared by the SVG writer and reader.
 #include "io/svg/SvgCommon.h"
 
+#include <sstream>
+#include <vector>
+
+#include "host/Color.h"
+#include "io/svg/SvgSyntax.h"
 #include "render/Render.h"
 
 namespace lb::io::svg {
@@ -58,6 +63,36 @@ bool unbase64(const std::string& text, std::string* bytes) {
       bytes->push_back(static_cast<char>((acc >> bits) & 0xff));
     }
   }
+  return true;
+}
+
+std::string exactColour(const AIColor& c) {
+  if (c.kind == kNoneColor) return "none";
+  double v[4];
+  lb::host::colorComponents(c, v);
+  const int n = lb::host::componentCount(c.kind);
+  std::string out = c.kind == kGrayColor ? "gray" : c.kind == kFourColor ? "cmyk" : "rgb";
+  for (int k = 0; k < n; ++k) out += " " + fmt(v[k]);
+  return out;
+}
+
+bool parseExactColour(const std::string& text, AIColor* c) {
+  std::istringstream in(text);
+  std::string kind;
+  in >> kind;
+  if (kind == "none") {
+    c->kind = kNoneColor;
+    return true;
+  }
+  const AIColorTag tag = kind == "gray" ? kGrayColor : kind == "cmyk" ? kFourColor : kind == "rgb" ? kThreeColor : kNoneColor;
+  if (tag == kNoneColor) return false;
+  std::string rest;
+  std::getline(in, rest);
+  std::vector<double> v;
+  if (!parseNumbers(rest, &v) || static_cast<int>(v.size()) != lb::host::componentCount(tag)) return false;
+  for (double x : v)
+    if (!(x >= 0 && x <= 1)) return false;
+  *c = lb::host::colorFromComponents(tag, v.data());
   return true;
 }
 

@@ -20,6 +20,12 @@ std::string base64(const std::string& bytes);
 // False when the text is not base64.
 bool unbase64(const std::string& text, std::string* bytes);
 
+// A colour exactly, with its kind: "gray g", "rgb r g b", "cmyk c m y k"
+// (shortest round-trip numbers); "none".
+std::string exactColour(const AIColor& c);
+// False when the text is not such a colour or a component is outside 0..1.
+bool parseExactColour(const std::string& text, AIColor* c);
+
 // The artboard, or the bounds of all visible art (0, 1, 1, 0 when none).
 AIRealRect documentArea(const lb::host::Document& doc);
 

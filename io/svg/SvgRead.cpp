@@ -10,6 +10,9 @@
 #include <optional>
 #include <pugixml.hpp>
 
+#include <sstream>
+
+#include "host/Color.h"
 #include "host/Geometry.h"
 #include "io/MeshJson.h"
 #include "io/svg/MeshGrid.h"
@@ -59,6 +62,12 @@ class Reader {
     Style base;
     readStyle(root, base);
     for (pugi::xml_node c : root.children()) topLevel(c, Affine{}, base);
+    if (const char* key = root.attribute("latticebender:key").value(); *key) {
+      if (doc_->findById(key))
+        doc_->keyArtId = key;
+      else
+        losses_->add("the key object (no art has its id)");
+    }
     for (const std::string& id : select) {
       ArtObject* a = doc_->findById(id);
       if (!a) {
@@ -94,7 +103,7 @@ class Reader {
       std::vector<double> n;
       if (!parseNumbers(vb.value(), &n) || n.size() != 4 || !(n[2] > 0) || !(n[3] > 0))
         throw FormatError(describe(root), std::string("bad viewBox '") + vb.value() + "'");
-      doc_->artboard = AIRealRect{n[0], -n[1], n[0] + n[2], -(n[1] + n[3])};
+      doc_->artboard = AIRealRect{n[0] + 0.0, -n[1] + 0.0, n[0] + n[2] + 0.0, -(n[1] + n[3]) + 0.0};
       return;
     }
     const double w = length(root, "width", 0), h = length(root, "height", 0);
@@ -321,6 +330,19 @@ class Reader {
     return true;
   }
 
+  // Our own record of the exact colour, used while the SVG colour still
+  // shows it (the paint was not changed elsewhere).
+  static void exact(pugi::xml_node e, const char* name, bool painted, AIColor* c) {
+    pugi::xml_attribute a = e.attribute(name);
+    AIColor mine;
+    if (!a || !painted || c->kind != kThreeColor || !parseExactColour(a.value(), &mine) || mine.kind == kNoneColor) return;
+    double r, g, b;
+    lb::host::colorToRGB(mine, &r, &g, &b);
+    if (std::fabs(r - c->c.rgb.red) <= 0.6 / 255 && std::fabs(g - c->c.rgb.green) <= 0.6 / 255 &&
+        std::fabs(b - c->c.rgb.blue) <= 0.6 / 255)
+      *c = mine;
+  }
+
   static const char* href(pugi::xml_node e) {
     const char* h = e.attribute("xlink:href").value();
     if (!*h) h = e.attribute("href").value();
@@ -352,6 +374,8 @@ class Reader {
     AIPathStyle ps{};
     ps.fillPaint = paint(e, st.fill, st.fillOpacity, &ps.fill.color);
     ps.strokePaint = paint(e, st.stroke, st.strokeOpacity, &ps.stroke.color);
+    exact(e, "latticebender:fill", ps.fillPaint, &ps.fill.color);
+    exact(e, "latticebender:stroke", ps.strokePaint, &ps.stroke.color);
     ps.stroke.width = st.strokeWidth * std::sqrt(std::fabs(m.a * m.d - m.b * m.c));
     if (ps.strokePaint && std::fabs(m.a * m.d - m.b * m.c - 1) > 1e-9 &&
         std::fabs(std::hypot(m.a, m.b) - std::hypot(m.c, m.d)) > 1e-9)
@@ -365,6 +389,9 @@ class Reader {
     if (!compound) {
       art = pathFromSub(*parts[0], m);
       art->style = ps;
+      const std::string types = e.attribute("sodipodi:nodetypes").value();
+      if (types.size() >= art->segments.size())
+        for (size_t k = 0; k < art->segments.size(); ++k) art->segments[k].corner = types[k] != 's' && types[k] != 'z' && types[k] != 'a';
     } else {
       art = std::make_unique<ArtObject>();
       art->type = kCompoundPathArt;
@@ -373,7 +400,7 @@ class Reader {
         auto p = pathFromSub(*s, m);
         p->style = ps;
         p->parent = art.get();
-        art->children.insert(art->children.begin(), std::move(p));
+        art->children.push_back(std::move(p));
       }
     }
     commonArt(e, *art, st);
@@ -407,7 +434,7 @@ class Reader {
       throw FormatError(describe(e), "the embedded PNG cannot be decoded");
     }
     auto art = std::make_unique<ArtObject>();
-    art->type = std::strcmp(e.attribute("latticebender:placed").value(), "true") == 0 ? kPlacedArt : kRasterArt;
+    art->type = *e.attribute("latticebender:placed").value() ? kPlacedArt : kRasterArt;
     ArtImage& im = art->image;
     cairo_surface_t* argb = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, cairo_image_surface_get_width(surf),
                                                        cairo_image_surface_get_height(surf));
@@ -442,6 +469,8 @@ class Reader {
       }
     cairo_surface_destroy(argb);
     if (im.pixels.empty()) return nullptr;
+    if (const char* placed = e.attribute("latticebender:placed").value(); *placed) im.placedType = static_cast<int16_t>(std::atoi(placed));
+    ownPixels(e, art.get());
     // Pixel (x, row) is at image (x, -row); the element puts it at
     // (ix + x * w / W, iy + row * h / H) in its user space.
     const double ix = length(e, "x", 0), iy = length(e, "y", 0);
@@ -452,6 +481,30 @@ class Reader {
     im.matrix = {ex.h - o.h, ex.v - o.v, ey.h - o.h, ey.v - o.v, o.h, o.v};
     commonArt(e, *art, st);
     return art;
+  }
+
+  // The pixels as this program wrote them (gray, CMYK, 16 bits), when the
+  // element still holds an image of their size.
+  static void ownPixels(pugi::xml_node e, ArtObject* art) {
+    pugi::xml_attribute kind = e.attribute("latticebender:raster"), data = e.attribute("latticebender:pixels");
+    if (!kind || !data) return;
+    std::istringstream in(kind.value());
+    std::string space, alpha;
+    int bits = 0;
+    in >> space >> bits >> alpha;
+    ArtImage im = art->image;
+    im.space = space == "rgb" ? kRGBColorSpace : space == "cmyk" ? kCMYKColorSpace : kGrayColorSpace;
+    im.bits = static_cast<int16_t>(bits);
+    im.alpha = alpha == "alpha";
+    std::string bytes;
+    if ((bits != 8 && bits != 16) || !unbase64(data.value(), &bytes) || bytes.size() != im.expectedBytes()) return;
+    im.pixels.assign(bytes.begin(), bytes.end());
+    art->image = std::move(im);
+    AIColor fill;
+    if (pugi::xml_attribute f = e.attribute("latticebender:fill"); f && parseExactColour(f.value(), &fill)) {
+      art->style.fillPaint = true;
+      art->style.fill.color = fill;
+    }
   }
 
   // ---- meshgradient ----------------------------------------------------

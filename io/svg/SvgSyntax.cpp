@@ -214,8 +214,9 @@ bool parsePathData(const std::string& d, std::vector<SubPath>* out, std::string*
   };
   while (!sc.done()) {
     if (std::isalpha(static_cast<unsigned char>(*sc.p))) {
+      if (!std::strchr("MmLlHhVvCcSsQqTtAaZz", *sc.p)) return fail(std::string("unknown command '") + *sc.p + "'");
+      if (out->empty() && *sc.p != 'M' && *sc.p != 'm') return fail("path data must start with M");
       cmd = *sc.p++;
-      if (!std::strchr("MmLlHhVvCcSsQqTtAaZz", cmd)) return fail(std::string("unknown command '") + cmd + "'");
     } else if (cmd == 0) {
       return fail("path data must start with a command");
     } else if (cmd == 'Z' || cmd == 'z') {
@@ -230,8 +231,8 @@ bool parsePathData(const std::string& d, std::vector<SubPath>* out, std::string*
       sub = &out->back();
     }
     double v[7];
-    auto nums = [&](int n) {
-      for (int k = 0; k < n; ++k) {
+    auto nums = [&](int n, int first = 0) {
+      for (int k = first; k < first + n; ++k) {
         if (!sc.number(&v[k])) return false;
         sc.skipSep();
       }
@@ -308,7 +309,7 @@ bool parsePathData(const std::string& d, std::vector<SubPath>* out, std::string*
         sc.skipSep();
         if (!sc.flag(&sweep)) return fail("bad sweep flag");
         sc.skipSep();
-        if (!nums(2)) return fail("A needs an end point");
+        if (!nums(2, 3)) return fail("A needs an end point");
         const Point p = off(v[3], v[4]);
         arcTo(sub->pts, cur, v[0], v[1], v[2], large, sweep, p);
         cur = p;

@@ -65,10 +65,9 @@ class Writer {
     svg.append_attribute("width") = num(w).c_str();
     svg.append_attribute("height") = num(h).c_str();
     svg.append_attribute("viewBox") = (num(area.left) + " " + num(-area.top) + " " + num(w) + " " + num(h)).c_str();
-    if (doc_.artboard) svg.append_attribute("latticebender:artboard") = "true";
+    if (!doc_.keyArtId.empty()) svg.append_attribute("latticebender:key") = doc_.keyArtId.c_str();
     defs_ = svg.append_child("defs");
     if (!doc_.styles().empty()) losses_->add("graphic styles (art keeps its own paint)");
-    if (!doc_.keyArtId.empty()) losses_->add("the key object");
     const auto& layers = doc_.layers();
     for (auto it = layers.rbegin(); it != layers.rend(); ++it) {
       const ArtObject& layer = **it;
@@ -109,16 +108,18 @@ class Writer {
     if (!a.graphicStyle.empty()) e.append_attribute("latticebender:graphic-style") = a.graphicStyle.c_str();
   }
 
-  std::string paint(const AIColor& c) {
+  // The colour as SVG shows it; the exact colour and its kind go in an
+  // attribute of our own.
+  static std::string paint(const AIColor& c) {
     if (c.kind == kNoneColor) return "none";
-    if (c.kind == kGrayColor) losses_->add("gray colours (written as RGB)");
-    if (c.kind == kFourColor) losses_->add("CMYK colours (written as RGB)");
     double r, g, b;
     lb::host::colorToRGB(c, &r, &g, &b);
     return hexColour(r, g, b);
   }
 
   void pathStyle(const AIPathStyle& st, pugi::xml_node e, bool evenOdd) {
+    if (st.fillPaint) e.append_attribute("latticebender:fill") = exactColour(st.fill.color).c_str();
+    if (st.strokePaint) e.append_attribute("latticebender:stroke") = exactColour(st.stroke.color).c_str();
     std::string s;
     s += "fill:" + (st.fillPaint ? paint(st.fill.color) : std::string("none")) + ";";
     if (evenOdd) s += "fill-rule:evenodd;";
@@ -149,6 +150,15 @@ class Writer {
     if (p.closed) d += " Z";
   }
 
+  // Smooth and corner anchors as Inkscape records them: one letter per
+  // anchor, c for a corner, s for a smooth one.
+  static void nodeTypes(const ArtObject& p, pugi::xml_node e) {
+    std::string t;
+    for (const AIPathSegment& sg : p.segments) t += sg.corner ? 'c' : 's';
+    if (p.closed && !t.empty()) t += t[0];
+    e.append_attribute("sodipodi:nodetypes") = t.c_str();
+  }
+
   void art(const ArtObject& a, pugi::xml_node into) {
     switch (a.type) {
       case kGroupArt: {
@@ -164,8 +174,7 @@ class Writer {
         pathData(a, d);
         e.append_attribute("d") = d.c_str();
         pathStyle(a.style, e, false);
-        if (std::any_of(a.segments.begin(), a.segments.end(), [](const AIPathSegment& s) { return !s.corner; }))
-          losses_->add("smooth-anchor flags of paths");
+        nodeTypes(a, e);
         break;
       }
       case kCompoundPathArt: {
@@ -204,12 +213,6 @@ class Writer {
       losses_->add("meshes without colour");
       return;
     }
-    for (int j = 0; j <= m.sizeJ(); ++j)
-      for (int i = 0; i <= m.sizeI(); ++i) {
-        const AIColorTag k = m.nodeData(i, j).color.kind;
-        if (k == kGrayColor) losses_->add("gray colours (written as RGB)");
-        if (k == kFourColor) losses_->add("CMYK colours (written as RGB)");
-      }
     const MeshGrid g = gridFromMesh(m, kMinCell);
     const std::string gid = freshId("lbmesh");
     pugi::xml_node mg = defs_.append_child("meshgradient");
@@ -283,8 +286,6 @@ class Writer {
       losses_->add("images without pixel data");
       return;
     }
-    if (im.bits == 16) losses_->add("16-bit image depth");
-    if (im.space == kFourColor || im.channels() - (im.alpha ? 1 : 0) >= 4) losses_->add("CMYK images (written as RGB)");
     const bool colourise = im.space == kGrayColorSpace && a.style.fillPaint && a.style.fill.color.kind != kNoneColor;
     double fr = 0, fg = 0, fb = 0;
     if (colourise) lb::host::colorToRGB(a.style.fill.color, &fr, &fg, &fb);
@@ -329,10 +330,6 @@ class Writer {
         },
         &png);
     cairo_surface_destroy(surf);
-    if (im.space == kGrayColorSpace && !colourise) {
-      // Gray images are written as RGB pixels of the same look.
-      losses_->add("gray images (written as RGB)");
-    }
     pugi::xml_node e = into.append_child("image");
     common(a, e);
     e.append_attribute("width") = im.width;
@@ -345,7 +342,16 @@ class Writer {
                                        " " + num(m.tx) + " " + num(-m.ty) + ")")
                                           .c_str();
     e.append_attribute("xlink:href") = ("data:image/png;base64," + base64(png)).c_str();
-    if (a.type == kPlacedArt) e.append_attribute("latticebender:placed") = "true";
+    if (a.type == kPlacedArt) e.append_attribute("latticebender:placed") = std::to_string(im.placedType).c_str();
+    // The pixels as they are (gray, CMYK, 16 bits) and the colourising fill.
+    if (im.space != kRGBColorSpace || im.bits != 8 || a.style.fillPaint) {
+      const char* space = im.space == kRGBColorSpace ? "rgb" : im.space == kCMYKColorSpace ? "cmyk" : "gray";
+      e.append_attribute("latticebender:raster") =
+          (std::string(space) + " " + std::to_string(im.bits) + (im.alpha ? " alpha" : "")).c_str();
+      e.append_attribute("latticebender:pixels") =
+          base64(std::string(im.pixels.begin(), im.pixels.begin() + static_cast<long>(im.expectedBytes()))).c_str();
+      if (a.style.fillPaint) e.append_attribute("latticebender:fill") = exactColour(a.style.fill.color).c_str();
+    }
   }
 
   const Document& doc_;
