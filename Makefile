@@ -5,7 +5,7 @@ BUILD_ASAN ?= build-asan
 JOBS       ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build build-asan demo test test-fast test-asan bench clean
+.PHONY: all deps build build-asan demo test test-fast test-asan bench clean install-inkscape
 
 all: build
 
@@ -41,3 +41,12 @@ bench: build
 
 clean:
 	rm -rf $(BUILD) $(BUILD_ASAN) demo-out
+
+# The Inkscape extension for the current user: the .inx files and the
+# script, and a link to the built program beside them.
+INKSCAPE_EXT ?= $(shell inkscape --user-data-directory 2>/dev/null || echo $(HOME)/.config/inkscape)/extensions
+install-inkscape: build
+	mkdir -p "$(INKSCAPE_EXT)"
+	cp extensions/inkscape/*.inx extensions/inkscape/latticebender.py "$(INKSCAPE_EXT)/"
+	ln -sf "$(abspath $(BUILD))/latticebender" "$(INKSCAPE_EXT)/latticebender"
+	@echo "installed into $(INKSCAPE_EXT); restart Inkscape and look under Extensions > LatticeBender"
