@@ -118,6 +118,8 @@ class Reader {
                              "visibility", "opacity", "mix-blend-mode", "clip-path", "mask", "filter"})
       if (pugi::xml_attribute a = e.attribute(name)) props[name] = trim(a.value());
     parseStyleAttribute(e.attribute("style").value(), &props);
+    // A hidden group hides its children; they keep their own state.
+    st.hidden = false;
     for (auto& [k, v] : props) {
       if (v == "inherit") continue;
       if (k == "fill") st.fill = v;
@@ -324,7 +326,7 @@ class Reader {
     double r, g, b;
     if (colour == "currentColor") colour = "black";
     if (!parseColour(colour, &r, &g, &b)) throw FormatError(describe(e), "bad colour '" + colour + "'");
-    if (opacity < 1) losses_->add("fill and stroke opacity");
+    (void)opacity;
     out->kind = kThreeColor;
     out->c.rgb = {r, g, b};
     return true;
@@ -404,6 +406,13 @@ class Reader {
       }
     }
     commonArt(e, *art, st);
+    // Fill or stroke opacity of art painted only one way is art opacity.
+    if (ps.fillPaint && !ps.strokePaint)
+      art->opacity *= st.fillOpacity;
+    else if (ps.strokePaint && !ps.fillPaint)
+      art->opacity *= st.strokeOpacity;
+    else if (ps.fillPaint && (st.fillOpacity < 1 || st.strokeOpacity < 1))
+      losses_->add("fill and stroke opacity of art with both");
     return art;
   }
 

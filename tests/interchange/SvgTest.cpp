@@ -381,6 +381,21 @@ TEST(BadSvg, NamedErrors) {
   }
 }
 
+// Hidden groups keep their children's own state; fill-opacity of art
+// painted only with a fill becomes its opacity.
+TEST(ReadSvg, HiddenGroupsAndFillOpacity) {
+  auto doc = lb::io::svg::readSvg(
+      "<svg><g id='g' style='display:none'><rect id='r' width='2' height='2' fill='red' fill-opacity='0.5' "
+      "opacity='0.5'/></g><rect id='s' width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>",
+      {}, nullptr);
+  EXPECT_TRUE(doc->findById("g")->hidden());
+  EXPECT_FALSE(doc->findById("r")->hidden());
+  EXPECT_DOUBLE_EQ(doc->findById("r")->opacity, 0.25);
+  Losses losses;
+  lb::io::svg::readSvg("<svg><rect width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>", {}, &losses);
+  EXPECT_NE(losses.text().find("fill and stroke opacity"), std::string::npos);
+}
+
 TEST(Losses, UnsupportedContentIsNamed) {
   Losses losses;
   auto doc = lb::io::svg::readSvg(
