@@ -663,6 +663,8 @@ class Reader {
     const Point o = m.apply({0, 0}), ex = m.apply({1, 0}), ey = m.apply({0, 1});
     const AIRealMatrix dm{ex.x - o.x, -(ex.y - o.y), -(ey.x - o.x), ey.y - o.y, o.x, -o.y};
     if (dm.a != 1 || dm.b != 0 || dm.c != 0 || dm.d != 1 || dm.tx != 0 || dm.ty != 0) mesh->transform(dm);
+    // The selection comes from the caller's --select, not from the file.
+    mesh->clearSelection();
     const MeshGrid mine = gridFromMesh(*mesh, kMinCell);
     if (mine.cols != grid.cols || mine.rows != grid.rows) return nullptr;
     const AIRealRect bb = mesh->bounds();

@@ -9,6 +9,7 @@
 #include "app/DemoTour.h"
 #include "app/Interchange.h"
 #include "io/Lbdoc.h"
+#include "io/svg/Svg.h"
 
 namespace {
 namespace fs = std::filesystem;
@@ -69,6 +70,51 @@ TEST(ExternalRender, PopplerPictureOfOurPdfMatchesRender) {
     const double db = lb::test::psnr(lb::test::loadPng(stem.string() + ".png"), ours(*doc));
     EXPECT_GE(db, kMinPsnr) << name;
     std::printf("poppler  %-32s %.1f dB\n", name.c_str(), db);
+  }
+}
+
+// The text without any attribute of our own namespace: what a program
+// that keeps only standard SVG leaves of our file.
+std::string withoutOwnAttributes(std::string text) {
+  for (size_t at; (at = text.find("latticebender:")) != std::string::npos;) {
+    size_t start = at;
+    while (start > 0 && (text[start - 1] == ' ' || text[start - 1] == '\n')) --start;
+    const size_t quote = text.find('"', at);
+    const size_t end = quote == std::string::npos ? std::string::npos : text.find('"', quote + 1);
+    if (end == std::string::npos) break;
+    text.erase(start, end + 1 - start);
+  }
+  return text;
+}
+
+// Meshes Inkscape itself wrote: our SVG opened and saved again by Inkscape
+// (as plain SVG, without our own attributes) reads back as meshes giving
+// the same picture.
+TEST(ExternalRender, MeshesSavedByInkscapeReadBack) {
+  if (!lb::test::haveProgram("inkscape")) GTEST_SKIP() << "inkscape is not installed (scripts/install-deps.sh)";
+  const fs::path dir = lb::test::scratchDir("inkscape-saved");
+  std::vector<std::pair<std::string, std::unique_ptr<lb::host::Document>>> docs;
+  docs.emplace_back("demo", lb::app::demoDocument({}, lb::app::DemoScene::kSwatch));
+  docs.emplace_back("example", lb::io::readDocumentFile(
+                                   (fs::path(std::getenv("LB_SOURCE_DIR") ? std::getenv("LB_SOURCE_DIR") : "..") /
+                                    "examples" / "mesh.lbdoc").string()));
+  for (const auto& [name, doc] : docs) {
+    const fs::path svg = dir / (name + ".svg"), saved = dir / (name + "-inkscape.svg");
+    lb::app::writeAnyDocument(*doc, svg.string());
+    const std::string cmd = "inkscape --export-plain-svg --export-filename='" + saved.string() + "' '" +
+                            svg.string() + "' > /dev/null 2>&1";
+    ASSERT_EQ(std::system(cmd.c_str()), 0) << name;
+    const std::string text = withoutOwnAttributes(lb::test::slurp(saved));
+    ASSERT_EQ(text.find("latticebender:"), std::string::npos);
+    ASSERT_NE(text.find("<meshgradient"), std::string::npos);
+    auto back = lb::io::svg::readSvg(text, {}, nullptr);
+    size_t meshes = 0, expected = 0;
+    for (ArtObject* a : back->allArt()) meshes += a->type == kMeshArt;
+    for (ArtObject* a : doc->allArt()) expected += a->type == kMeshArt;
+    EXPECT_EQ(meshes, expected) << name;
+    const double db = lb::test::psnr(ours(*back), ours(*doc));
+    EXPECT_GE(db, 40) << name;
+    std::printf("inkscape-saved %-26s %.1f dB\n", name.c_str(), db);
   }
 }
 
