@@ -46,6 +46,17 @@ void writeTextAtomic(const std::string& text, const std::string& path) {
   }
 }
 
+// A picture holds what is drawn: the art tree, names, ids, selections and
+// hidden art are not part of it, as expected of PDF and PNG. Art that
+// would be drawn and cannot be is named.
+void pictureLosses(const lb::host::Document& doc, const std::string& path) {
+  lb::io::svg::Losses losses;
+  for (const ArtObject* a : doc.allArt())
+    if (a->type == kPlacedArt && a->image.placedType != kPlacedImageType && !a->hidden())
+      losses.add("placed content that is not an image");
+  if (!losses.empty()) warn(path + " cannot hold: " + losses.text());
+}
+
 }  // namespace
 
 bool isSvgPath(const std::string& path) { return endsWith(path, ".svg"); }
@@ -98,10 +109,12 @@ void writeAnyDocument(const lb::host::Document& doc, const std::string& path, do
     if (!losses.empty()) warn(path + " cannot hold: " + losses.text());
   } else if (endsWith(path, ".pdf")) {
     lb::render::writePdf(doc, path);
+    pictureLosses(doc, path);
   } else if (endsWith(path, ".png")) {
     lb::render::RenderOptions options;
     options.scale = scale;
     lb::render::renderDocumentPng(doc, path, options);
+    pictureLosses(doc, path);
   } else {
     lb::io::writeDocumentFileAtomic(doc, path);
   }

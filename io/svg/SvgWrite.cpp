@@ -60,8 +60,13 @@ class Writer {
     svg.append_attribute("xmlns:sodipodi") = "http://sodipodi.sourceforge.net/DTD/sodipodi-0.dtd";
     svg.append_attribute("xmlns:latticebender") = kLbNamespace;
     svg.append_attribute("version") = "1.1";
-    const AIRealRect area = documentArea(doc_);
-    const double w = area.right - area.left, h = area.top - area.bottom;
+    AIRealRect area = documentArea(doc_);
+    // An empty or unbounded area becomes a unit square: a viewBox must
+    // have a positive, finite size.
+    if (!std::isfinite(area.left) || !std::isfinite(area.top)) area.left = 0, area.top = 1;
+    double w = area.right - area.left, h = area.top - area.bottom;
+    if (!(w > 0) || !std::isfinite(w)) w = 1;
+    if (!(h > 0) || !std::isfinite(h)) h = 1;
     svg.append_attribute("width") = num(w).c_str();
     svg.append_attribute("height") = num(h).c_str();
     svg.append_attribute("viewBox") = (num(area.left) + " " + num(-area.top) + " " + num(w) + " " + num(h)).c_str();
@@ -168,6 +173,11 @@ class Writer {
         break;
       }
       case kPathArt: {
+        for (const AIPathSegment& sg : a.segments)
+          if (!finite(sg.p) || !finite(sg.in) || !finite(sg.out)) {
+            losses_->add("art with non-finite coordinates");
+            return;
+          }
         pugi::xml_node e = into.append_child("path");
         common(a, e);
         std::string d;
@@ -207,8 +217,18 @@ class Writer {
     }
   }
 
+  static bool finite(AIRealPoint p) { return std::isfinite(p.h) && std::isfinite(p.v); }
+
   void mesh(const ArtObject& a, pugi::xml_node into) {
     const lb::host::GradientMesh& m = *a.mesh;
+    for (int axis = 0; axis < 2; ++axis)
+      for (int j = 0; j <= m.sizeJ() - axis; ++j)
+        for (int i = 0; i <= m.sizeI() - (1 - axis); ++i)
+          for (const AIRealPoint& p : m.runPoints(axis, i, j))
+            if (!finite(p)) {
+              losses_->add("art with non-finite coordinates");
+              return;
+            }
     if (m.nodeData(0, 0).color.kind == kNoneColor) {
       losses_->add("meshes without colour");
       return;

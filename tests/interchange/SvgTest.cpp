@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <functional>
 
 #include "Pictures.h"
 #include "app/DemoTour.h"
@@ -394,6 +395,40 @@ TEST(ReadSvg, HiddenGroupsAndFillOpacity) {
   Losses losses;
   lb::io::svg::readSvg("<svg><rect width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>", {}, &losses);
   EXPECT_NE(losses.text().find("fill and stroke opacity"), std::string::npos);
+}
+
+// What SVG cannot hold is named and left out; the file stays readable.
+TEST(Losses, ExportNamesWhatItLeavesOut) {
+  struct {
+    const char* what;
+    std::function<void(ArtObject&)> make;
+  } cases[] = {
+      {"placed content that is not an image",
+       [](ArtObject& a) {
+         a.type = kPlacedArt;
+         a.image.width = a.image.height = 1;
+         a.image.pixels = {0};
+         a.image.placedType = 2;
+       }},
+      {"art with non-finite coordinates",
+       [](ArtObject& a) {
+         a.type = kPathArt;
+         a.segments = {AIPathSegment{{0, 0}, {0, 0}, {0, 0}, true}, AIPathSegment{{NAN, 1}, {1, 1}, {1, 1}, true}};
+         a.segmentSelection = {0, 0};
+       }},
+  };
+  for (const auto& c : cases) {
+    Document doc;
+    ArtObject* layer = doc.addLayer("L");
+    auto art = std::make_unique<ArtObject>();
+    c.make(*art);
+    doc.appendChild(layer, std::move(art));
+    Losses losses;
+    const std::string svg = lb::io::svg::writeSvg(doc, &losses);
+    EXPECT_EQ(losses.text(), c.what);
+    auto back = lb::io::svg::readSvg(svg, {}, nullptr);
+    EXPECT_EQ(back->allArt().size(), 1u) << c.what;  // the layer alone
+  }
 }
 
 TEST(Losses, UnsupportedContentIsNamed) {
