@@ -211,6 +211,7 @@ class Reader {
     readStyle(e, st);
     const Affine m = transformOf(e, ctm);
     if (name == "g" || name == "a" || name == "svg") {
+      if (++depth_ > kMaxDepth) throw FormatError(describe(e), "groups nested more than 256 deep");
       auto g = std::make_unique<ArtObject>();
       g->type = kGroupArt;
       commonArt(e, *g, st);
@@ -220,6 +221,7 @@ class Reader {
           child->parent = g.get();
           g->children.insert(g->children.begin(), std::move(child));
         }
+      --depth_;
       return g;
     }
     if (name == "image") return image(e, m, st);
@@ -680,6 +682,8 @@ class Reader {
     return mesh;
   }
 
+  static constexpr int kMaxDepth = 256;
+  int depth_ = 0;
   Losses* losses_;
   pugi::xml_document xml_;
   std::map<std::string, pugi::xml_node> ids_;

@@ -370,11 +370,17 @@ TEST(BadSvg, NamedErrors) {
        "</meshrow></meshgradient></defs><rect fill='url(#m)' width='1' height='1'/></svg>",
        "too few stops"},
       {"<svg><image href='data:image/png;base64,AAAA' width='1' height='1'/></svg>", "PNG"},
+      {nullptr, "nested more than 256"},
   };
+  std::string deep = "<svg>";
+  for (int k = 0; k < 300; ++k) deep += "<g>";
+  for (int k = 0; k < 300; ++k) deep += "</g>";
+  deep += "</svg>";
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.svg);
+    const std::string text = c.svg ? c.svg : deep;
+    SCOPED_TRACE(text.substr(0, 80));
     try {
-      lb::io::svg::readSvg(c.svg, {}, nullptr);
+      lb::io::svg::readSvg(text, {}, nullptr);
       ADD_FAILURE() << "accepted";
     } catch (const lb::io::FormatError& e) {
       EXPECT_NE(std::string(e.what()).find(c.names), std::string::npos) << e.what();
