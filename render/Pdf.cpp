@@ -14,10 +14,15 @@
 namespace lb::render {
 
 void writePdf(const lb::host::Document& doc, const std::string& path) {
-  const AIRealRect area = renderArea(doc);
-  const double w = area.right - area.left, h = area.top - area.bottom;
-  if (!std::isfinite(w) || !std::isfinite(h) || w <= 0 || h <= 0 || w > 14400 || h > 14400)
-    throw std::runtime_error("cannot write " + path + ": the page must be between 0 and 14400 units a side");
+  AIRealRect area = renderArea(doc);
+  double w = area.right - area.left, h = area.top - area.bottom;
+  if (!std::isfinite(area.left) || !std::isfinite(area.top) || !std::isfinite(w) || !std::isfinite(h))
+    throw std::runtime_error("cannot write " + path + ": the page is not finite");
+  // An empty area makes a one-unit page; PDF pages are at most 14400 units.
+  if (!(w > 0)) w = 1, area.right = area.left + 1;
+  if (!(h > 0)) h = 1, area.bottom = area.top - 1;
+  if (w > 14400 || h > 14400)
+    throw std::runtime_error("cannot write " + path + ": the page is larger than 14400 units a side");
   const std::string tmp = path + ".tmp" + std::to_string(::getpid());
   cairo_surface_t* surf = cairo_pdf_surface_create(tmp.c_str(), w, h);
   cairo_t* cr = cairo_create(surf);
