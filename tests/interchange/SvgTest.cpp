@@ -209,6 +209,35 @@ TEST(InkscapeMesh, NodesColoursAndSides) {
   EXPECT_NE(losses.text().find("clip mesh fills"), std::string::npos);
 }
 
+// One patch in bounding-box units on a transformed ellipse, colours as
+// presentation attributes: the unit square maps onto the shape's bounds,
+// then the element's transform applies.
+TEST(InkscapeMesh, BoundingBoxUnitsAndElementTransform) {
+  Losses losses;
+  auto doc = lb::io::svg::readSvg(
+      "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 100 100'><defs>"
+      "<meshgradient id='m' x='0' y='0' type='bicubic'><meshrow><meshpatch>"
+      "<stop path='l 1,0' stop-color='red'/><stop path='l 0,1' stop-color='lime' stop-opacity='0.25'/>"
+      "<stop path='l -1,0' stop-color='blue'/><stop path='l 0,-1' stop-color='#fff'/>"
+      "</meshpatch></meshrow></meshgradient></defs>"
+      "<ellipse id='e' cx='20' cy='30' rx='10' ry='5' fill='url(#m)' transform='scale(2)'/></svg>",
+      {"e"}, &losses);
+  const ArtObject* art = doc->findById("e");
+  ASSERT_NE(art, nullptr);
+  ASSERT_EQ(art->type, kMeshArt);
+  EXPECT_TRUE(art->selected());
+  EXPECT_TRUE(art->mesh->isSelectionFull());
+  // Bounds 10..30 x 25..35, doubled: corners at x 20 and 60, y 50 and 70.
+  const auto tl = art->mesh->nodeData(0, 1), br = art->mesh->nodeData(1, 0);
+  EXPECT_NEAR(tl.p.h, 20, 1e-9);
+  EXPECT_NEAR(tl.p.v, -50, 1e-9);
+  EXPECT_NEAR(br.p.h, 60, 1e-9);
+  EXPECT_NEAR(br.p.v, -70, 1e-9);
+  EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).opacity, 0.25);
+  EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).color.c.rgb.green, 1);
+  EXPECT_NE(losses.text().find("bicubic"), std::string::npos);
+}
+
 TEST(InkscapeMesh, PathWithEveryCommandStyleAndTransform) {
   auto doc = lb::io::svg::readSvg(lb::test::slurp(source() / "tests/interchange/fixtures/inkscape-mesh.svg"), {}, nullptr);
   ArtObject* wave = doc->findById("wave");
