@@ -8,7 +8,7 @@ FUZZ_CI_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build build-asan build-fuzz demo test test-fast test-asan fuzz fuzz-ci fuzz-seeds soak bench clean
+.PHONY: all deps build build-asan build-fuzz demo test test-fast test-asan fuzz fuzz-ci fuzz-seeds soak bench clean install-inkscape
 
 all: build
 
@@ -74,3 +74,12 @@ bench: build
 
 clean:
 	rm -rf $(BUILD) $(BUILD_ASAN) $(BUILD_FUZZ) demo-out
+
+# The Inkscape extension for the current user: the .inx files and the
+# script, and a link to the built program beside them.
+INKSCAPE_EXT ?= $(shell inkscape --user-data-directory 2>/dev/null || echo $(HOME)/.config/inkscape)/extensions
+install-inkscape: build
+	mkdir -p "$(INKSCAPE_EXT)"
+	cp extensions/inkscape/*.inx extensions/inkscape/latticebender.py "$(INKSCAPE_EXT)/"
+	ln -sf "$(abspath $(BUILD))/latticebender" "$(INKSCAPE_EXT)/latticebender"
+	@echo "installed into $(INKSCAPE_EXT); restart Inkscape and look under Extensions > LatticeBender"

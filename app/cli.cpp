@@ -9,6 +9,7 @@
 
 #include "app/CommandArg.h"
 #include "app/DemoTour.h"
+#include "app/Interchange.h"
 #include "app/PanelSnapshot.h"
 #include "app/RenderBridge.h"
 #include "host/Host.h"
@@ -31,9 +32,10 @@ struct UsageError {
 void Error(const std::string& message) { std::cerr << "latticebender: " << message << "\n"; }
 
 // Reads a document; a bad or unreadable file is reported once, naming it.
-std::unique_ptr<lb::host::Document> ReadInput(const std::string& path, int* status) {
+std::unique_ptr<lb::host::Document> ReadInput(const std::string& path, int* status,
+                                              const std::vector<std::string>& select = {}) {
   try {
-    return lb::io::readDocumentFile(path);
+    return lb::app::readAnyDocument(path, select);
   } catch (const lb::io::FormatError& e) {
     const std::string what = e.what();
     Error(what.find(path) == std::string::npos ? path + ": " + what : what);
@@ -64,9 +66,9 @@ std::vector<std::pair<std::string, std::string>> OptionsInOrder(const CLI::App& 
 }
 
 int RunDocument(const std::string& docPath, const std::string& outPath,
-                const std::vector<CommandArg>& cmds) {
+                const std::vector<CommandArg>& cmds, const std::string& select) {
   int status = kDone;
-  auto doc = ReadInput(docPath, &status);
+  auto doc = ReadInput(docPath, &status, lb::app::splitIds(select));
   if (!doc) return status;
   const bool toStdout = outPath.empty() || outPath == "-";
   try {
@@ -85,11 +87,17 @@ int RunDocument(const std::string& docPath, const std::string& outPath,
     host.shutdownPlugin();
     auto result = host.takeDocument();
     if (toStdout) {
-      // Streamed straight to the descriptor, after any message text.
+      // SVG as text; .lbdoc streamed straight to the descriptor, after any
+      // message text.
+      if (lb::app::isSvgPath(docPath)) {
+        const std::string text = lb::app::svgText(*result);
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        if (text.empty() || text.back() != '\n') std::fputc('\n', stdout);
+      }
       std::fflush(stdout);
-      lb::io::writeDocumentTo(STDOUT_FILENO, *result);
+      if (!lb::app::isSvgPath(docPath)) lb::io::writeDocumentTo(STDOUT_FILENO, *result);
     } else {
-      lb::io::writeDocumentFileAtomic(*result, outPath);
+      lb::app::writeAnyDocument(*result, outPath);
     }
   } catch (const std::exception& e) {
     Error(e.what());
@@ -141,6 +149,8 @@ int lbMain(int argc, char** argv) {
   auto* opacity = run->add_option("--opacity", opacityTexts,
                                   "on|off: the opacity checkbox for the commands that follow");
   for (CLI::Option* o : {command, color, opacity}) o->allow_extra_args(false);
+  std::string select;
+  run->add_option("--select", select, "Ids of the elements to select, ID,...");
 
   auto* info = app.add_subcommand("info", "Summarise a document");
   info->add_option("DOC", docPath, "Input document (.lbdoc)")->required();
@@ -163,6 +173,8 @@ int lbMain(int argc, char** argv) {
   auto* demo = app.add_subcommand("demo", "Run the demo tour");
   auto* demoOutput = demo->add_option("-o,--output", demoDir, "Output directory");
 
+  lb::app::InterchangeCommands interchange(app);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -182,8 +194,9 @@ int lbMain(int argc, char** argv) {
       } catch (const std::invalid_argument& e) {
         throw UsageError{e.what()};
       }
-      return RunDocument(docPath, outPath, cmds);
+      return RunDocument(docPath, outPath, cmds, select);
     }
+    if (int rc; interchange.run(&rc)) return rc;
     if (info->parsed()) return Info(docPath);
     if (render->parsed()) return Render(docPath, outPath, scale, selection);
     if (panel->parsed()) {

@@ -355,6 +355,21 @@ class Renderer {
     for (int j = 0; j < mesh.sizeJ(); ++j)
       for (int i = 0; i < mesh.sizeI(); ++i) addPatch(pat.get(), mesh, i, j);
     cairo_new_path(cr_);
+    if (opt_.maskMeshes) {
+      cairo_push_group(cr_);
+      cairo_set_source(cr_, pat.get());
+      cairo_paint(cr_);
+      Pattern colour(cairo_pop_group(cr_), cairo_pattern_destroy);
+      cairo_push_group_with_content(cr_, CAIRO_CONTENT_ALPHA);
+      traceOutline(mesh);
+      cairo_set_source_rgb(cr_, 0, 0, 0);
+      cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
+      cairo_fill(cr_);
+      Pattern mask(cairo_pop_group(cr_), cairo_pattern_destroy);
+      cairo_set_source(cr_, colour.get());
+      cairo_mask(cr_, mask.get());
+      return;
+    }
     traceOutline(mesh);
     cairo_set_source(cr_, pat.get());
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
@@ -716,6 +731,10 @@ Image renderDocument(const Document& doc, const RenderOptions& options) {
   cairo_surface_flush(surf.get());
   cairo_surface_finish(surf.get());
   return img;
+}
+
+void drawDocument(const Document& doc, cairo_t* cr, const RenderOptions& options, const AIRealRect& area) {
+  Renderer(doc, cr, options, area).draw();
 }
 
 void renderDocumentPng(const Document& doc, const std::string& outPng, const RenderOptions& options) {

@@ -9,11 +9,18 @@
 
 #include "host/Document.h"
 
+typedef struct _cairo cairo_t;
+
 namespace lb::render {
 
 struct RenderOptions {
   double scale = 1;        // device pixels per document unit
   bool selection = false;  // overlay selected mesh vertices, knots and handles
+  // Paint each mesh's colour unclipped and mask it with its outline
+  // instead of filling the outline with it: the same picture, but PDF
+  // viewers that do not anti-alias shading clips (poppler's Splash) then
+  // anti-alias the mesh edge like any other fill.
+  bool maskMeshes = false;
 };
 
 // An image in cairo's ARGB32 layout: one uint32 per pixel, premultiplied
@@ -41,6 +48,12 @@ AIRealRect renderArea(const lb::host::Document& doc);
 // std::runtime_error for a scale outside 0.0001..10000 or when the picture
 // cannot be made.
 Image renderDocument(const lb::host::Document& doc, const RenderOptions& options = {});
+
+// Draws the document's art (no page background) onto any cairo context,
+// `area` (left, top, right, bottom in document units) filling the device
+// space from (0, 0) at options.scale device units per document unit. The
+// PDF export draws through this onto cairo's PDF surface.
+void drawDocument(const lb::host::Document& doc, cairo_t* cr, const RenderOptions& options, const AIRealRect& area);
 
 // Writes the picture as PNG (fast zlib level), atomically (temporary file,
 // then rename).

@@ -1,0 +1,110 @@
+#!/usr/bin/env python3
+"""The Inkscape extension run exactly as Inkscape runs it
+(python3 latticebender.py --id=... --option=... input.svg > output.svg):
+selection and options reach `latticebender run`, the result replaces the
+document, message boxes and failures become Inkscape messages, and the
+.inx files match the command table."""
+
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM, SOURCE = sys.argv[1], sys.argv[2]
+sys.argv[1:] = []
+SCRIPT = os.path.join(SOURCE, "extensions", "inkscape", "latticebender.py")
+
+try:
+    import inkex  # noqa: F401
+except ImportError:
+    print("inkex (Inkscape's Python module) is not installed; skipped")
+    sys.exit(77)
+
+
+def run_extension(svg_path, *options, program=PROGRAM):
+    env = dict(os.environ, LATTICEBENDER=program)
+    return subprocess.run([sys.executable, SCRIPT, *options, svg_path], capture_output=True, text=True, env=env)
+
+
+class Extension(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.tmp = tempfile.TemporaryDirectory()
+        cls.dir = cls.tmp.name
+        cls.svg = os.path.join(cls.dir, "demo.svg")
+        doc = os.path.join(SOURCE, "examples", "mesh.lbdoc")
+        subprocess.run([PROGRAM, "export", doc, "-o", cls.svg], check=True, capture_output=True)
+        # The page as Inkscape keeps it: sizes in millimetres and a named view.
+        text = open(cls.svg, encoding="utf-8").read()
+        text = text.replace('width="220"', 'width="220mm"', 1)
+        text = text.replace("<defs>", '<sodipodi:namedview id="view1" pagecolor="#ffffff"/>\n  <defs>', 1)
+        open(cls.svg, "w", encoding="utf-8").write(text)
+
+    def stops(self, text):
+        return [s.split(";")[0] for s in text.split("stop-color:")[1:]]
+
+    def test_command_with_variant_changes_the_selected_mesh(self):
+        r = run_extension(self.svg, "--id=mesh", "--command=136", "--variant=alt")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertIn("<meshgradient", r.stdout)
+        before = self.stops(open(self.svg, encoding="utf-8").read())
+        self.assertNotEqual(self.stops(r.stdout), before)
+        # Page size and named view carry over.
+        self.assertIn('width="220mm"', r.stdout)
+        self.assertIn("namedview", r.stdout)
+
+    def test_variants_differ_and_colour_checkbox_off_keeps_colours(self):
+        plain = run_extension(self.svg, "--id=mesh", "--command=136")
+        ctrl = run_extension(self.svg, "--id=mesh", "--command=136", "--variant=ctrl")
+        self.assertEqual(plain.returncode, 0, plain.stderr)
+        self.assertEqual(ctrl.returncode, 0, ctrl.stderr)
+        self.assertNotEqual(self.stops(plain.stdout), self.stops(ctrl.stdout))
+        off = run_extension(self.svg, "--id=mesh", "--command=136", "--color=false", "--opacity=false")
+        self.assertEqual(off.returncode, 0, off.stderr)
+        self.assertEqual(self.stops(off.stdout), self.stops(open(self.svg, encoding="utf-8").read()))
+
+    def test_message_boxes_and_failures_become_messages(self):
+        fake = os.path.join(self.dir, "fake-latticebender")
+        with open(fake, "w") as f:
+            f.write("#!/bin/sh\n"
+                    "# Echoes a message box, copies the input to -o, records its arguments.\n"
+                    'echo "$@" > "%s/args"\n'
+                    'echo "No mesh is selected."\n'
+                    'cp "$2" "$4"\n' % self.dir)
+        os.chmod(fake, 0o755)
+        r = run_extension(self.svg, "--id=mesh", "--id=demo", "--command=140", "--variant=ctrl+alt",
+                          "--opacity=false", program=fake)
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertIn("No mesh is selected.", r.stderr)
+        args = open(os.path.join(self.dir, "args")).read().split()
+        self.assertEqual(args[0], "run")
+        self.assertIn("140+ctrl+alt", args)
+        self.assertEqual(args[args.index("--select") + 1], "mesh,demo")
+        self.assertEqual(args[args.index("--opacity") + 1], "off")
+        self.assertEqual(args[args.index("--color") + 1], "on")
+
+        bad = os.path.join(self.dir, "bad.svg")
+        open(bad, "w").write("<svg xmlns='http://www.w3.org/2000/svg'><path d='M0 0 Q'/></svg>")
+        r = run_extension(bad, "--command=136")
+        self.assertNotEqual(r.returncode, 0)
+        self.assertIn("bad path data", r.stderr)
+
+    def test_unknown_variant_and_missing_program(self):
+        r = run_extension(self.svg, "--command=136", "--variant=shift")
+        self.assertNotEqual(r.returncode, 0)
+        self.assertIn("unknown variant", r.stderr)
+        r = run_extension(self.svg, "--command=136", program="/nonexistent/latticebender")
+        self.assertNotEqual(r.returncode, 0)
+        self.assertIn("not found", r.stderr)
+
+    def test_inx_files_match_the_command_table(self):
+        gen = os.path.join(SOURCE, "extensions", "inkscape", "gen_inx.py")
+        r = subprocess.run([sys.executable, gen, "--check"], capture_output=True, text=True)
+        self.assertEqual(r.returncode, 0, r.stdout + r.stderr)
+        inx = [f for f in os.listdir(os.path.dirname(gen)) if f.endswith(".inx")]
+        self.assertEqual(len(inx), 37)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=1)

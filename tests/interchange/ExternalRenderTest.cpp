@@ -1,0 +1,121 @@
+// Other programs' pictures of our files against our own: Inkscape's
+// rendering of the SVG export and poppler's of the PDF export agree with
+// `render` on the demo documents (PSNR of at least 35 dB).
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "Pictures.h"
+#include "app/DemoTour.h"
+#include "app/Interchange.h"
+#include "io/Lbdoc.h"
+#include "io/svg/Svg.h"
+
+namespace {
+namespace fs = std::filesystem;
+using lb::test::Picture;
+
+constexpr double kMinPsnr = 35;
+
+// The demo's scenes and a few documents after tour steps (knots, inner
+// vertices, an image, a second mesh, a stroked path).
+std::vector<std::pair<std::string, std::unique_ptr<lb::host::Document>>> demoDocuments(bool few) {
+  std::vector<std::pair<std::string, std::unique_ptr<lb::host::Document>>> docs;
+  docs.emplace_back("mesh", lb::app::demoDocument({}, lb::app::DemoScene::kMesh));
+  docs.emplace_back("photo", lb::app::demoDocument({}, lb::app::DemoScene::kPhoto));
+  docs.emplace_back("swatch", lb::app::demoDocument({}, lb::app::DemoScene::kSwatch));
+  static const fs::path dir = [] {
+    const fs::path d = lb::test::scratchDir("demo");
+    testing::internal::CaptureStdout();
+    lb::app::runDemo(d.string());
+    testing::internal::GetCapturedStdout();
+    return d;
+  }();
+  std::vector<fs::path> after;
+  for (const auto& e : fs::directory_iterator(dir))
+    if (e.path().extension() == ".lbdoc" && e.path().stem().string().ends_with("-after")) after.push_back(e.path());
+  std::sort(after.begin(), after.end());
+  const size_t step = few ? std::max<size_t>(1, after.size() / 3) : 1;
+  for (size_t k = 0; k < after.size(); k += step)
+    docs.emplace_back(after[k].stem().string(), lb::io::readDocumentFile(after[k].string()));
+  return docs;
+}
+
+Picture ours(const lb::host::Document& doc) { return lb::test::fromImage(lb::render::renderDocument(doc)); }
+
+TEST(ExternalRender, InkscapePictureOfOurSvgMatchesRender) {
+  if (!lb::test::haveProgram("inkscape")) GTEST_SKIP() << "inkscape is not installed (scripts/install-deps.sh)";
+  const fs::path dir = lb::test::scratchDir("inkscape");
+  for (const auto& [name, doc] : demoDocuments(true)) {
+    const fs::path svg = dir / (name + ".svg"), png = dir / (name + ".png");
+    lb::app::writeAnyDocument(*doc, svg.string());
+    const std::string cmd = "inkscape --export-type=png --export-background=white --export-background-opacity=1 "
+                            "--export-filename='" + png.string() + "' '" + svg.string() + "' > /dev/null 2>&1";
+    ASSERT_EQ(std::system(cmd.c_str()), 0) << name;
+    const double db = lb::test::psnr(lb::test::loadPng(png.string()), ours(*doc));
+    EXPECT_GE(db, kMinPsnr) << name;
+    std::printf("inkscape %-32s %.1f dB\n", name.c_str(), db);
+  }
+}
+
+TEST(ExternalRender, PopplerPictureOfOurPdfMatchesRender) {
+  if (!lb::test::haveProgram("pdftoppm")) GTEST_SKIP() << "pdftoppm is not installed (scripts/install-deps.sh)";
+  const fs::path dir = lb::test::scratchDir("poppler");
+  for (const auto& [name, doc] : demoDocuments(false)) {
+    const fs::path pdf = dir / (name + ".pdf"), stem = dir / name;
+    lb::app::writeAnyDocument(*doc, pdf.string());
+    // One point per document unit: 72 dpi gives one pixel per unit.
+    const std::string cmd = "pdftoppm -png -r 72 -singlefile '" + pdf.string() + "' '" + stem.string() + "'";
+    ASSERT_EQ(std::system(cmd.c_str()), 0) << name;
+    const double db = lb::test::psnr(lb::test::loadPng(stem.string() + ".png"), ours(*doc));
+    EXPECT_GE(db, kMinPsnr) << name;
+    std::printf("poppler  %-32s %.1f dB\n", name.c_str(), db);
+  }
+}
+
+// The text without any attribute of our own namespace: what a program
+// that keeps only standard SVG leaves of our file.
+std::string withoutOwnAttributes(std::string text) {
+  for (size_t at; (at = text.find("latticebender:")) != std::string::npos;) {
+    size_t start = at;
+    while (start > 0 && (text[start - 1] == ' ' || text[start - 1] == '\n')) --start;
+    const size_t quote = text.find('"', at);
+    const size_t end = quote == std::string::npos ? std::string::npos : text.find('"', quote + 1);
+    if (end == std::string::npos) break;
+    text.erase(start, end + 1 - start);
+  }
+  return text;
+}
+
+// Meshes Inkscape itself wrote: our SVG opened and saved again by Inkscape
+// (as plain SVG, without our own attributes) reads back as meshes giving
+// the same picture.
+TEST(ExternalRender, MeshesSavedByInkscapeReadBack) {
+  if (!lb::test::haveProgram("inkscape")) GTEST_SKIP() << "inkscape is not installed (scripts/install-deps.sh)";
+  const fs::path dir = lb::test::scratchDir("inkscape-saved");
+  std::vector<std::pair<std::string, std::unique_ptr<lb::host::Document>>> docs;
+  docs.emplace_back("demo", lb::app::demoDocument({}, lb::app::DemoScene::kSwatch));
+  docs.emplace_back("example", lb::io::readDocumentFile(
+                                   (fs::path(std::getenv("LB_SOURCE_DIR") ? std::getenv("LB_SOURCE_DIR") : "..") /
+                                    "examples" / "mesh.lbdoc").string()));
+  for (const auto& [name, doc] : docs) {
+    const fs::path svg = dir / (name + ".svg"), saved = dir / (name + "-inkscape.svg");
+    lb::app::writeAnyDocument(*doc, svg.string());
+    const std::string cmd = "inkscape --export-plain-svg --export-filename='" + saved.string() + "' '" +
+                            svg.string() + "' > /dev/null 2>&1";
+    ASSERT_EQ(std::system(cmd.c_str()), 0) << name;
+    const std::string text = withoutOwnAttributes(lb::test::slurp(saved));
+    ASSERT_EQ(text.find("latticebender:"), std::string::npos);
+    ASSERT_NE(text.find("<meshgradient"), std::string::npos);
+    auto back = lb::io::svg::readSvg(text, {}, nullptr);
+    size_t meshes = 0, expected = 0;
+    for (ArtObject* a : back->allArt()) meshes += a->type == kMeshArt;
+    for (ArtObject* a : doc->allArt()) expected += a->type == kMeshArt;
+    EXPECT_EQ(meshes, expected) << name;
+    const double db = lb::test::psnr(ours(*back), ours(*doc));
+    EXPECT_GE(db, 40) << name;
+    std::printf("inkscape-saved %-26s %.1f dB\n", name.c_str(), db);
+  }
+}
+
+}  // namespace

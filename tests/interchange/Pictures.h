@@ -1,0 +1,106 @@
+// Helpers of the interchange tests: PNG pictures read through cairo, PSNR,
+// documents built in memory, running external programs.
+#pragma once
+
+#include <cairo.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "render/Render.h"
+
+namespace lb::test {
+
+// Opaque RGB picture, 8 bits a channel, composited over white.
+struct Picture {
+  int width = 0, height = 0;
+  std::vector<unsigned char> rgb;
+};
+
+inline Picture loadPng(const std::string& path) {
+  Picture p;
+  cairo_surface_t* s = cairo_image_surface_create_from_png(path.c_str());
+  if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(s);
+    return p;
+  }
+  p.width = cairo_image_surface_get_width(s);
+  p.height = cairo_image_surface_get_height(s);
+  cairo_surface_t* white = cairo_image_surface_create(CAIRO_FORMAT_RGB24, p.width, p.height);
+  cairo_t* cr = cairo_create(white);
+  cairo_set_source_rgb(cr, 1, 1, 1);
+  cairo_paint(cr);
+  cairo_set_source_surface(cr, s, 0, 0);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+  cairo_surface_flush(white);
+  const unsigned char* d = cairo_image_surface_get_data(white);
+  const int stride = cairo_image_surface_get_stride(white);
+  for (int y = 0; y < p.height; ++y)
+    for (int x = 0; x < p.width; ++x) {
+      const uint32_t px = reinterpret_cast<const uint32_t*>(d + y * stride)[x];
+      p.rgb.insert(p.rgb.end(), {static_cast<unsigned char>(px >> 16), static_cast<unsigned char>(px >> 8),
+                                 static_cast<unsigned char>(px)});
+    }
+  cairo_surface_destroy(white);
+  cairo_surface_destroy(s);
+  return p;
+}
+
+inline Picture fromImage(const lb::render::Image& im) {
+  Picture p;
+  p.width = im.width;
+  p.height = im.height;
+  for (int y = 0; y < im.height; ++y)
+    for (int x = 0; x < im.width; ++x) {
+      int r, g, b, a;
+      im.rgba(x, y, &r, &g, &b, &a);
+      auto over = [&](int c) { return static_cast<unsigned char>((c * a + 255 * (255 - a) + 127) / 255); };
+      p.rgb.insert(p.rgb.end(), {over(r), over(g), over(b)});
+    }
+  return p;
+}
+
+// Peak signal-to-noise ratio in dB; -1 when the sizes differ, 99 when equal.
+inline double psnr(const Picture& a, const Picture& b) {
+  if (a.width != b.width || a.height != b.height || a.rgb.empty()) return -1;
+  double se = 0;
+  for (size_t k = 0; k < a.rgb.size(); ++k) {
+    const double d = static_cast<double>(a.rgb[k]) - b.rgb[k];
+    se += d * d;
+  }
+  if (se == 0) return 99;
+  return 10 * std::log10(255.0 * 255.0 / (se / a.rgb.size()));
+}
+
+inline bool haveProgram(const std::string& name) {
+  return std::system(("command -v " + name + " > /dev/null 2>&1").c_str()) == 0;
+}
+
+inline std::string slurp(const std::filesystem::path& p) {
+  std::ifstream in(p, std::ios::binary);
+  std::stringstream ss;
+  ss << in.rdbuf();
+  return ss.str();
+}
+
+inline void spit(const std::filesystem::path& p, const std::string& text) {
+  std::ofstream out(p, std::ios::binary);
+  out << text;
+}
+
+// A fresh directory for one test.
+inline std::filesystem::path scratchDir(const std::string& name) {
+  auto d = std::filesystem::temp_directory_path() / ("lb-interchange-" + name + "-" + std::to_string(::getpid()));
+  std::filesystem::remove_all(d);
+  std::filesystem::create_directories(d);
+  return d;
+}
+
+}  // namespace lb::test
