@@ -61,7 +61,7 @@ const std::vector<DemoStep>& demoTour() {
       {"Corner node moved along the outline", "corner-move", {false, {{0, 0}}}, kCmdMoveCornerNode, false, false,
        DemoScene::kBorderVertex},
       {"Mesh cut in two along a grid line", "mesh-cut", {false, {{3, 0}}}, kCmdSplit},
-      {"Brush mesh grid made", "bmg-make", {true, {}}, kCmdBmgCreate},
+      {"Brush mesh grid made", "bmg-make", {true, {}}, kCmdBmgCreate, false, false, DemoScene::kMesh, false},
       {"Brush mesh grid turned back into a mesh", "bmg-back", {true, {}}, kCmdBmgToMesh, false, false, DemoScene::kMesh, true, kCmdBmgCreate},
       {"Sew two meshes, moving vertices", "sew-move", {true, {}}, kCmdSewMeshMove, false, false, DemoScene::kSewPair},
       {"Sew two meshes, adding a row of cells", "sew-add-row", {true, {}}, kCmdSewMeshAdd, false, false, DemoScene::kSewPair},
