@@ -4,11 +4,5 @@
 #include "Operations.h"
 
 namespace lb::align {
-int NodesAlign(long, long) { return 0; }
-}
-namespace lb::align {
 int NodesSpreadAlongPath(long, long, int) { return 0; }
-}
-namespace lb::align {
-int Turn180() { return 0; }
 }
