@@ -3,6 +3,5 @@
 // replaces it here.
 #include "Operations.h"
 
-int AddRowFromPath(long, int) { return 0; }
 int AddZeroRow() { return 0; }
 int DelZeroRow(int) { return 0; }
