@@ -2,6 +2,7 @@
 // removed at each selected side) through the panel dispatcher.
 #include <gtest/gtest.h>
 
+#include "ZeroRow.h"
 #include "support/Engine.h"
 
 namespace lbtest {
@@ -138,6 +139,39 @@ TEST(ZeroRowTest, DeletingRowsAtSelectedSides) {
     const MeshState old(Children(DocJson(Coded(c.I, c.J, c.selected)))[0]);
     EXPECT_EQ(st.node(0, 0)["color"], old.node(c.firstI, c.firstJ)["color"]);
   }
+}
+
+TEST(ZeroRowTest, OnlyTheSideThatGotTheRowTestsAsZeroWidth) {
+  for (const SideCase& c : Sides()) {
+    SCOPED_TRACE(c.side);
+    json written;
+    {
+      Session s(Coded(3, 2, c.selected));
+      written = s.runWritten(kCmdSew0);
+    }
+    Session linked(written, Session::Linked);  // the plug-in's own test, linked in
+    ASSERT_EQ(linked.artCount(), 1u);
+    for (int side = 0; side < 4; ++side)
+      EXPECT_EQ(IsSideHas0Row(linked.art(0), side), side == c.side ? 1 : 0) << side;
+  }
+}
+
+TEST(ZeroRowTest, WholeSelectionGrowsEverySideAndShrinksBack) {
+  MeshSpec d = MeshSpec::Varied(3, 2);
+  d.selected.clear();
+  d.whole = true;
+  Session s(d);
+  s.run(kCmdSew0);
+  ASSERT_EQ(s.artCount(), 1u);
+  EXPECT_EQ(s.engine(0).sizeI(), 5);
+  EXPECT_EQ(s.engine(0).sizeJ(), 4);
+  s.run(kCmdSew0, false, true);
+  EXPECT_EQ(s.engine(0).sizeI(), 3);
+  EXPECT_EQ(s.engine(0).sizeJ(), 2);
+  const MeshState old(Children(DocJson(d))[0]);
+  const MeshState st = s.mesh(0);
+  for (int i = 0; i <= 3; ++i)
+    for (int j = 0; j <= 2; ++j) EXPECT_EQ(st.node(i, j)["color"], old.node(i, j)["color"]) << i << "," << j;
 }
 
 TEST(ZeroRowTest, AltAloneDoesNothing) {
