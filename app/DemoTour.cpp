@@ -17,6 +17,12 @@ using Nodes = std::vector<std::pair<int, int>>;
 const Nodes kRegion = {{1, 1}, {4, 3}};  // spans a 3 x 2 region
 // Every node of a 3 x 2 cell block, with the knot run (1, 2)-(2, 2) inside.
 const Nodes kBlock = {{1, 1}, {2, 1}, {3, 1}, {4, 1}, {1, 2}, {2, 2}, {3, 2}, {4, 2}, {1, 3}, {2, 3}, {3, 3}, {4, 3}};
+// Every node of row j of the demo mesh.
+Nodes Row(int j) {
+  Nodes row;
+  for (int i = 0; i <= 6; ++i) row.push_back({i, j});
+  return row;
+}
 }  // namespace
 
 // Add steps here: title, file stem, selection, command id, Alt, Ctrl.
@@ -66,6 +72,12 @@ const std::vector<DemoStep>& demoTour() {
       {"Sew two meshes, moving vertices", "sew-move", {true, {}}, kCmdSewMeshMove, false, false, DemoScene::kSewPair},
       {"Sew two meshes, adding a row of cells", "sew-add-row", {true, {}}, kCmdSewMeshAdd, false, false, DemoScene::kSewPair},
       {"Join four docked meshes", "sew-docked", {false, {}}, kCmdSewDocked, false, false, DemoScene::kDocked},
+      {"Nodes of a row aligned to one height", "align-row", {false, Row(2)}, kCmdAlignHor},
+      {"Segments of the top row spread along the wave", "align-path", {false, Row(5), "demo-path"}, kCmdAlignPath},
+      {"A row of cells added from the mesh up to the wave", "sew-path", {true, {}, "demo-path"}, kCmdSewPath},
+      {"A zero-width row added at the bottom side", "zero-row-add", {false, Row(0)}, kCmdSew0},
+      {"The zero-width row removed again", "zero-row-del", {false, Row(0)}, kCmdSew0, false, true, DemoScene::kMesh,
+       true, kCmdSew0},
   };
   return tour;
 }
@@ -304,6 +316,7 @@ std::string demoDocumentText(const DemoSelection& selection, DemoScene scene) {
       {"closed", false},
       {"fill", nullptr},
       {"stroke", {{"color", {{"rgb", {0.1, 0.1, 0.1}}}}, {"width", 2}}},
+      {"selected", !selection.paths.empty() && std::string("demo-path").rfind(selection.paths, 0) == 0},
       {"segments",
        json::array({{{"p", {30, 300}}, {"out", {120, 340}}},
                     {{"p", {200, 300}}, {"in", {150, 270}}, {"out", {250, 330}}},

@@ -110,3 +110,24 @@ class CManyPathesToMesh {
   std::vector<CPANode*> m_Grid;  // node (i, j) at j * (I + 1) + i, after Check2
   AIArtHandle m_hMesh = nullptr;
 };
+
+// ---- Sewing two paths (SewPaths.cpp) ---------------------------------------
+
+// The paint colour a path hands to mesh nodes: its stroke colour when
+// stroked, else its fill colour when filled, else light gray (RGB 0.8).
+AIColor PathPaintColor(AIArtHandle path);
+
+// Which ends of the two paths go together (0 first anchor, 1 last): the
+// nearest pair among the usable ends (the one selected end of a path, else
+// both). Returns 1 when a path has a single anchor. Host errors are thrown
+// as int.
+int PairPathEnds(AIArtHandle path1, AIArtHandle path2, int* end1, int* end2);
+
+// Nodes j = 0 take the paint of path 1, nodes j = 1 that of path 2, as the
+// paint switches allow.
+void ColorizeFromTwoPathes(AIArtHandle mesh, AIArtHandle path1, AIArtHandle path2);
+
+// Replaces the first two selected paths by a one-cell mesh whose sides
+// j = 0 and j = 1 take their shapes; `reverse` pairs path 1's nearer end
+// with path 2's other end. Returns 0.
+int Sew2Pathes(long reverse);

@@ -42,9 +42,8 @@ AIRealPoint CornerPoint(ArtObject* mesh, int32_t I, int32_t J, int k) {
   return p;
 }
 
-// Candidate sides and corners of one mesh from its selection: what the user
-// selected, or everything when the selection is empty, whole or names
-// neither a side nor a corner.
+}  // namespace
+
 void CandidateFlags(ArtObject* mesh, int* S, int* C) {
   bool all = true;
   SelectionRef sel = GetSelectionRef(mesh);
@@ -69,6 +68,8 @@ void CandidateFlags(ArtObject* mesh, int* S, int* C) {
   if (all)
     for (int k = 0; k < 4; ++k) S[k] = C[k] = 1;
 }
+
+namespace {
 
 // The flagged pair (k, m) with the smallest distance; a later pair wins
 // only when strictly nearer.

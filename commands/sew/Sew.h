@@ -38,3 +38,19 @@ void SplitCounts(int small, int big, int* counts);
 // the sources are deleted on success. Returns 0, or 1 when the arrangement
 // was not recognised or a host error stopped the join.
 int JoinDockedMeshes(ArtObject** meshes, long count, long mode);
+
+// Candidate sides S[4] and corners C[4] of one mesh from its selection:
+// what the user selected, or everything when the selection is empty, whole
+// or names neither a side nor a corner. Host errors are thrown as int.
+void CandidateFlags(ArtObject* mesh, int* S, int* C);
+
+// Copies `src` into `mesh`, which has one more cell across `side`: the
+// source lands one step inward from that side, so the border row has zero
+// width. With `retract` the handles across the new row are pulled into
+// their nodes. Host errors and a size mismatch are thrown as int. Returns 0.
+int RestoreMeshWithNewRow(AIArtHandle mesh, AIArtHandle src, int side, int retract);
+
+// Every node of the side line takes the path's colour (always written;
+// light gray when the colour checkbox is off) and, as the opacity switch
+// says, the path's opacity. Host errors are thrown as int.
+void ColorizeSideFromPath(AIArtHandle mesh, AIArtHandle path, int side);

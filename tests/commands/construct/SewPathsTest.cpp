@@ -1,0 +1,173 @@
+// Sewing two paths into a one-cell mesh ("Sew mesh with path" with no mesh
+// selected) and the hidden report of shared path ends (id 170).
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "support/Engine.h"
+
+namespace lbtest {
+namespace {
+
+using lb::host::GradientMesh;
+constexpr double kThird = 0.3333333432674408;
+
+struct A {
+  A(AIRealPoint p_, std::optional<AIRealPoint> in_ = {}, std::optional<AIRealPoint> out_ = {}, int sel = -1)
+      : p(p_), in(in_), out(out_), selected(sel) {}
+  AIRealPoint p;
+  std::optional<AIRealPoint> in, out;
+  int selected;  // -1: not written
+};
+
+json Path(const std::vector<A>& anchors, json stroke = nullptr, json fill = nullptr, double opacity = 1.0) {
+  json segs = json::array();
+  for (const A& a : anchors) {
+    json s = {{"p", {a.p.h, a.p.v}}};
+    if (a.in) s["in"] = {a.in->h, a.in->v};
+    if (a.out) s["out"] = {a.out->h, a.out->v};
+    if (a.selected >= 0) s["selected"] = a.selected;
+    segs.push_back(s);
+  }
+  json art = {{"type", "path"}, {"closed", false}, {"selected", true}, {"fill", fill},
+              {"stroke", stroke}, {"segments", segs}};
+  if (opacity != 1.0) art["opacity"] = opacity;
+  return art;
+}
+
+json Red() { return {{"color", {{"rgb", {1.0, 0.0, 0.0}}}}, {"width", 1}}; }
+json Blue() { return {{"color", {{"rgb", {0.0, 0.0, 1.0}}}}}; }
+
+// Side j of the one-cell mesh from i = 0 to i = 1, every control point.
+std::vector<AIRealPoint> Side(const GradientMesh& m, int j) {
+  return m.segmentPoints(lb::host::SegmentRef{m.node(0, j), IF});
+}
+
+// P1 from (0, 0) to (30, 0), P2 from (0, 20) to (30, 20): both drawn the
+// same way, so the nearer ends are the two first anchors.
+std::vector<json> SideBySide() {
+  return {Path({{{0, 0}}, {{30, 0}}}, Red()), Path({{{0, 20}}, {{30, 20}}}, nullptr, Blue(), 0.5)};
+}
+
+TEST(SewPathsTest, NearerEndsMeetAtSideIZeroAndStraightPiecesGetThirds) {
+  Session s(DocJson(SideBySide()));
+  s.run(kCmdSewPath, false, false);
+  ASSERT_EQ(s.artCount(), 1u);
+  const GradientMesh& m = s.engine(0);
+  ASSERT_EQ(m.sizeI(), 1);
+  ASSERT_EQ(m.sizeJ(), 1);
+  EXPECT_PT_NEAR(NodeP(m, 0, 0), (AIRealPoint{0, 0}), 0.0);
+  EXPECT_PT_NEAR(NodeP(m, 1, 0), (AIRealPoint{30, 0}), 0.0);
+  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{0, 20}), 0.0);
+  EXPECT_PT_NEAR(NodeP(m, 1, 1), (AIRealPoint{30, 20}), 0.0);
+  // The sides j = 0 and 1 carry one-third handles of their straight paths.
+  const auto bottom = Side(m, 0);
+  ASSERT_EQ(bottom.size(), 4u);
+  EXPECT_PT_NEAR(bottom[1], (AIRealPoint{30 * kThird, 0}), 1e-12);
+  EXPECT_PT_NEAR(bottom[2], (AIRealPoint{30 - 30 * kThird, 0}), 1e-12);
+  // The sides i = 0 and 1 leave the paths at right angles, a third long.
+  EXPECT_PT_NEAR(Tan(m, 0, 0, JF), (AIRealPoint{0, 20 * kThird}), 1e-9);
+  EXPECT_PT_NEAR(Tan(m, 1, 1, JB), (AIRealPoint{30, 20 - 20 * kThird}), 1e-9);
+  // Only the nodes on the second path end selected.
+  EXPECT_EQ(SelectedNodes(m), (NodeSet{{0, 1}, {1, 1}}));
+}
+
+TEST(SewPathsTest, AltTwistsTheCell) {
+  Session s(DocJson(SideBySide()));
+  s.run(kCmdSewPath, true, false);
+  const GradientMesh& m = s.engine(0);
+  EXPECT_PT_NEAR(NodeP(m, 0, 0), (AIRealPoint{0, 0}), 0.0);
+  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{30, 20}), 0.0);
+  EXPECT_PT_NEAR(NodeP(m, 1, 1), (AIRealPoint{0, 20}), 0.0);
+}
+
+TEST(SewPathsTest, SelectedEndWinsOverTheNearerOne) {
+  // P1's last anchor selected: it pairs with P2's nearer end although its
+  // first anchor is nearer.
+  Session s(DocJson({Path({{{0, 0}, {}, {}, 0}, {{30, 0}, {}, {}, 1}}), Path({{{0, 20}}, {{30, 20}}})}));
+  s.run(kCmdSewPath);
+  const GradientMesh& m = s.engine(0);
+  EXPECT_PT_NEAR(NodeP(m, 0, 0), (AIRealPoint{30, 0}), 0.0);
+  EXPECT_PT_NEAR(NodeP(m, 1, 0), (AIRealPoint{0, 0}), 0.0);
+  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{30, 20}), 0.0);
+}
+
+TEST(SewPathsTest, CurvedPathWithKnotsKeepsEveryControlPoint) {
+  const std::vector<A> p1 = {{{0, 0}, {}, AIRealPoint{5, 5}},
+                             {{15, 2}, AIRealPoint{10, 4}, AIRealPoint{20, 0}},
+                             {{30, 0}, AIRealPoint{25, -3}, {}}};
+  Session s(DocJson({Path(p1), Path({{{30, 20}}, {{0, 20}}})}));
+  s.run(kCmdSewPath);
+  const GradientMesh& m = s.engine(0);
+  const auto side = Side(m, 0);
+  const std::vector<AIRealPoint> want = {{0, 0}, {5, 5}, {10, 4}, {15, 2}, {20, 0}, {25, -3}, {30, 0}};
+  ASSERT_EQ(side.size(), want.size());
+  for (size_t k = 0; k < want.size(); ++k) EXPECT_PT_NEAR(side[k], want[k], 0.0) << k;
+  // P2 was drawn the other way: its last anchor is paired with (0, 0).
+  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{0, 20}), 0.0);
+}
+
+struct PaintCase {
+  bool useColor, useOpacity;
+};
+
+TEST(SewPathsTest, PaintFollowsTheCheckboxes) {
+  for (PaintCase c : {PaintCase{true, true}, PaintCase{true, false}, PaintCase{false, true}}) {
+    SCOPED_TRACE(testing::Message() << c.useColor << c.useOpacity);
+    Session s(DocJson(SideBySide()));
+    s.run(kCmdSewPath, false, false, c.useColor, c.useOpacity);
+    const GradientMesh& m = s.engine(0);
+    for (int i = 0; i < 2; ++i) {
+      const AIColor bottom = m.color(m.node(i, 0)), top = m.color(m.node(i, 1));
+      if (c.useColor) {
+        EXPECT_EQ(bottom.kind, kThreeColor);
+        EXPECT_EQ(bottom.c.rgb.red, 1.0);  // P1's stroke
+        EXPECT_EQ(top.c.rgb.blue, 1.0);    // P2 has no stroke: its fill
+      }
+      EXPECT_EQ(m.opacity(m.node(i, 1)), c.useOpacity ? 0.5 : 1.0);
+    }
+  }
+}
+
+TEST(SewPathsTest, UnpaintedPathGivesLightGray) {
+  Session s(DocJson({Path({{{0, 0}}, {{30, 0}}}), Path({{{0, 20}}, {{30, 20}}})}));
+  s.run(kCmdSewPath);
+  const AIColor c = s.engine(0).color(s.engine(0).node(0, 0));
+  EXPECT_EQ(c.c.rgb.green, 0.800000011920929);
+}
+
+TEST(SewPathsTest, ThirdPathStaysAndSinglePathsOrAnchorsDoNothing) {
+  {
+    Session s(DocJson({Path({{{0, 0}}, {{30, 0}}}), Path({{{0, 20}}, {{30, 20}}}), Path({{{0, 50}}, {{9, 50}}})}));
+    s.run(kCmdSewPath);
+    ASSERT_EQ(s.artCount(), 2u);
+    EXPECT_EQ(s.written()["layers"][0]["children"][1]["type"], "path");
+  }
+  {
+    Session s(DocJson({Path({{{0, 0}}, {{30, 0}}})}));
+    s.run(kCmdSewPath);
+    EXPECT_EQ(s.written()["layers"][0]["children"][0]["type"], "path");
+  }
+  {
+    Session s(DocJson({Path({{{0, 0}}}), Path({{{0, 20}}, {{30, 20}}})}));
+    s.run(kCmdSewPath);
+    EXPECT_EQ(s.artCount(), 2u);
+  }
+}
+
+TEST(SewPathsReportTest, CommonEndsAreListedWithTheirPathEnds) {
+  // Path 0 from (0, 0) to (10, 0); path 1 from (10, 0) to (10, 10);
+  // path 2 from (0, 0) to (10, 10).
+  Session s(DocJson({Path({{{0, 0}}, {{10, 0}}}), Path({{{10, 0}}, {{10, 10}}}), Path({{{0, 0}}, {{10, 10}}})}));
+  const json before = s.written();
+  s.run(kCmdSewPathsReport);
+  ASSERT_EQ(s.host().alerts().size(), 1u);
+  EXPECT_EQ(s.host().alerts()[0],
+            "0 [0.000000, 0.000000] - 2\n0 4 \n"
+            "1 [10.000000, 0.000000] - 2\n1 2 \n"
+            "2 [10.000000, 10.000000] - 2\n3 5 \n");
+  EXPECT_EQ(s.written(), before);
+}
+
+}  // namespace
+}  // namespace lbtest
