@@ -44,6 +44,14 @@ bool editable(const ArtObject* a) {
 
 double dist(AIRealPoint a, AIRealPoint b) { return std::hypot(a.h - b.h, a.v - b.v); }
 
+// Makes the mesh art selected without its vertices: the document selects a
+// whole mesh when its art becomes selected.
+void selectMeshArt(Document& doc, ArtObject* a) {
+  if (a->selected() && !a->mesh->isSelectionEmpty()) return;
+  doc.setSelected(a, true);
+  a->mesh->clearSelection();
+}
+
 }  // namespace
 
 Hit hitTest(const Document& doc, AIRealPoint p, double tolerance) {
@@ -106,13 +114,14 @@ bool clickSelect(Document& doc, const Hit& hit, bool shift) {
     case Hit::kVertex: {
       GradientMesh& m = *hit.art->mesh;
       if (shift) {
-        m.setSelected(hit.vertex, !m.selected(hit.vertex));
-        if (!hit.art->selected()) doc.setSelected(hit.art, true);
+        const bool on = !m.selected(hit.vertex);
+        if (on) selectMeshArt(doc, hit.art);
+        m.setSelected(hit.vertex, on);
         return true;
       }
       if (hit.art->selected() && m.selectedCount() == 1 && m.selected(hit.vertex)) return false;
       deselectAll(doc);
-      doc.setSelected(hit.art, true);
+      selectMeshArt(doc, hit.art);
       m.setSelected(hit.vertex, true);
       return true;
     }
@@ -138,8 +147,8 @@ bool rectSelect(Document& doc, AIRealRect r, bool shift) {
     for (VertexId v = m.firstVertex(); v != kNoVertex; v = m.nextVertex(v)) {
       const AIRealPoint p = m.point(v);
       if (p.h < left || p.h > right || p.v < bottom || p.v > top || m.selected(v)) continue;
+      selectMeshArt(doc, a);
       m.setSelected(v, true);
-      if (!a->selected()) doc.setSelected(a, true);
       changed = true;
     }
   }
@@ -166,7 +175,10 @@ void moveHandle(ArtObject* mesh, VertexId v, int dir, double dx, double dy) {
 // ---- Canvas -------------------------------------------------------------------
 
 CanvasView::~CanvasView() {
-  if (surface_) cairo_surface_destroy(surface_);
+  if (surface_) {
+    cairo_surface_finish(surface_);
+    cairo_surface_destroy(surface_);
+  }
 }
 
 void CanvasView::setZoom(double zoom, double anchorX, double anchorY) {
@@ -218,9 +230,15 @@ bool CanvasView::refresh(const Document& doc) {
   lb::render::RenderOptions o;
   o.scale = std::max(s, 0.0001);
   o.selection = true;
+  // The old surface goes first: cairo may still read its pixels (copying
+  // them for a snapshot) when it is destroyed.
+  if (surface_) {
+    cairo_surface_finish(surface_);
+    cairo_surface_destroy(surface_);
+    surface_ = nullptr;
+  }
   image_ = lb::render::renderDocument(doc, o);
   pictureScale_ = o.scale;
-  if (surface_) cairo_surface_destroy(surface_);
   surface_ = cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(image_.pixels.data()),
                                                  CAIRO_FORMAT_ARGB32, image_.width, image_.height,
                                                  image_.width * 4);
