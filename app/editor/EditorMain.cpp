@@ -161,6 +161,33 @@ bool OpenFile(const std::string& path) {
   return true;
 }
 
+// Exports the document as PNG at 1 pixel per unit, without the selection.
+void ExportPng() {
+  GtkFileChooserNative* fc = gtk_file_chooser_native_new("Export PNG", gEd->win, GTK_FILE_CHOOSER_ACTION_SAVE,
+                                                         nullptr, nullptr);
+  std::string name = DisplayName();
+  if (name.size() > 6 && name.substr(name.size() - 6) == ".lbdoc") name.resize(name.size() - 6);
+  gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(fc), (name + ".png").c_str());
+  g_signal_connect(fc, "response", G_CALLBACK(+[](GtkNativeDialog* d, int response, gpointer) {
+                     if (response == GTK_RESPONSE_ACCEPT) {
+                       GFile* f = gtk_file_chooser_get_file(GTK_FILE_CHOOSER(d));
+                       char* p = g_file_get_path(f);
+                       if (p) {
+                         try {
+                           lb::render::renderDocumentPng(Doc(), p);
+                         } catch (const std::exception& e) {
+                           ShowMessage(std::string("Cannot export: ") + e.what(), GTK_MESSAGE_ERROR);
+                         }
+                       }
+                       g_free(p);
+                       g_object_unref(f);
+                     }
+                     g_object_unref(d);
+                   }),
+                   nullptr);
+  gtk_native_dialog_show(GTK_NATIVE_DIALOG(fc));
+}
+
 void ChooseFile(bool save) {
   GtkFileChooserNative* fc = gtk_file_chooser_native_new(save ? "Save Document" : "Open Document", gEd->win,
                                                          save ? GTK_FILE_CHOOSER_ACTION_SAVE
@@ -482,6 +509,7 @@ GMenuModel* BuildMenu() {
   g_menu_append(file, "Open...", "app.open");
   g_menu_append(file, "Save", "app.save");
   g_menu_append(file, "Save As...", "app.saveas");
+  g_menu_append(file, "Export PNG...", "app.exportpng");
   g_menu_append(file, "Quit", "app.quit");
   g_menu_append_submenu(bar, "File", G_MENU_MODEL(file));
   GMenu* edit = g_menu_new();
@@ -553,6 +581,7 @@ void Activate(GtkApplication* app, gpointer) {
   AddAction("open", +[] { ConfirmDiscard(+[] { ChooseFile(false); }); });
   AddAction("save", Save);
   AddAction("saveas", +[] { ChooseFile(true); });
+  AddAction("exportpng", ExportPng);
   AddAction("quit", +[] { gtk_window_close(gEd->win); });
   AddAction("undo", Undo);
   AddAction("redo", Redo);

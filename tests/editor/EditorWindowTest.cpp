@@ -287,6 +287,37 @@ TEST_F(EditorWindow, RectangleAndEmptyClickSelect) {
   }
 }
 
+// `latticebender edit` refuses bad input before it opens a window.
+struct EditArgsCase {
+  const char* name;
+  std::vector<std::string> args;
+  int status;
+  const char* message;  // part of standard error
+};
+
+class EditArgs : public ::testing::TestWithParam<EditArgsCase> {};
+
+TEST_P(EditArgs, RefusedWithAMessage) {
+  if (!fs::exists(LB_EDITOR_BIN)) GTEST_SKIP() << "the editor was not built (GTK 4 missing)";
+  const EditArgsCase c = GetParam();
+  const fs::path err = fs::temp_directory_path() / ("lb-edit-args-" + std::to_string(::getpid()));
+  std::string cmd = std::string(LB_CLI_BIN) + " edit";
+  for (const auto& a : c.args) cmd += " '" + a + "'";
+  const int raw = std::system((cmd + " > /dev/null 2> " + err.string()).c_str());
+  const std::string text = Slurp(err);
+  fs::remove(err);
+  ASSERT_TRUE(WIFEXITED(raw));
+  EXPECT_EQ(WEXITSTATUS(raw), c.status) << text;
+  EXPECT_NE(text.find(c.message), std::string::npos) << text;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, EditArgs,
+    ::testing::Values(EditArgsCase{"missingFile", {"/nonexistent/doc.lbdoc"}, 3, "/nonexistent/doc.lbdoc"},
+                      EditArgsCase{"notJson", {"/etc/hostname"}, 3, "/etc/hostname"},
+                      EditArgsCase{"twoFiles", {"a.lbdoc", "b.lbdoc"}, 2, "FILE"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
 #ifdef LB_HAVE_X11
 // The window as the X server shows it: the panel pixel for pixel as
 // `latticebender panel` draws it, the canvas as the renderer draws the
