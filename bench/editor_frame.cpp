@@ -22,7 +22,7 @@ struct Scene {
   cairo_surface_t* target = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kViewW, kViewH);
   cairo_t* cr = cairo_create(target);
 
-  Scene() {
+  explicit Scene(bool select = true) {
     ArtObject* layer = doc.addLayer("Layer 1");
     doc.artboard = AIRealRect{0, 1024, 1024, 0};
     doc.newArt(kMeshArt, kPlaceInsideOnTop, layer, &art);
@@ -37,10 +37,12 @@ struct Scene {
         m.setNodeData(i, j, n);
       }
     // A quarter of the nodes selected: their handles are drawn too.
-    doc.setSelected(art, true);
-    m.clearSelection();
-    for (int j = 0; j < kCells / 2; ++j)
-      for (int i = 0; i < kCells / 2; ++i) m.setSelected(m.node(i, j), true);
+    if (select) {
+      doc.setSelected(art, true);
+      m.clearSelection();
+      for (int j = 0; j < kCells / 2; ++j)
+        for (int i = 0; i < kCells / 2; ++i) m.setSelected(m.node(i, j), true);
+    }
     view.fit(doc, kViewW, kViewH);
     view.setZoom(1, kViewW / 2.0, kViewH / 2.0);
     view.refresh(doc);
@@ -61,15 +63,16 @@ void BM_FrameFromCachedPicture(benchmark::State& state) {
 }
 BENCHMARK(BM_FrameFromCachedPicture)->Unit(benchmark::kMillisecond);
 
+// Arg 1: a quarter of the nodes selected (overlay with handles); 0: none.
 void BM_FrameAfterChange(benchmark::State& state) {
-  Scene s;
+  Scene s(state.range(0) != 0);
   for (auto _ : state) {
     s.view.invalidate();
     s.view.paint(s.cr, s.doc, kViewW, kViewH);
     cairo_surface_flush(s.target);
   }
 }
-BENCHMARK(BM_FrameAfterChange)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FrameAfterChange)->ArgName("selected")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void BM_UndoSnapshot(benchmark::State& state) {
   Scene s;

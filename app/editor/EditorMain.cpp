@@ -41,8 +41,10 @@ struct Editor {
   std::string path;        // empty: not saved yet
   std::string savedText;   // the document as last opened or saved
   bool modified = false;
+  std::string current;     // the document's text as of the last change, open or save
   std::string before;      // snapshot taken when a change began
   bool changing = false;
+  bool touched = false;    // a canvas edit changed something during the change
   std::vector<std::string> alerts;
   std::string statePath;   // LB_EDITOR_STATE: where the window's geometry goes
   bool fitted = false;
@@ -91,19 +93,27 @@ void ShowAlerts() {
 
 // ---- Changes and history ---------------------------------------------------------
 
+// The text of the document before the change is the one kept since the
+// last change, so a change costs one serialisation (after it), and a canvas
+// press that changed nothing costs none.
 void BeginChange() {
-  gEd->before = DocText();
+  gEd->before = gEd->current;
   gEd->changing = true;
+  gEd->touched = false;
 }
 
-void EndChange() {
+// `mayHaveChanged` false: the caller knows nothing changed.
+void EndChange(bool mayHaveChanged = true) {
   if (!gEd->changing) return;
   gEd->changing = false;
-  std::string after = DocText();
-  if (after != gEd->before) {
-    gEd->history.push(std::move(gEd->before));
-    gEd->modified = true;
-    Redraw();
+  if (mayHaveChanged) {
+    std::string after = DocText();
+    if (after != gEd->before) {
+      gEd->history.push(std::move(gEd->before));
+      gEd->current = std::move(after);
+      gEd->modified = true;
+      Redraw();
+    }
   }
   gEd->before.clear();
   UpdateTitle();
@@ -111,6 +121,7 @@ void EndChange() {
 
 void Restore(const std::string& text) {
   gEd->host->setDocument(lb::io::readDocument(text));
+  gEd->current = text;
   gEd->modified = text != gEd->savedText;
   Redraw();
   UpdateTitle();
@@ -133,6 +144,7 @@ bool SaveTo(const std::string& path) {
     const std::string text = DocText();
     lb::io::writeDocumentFileAtomic(Doc(), path);
     gEd->path = path;
+    gEd->current = text;
     gEd->savedText = text;
     gEd->modified = false;
     UpdateTitle();
@@ -152,7 +164,7 @@ bool OpenFile(const std::string& path) {
     return false;
   }
   gEd->path = path;
-  gEd->savedText = DocText();
+  gEd->savedText = gEd->current = DocText();
   gEd->modified = false;
   gEd->history = History();
   gEd->fitted = false;
@@ -339,9 +351,9 @@ void CanvasPressed(GtkGestureDrag* g, double x, double y, gpointer) {
   gEd->dragHit = hit;
   if (hit.kind == Hit::kNone) {
     gEd->drag = Editor::kRect;
-    if (!shift) lb::editor::deselectAll(Doc());
+    if (!shift && lb::editor::deselectAll(Doc())) gEd->touched = true;
   } else {
-    lb::editor::clickSelect(Doc(), hit, shift);
+    if (lb::editor::clickSelect(Doc(), hit, shift)) gEd->touched = true;
     gEd->drag = hit.kind == Hit::kHandle ? Editor::kMoveHandle
                 : hit.kind == Hit::kVertex && hit.art->mesh->selected(hit.vertex) ? Editor::kMoveVertex
                                                                                    : Editor::kNoDrag;
@@ -363,11 +375,13 @@ void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
       lb::host::GradientMesh& m = *gEd->dragHit.art->mesh;
       for (lb::host::VertexId v = m.firstVertex(); v != lb::host::kNoVertex; v = m.nextVertex(v))
         if (m.selected(v)) lb::editor::moveVertex(gEd->dragHit.art, v, dx / z, -dy / z);
+      gEd->touched = true;
       Redraw();
       break;
     }
     case Editor::kMoveHandle:
       lb::editor::moveHandle(gEd->dragHit.art, gEd->dragHit.vertex, gEd->dragHit.dir, dx / z, -dy / z);
+      gEd->touched = true;
       Redraw();
       break;
     case Editor::kRect:
@@ -383,14 +397,14 @@ void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
 void CanvasReleased(GtkGestureDrag* g, double ox, double oy, gpointer) {
   const double x = gEd->dragX + ox, y = gEd->dragY + oy;
   if (gEd->drag == Editor::kRect && (std::abs(ox) > 2 || std::abs(oy) > 2)) {
-    const GdkModifierType mods = gtk_event_controller_get_current_event_state(GTK_EVENT_CONTROLLER(g));
+    // Without Shift the press has already cleared the selection.
     const AIRealPoint a = gEd->view.toDoc(gEd->dragX, gEd->dragY), b = gEd->view.toDoc(x, y);
-    lb::editor::rectSelect(Doc(), AIRealRect{a.h, a.v, b.h, b.v}, true);
-    (void)mods;
+    if (lb::editor::rectSelect(Doc(), AIRealRect{a.h, a.v, b.h, b.v}, true)) gEd->touched = true;
   }
+  (void)g;
   const bool wasPan = gEd->drag == Editor::kPan;
   gEd->drag = Editor::kNoDrag;
-  if (!wasPan) EndChange();
+  if (!wasPan) EndChange(gEd->touched);
   Redraw();
   WriteState();
 }
@@ -734,7 +748,7 @@ int main(int argc, char** argv) {
   const lb::host::PanelInfo* p = lb::host::currentPanel();
   if (p && !p->shown && ed.host->pluginMenuItem()) ed.host->sendMenuGo(ed.host->pluginMenuItem());
   if (ed.panelWnd) lbwinPaint(ed.panelWnd);
-  ed.savedText = DocText();
+  ed.savedText = ed.current = DocText();
 
   ed.app = gtk_application_new("org.latticebender.Editor", G_APPLICATION_NON_UNIQUE);
   g_signal_connect(ed.app, "activate", G_CALLBACK(Activate), nullptr);
