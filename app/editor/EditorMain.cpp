@@ -353,7 +353,11 @@ void CanvasPressed(GtkGestureDrag* g, double x, double y, gpointer) {
     gEd->drag = Editor::kRect;
     if (!shift && lb::editor::deselectAll(Doc())) gEd->touched = true;
   } else {
-    if (lb::editor::clickSelect(Doc(), hit, shift)) gEd->touched = true;
+    // Pressing a vertex that is already selected keeps the selection, so
+    // that all the selected vertices can be dragged together.
+    const bool keep = hit.kind == Hit::kVertex && !shift && hit.art->selected() &&
+                      hit.art->mesh->selected(hit.vertex);
+    if (!keep && lb::editor::clickSelect(Doc(), hit, shift)) gEd->touched = true;
     gEd->drag = hit.kind == Hit::kHandle ? Editor::kMoveHandle
                 : hit.kind == Hit::kVertex && hit.art->mesh->selected(hit.vertex) ? Editor::kMoveVertex
                                                                                    : Editor::kNoDrag;
@@ -572,8 +576,19 @@ void DeselectEverything() {
   EndChange();
 }
 
-gboolean KeyPressed(GtkEventControllerKey*, guint keyval, guint, GdkModifierType, gpointer) {
+// Plain +, - and Space belong to the editor window only (not to the text
+// fields of its dialogs), so they are read here rather than as accelerators.
+gboolean KeyPressed(GtkEventControllerKey*, guint keyval, guint, GdkModifierType mods, gpointer) {
   if (keyval == GDK_KEY_space) gEd->spaceDown = true;
+  if (mods & (GDK_CONTROL_MASK | GDK_ALT_MASK)) return FALSE;
+  if (keyval == GDK_KEY_plus || keyval == GDK_KEY_equal || keyval == GDK_KEY_KP_Add) {
+    Zoom(1.25);
+    return TRUE;
+  }
+  if (keyval == GDK_KEY_minus || keyval == GDK_KEY_KP_Subtract) {
+    Zoom(0.8);
+    return TRUE;
+  }
   return FALSE;
 }
 
@@ -621,8 +636,8 @@ void Activate(GtkApplication* app, gpointer) {
                           {"app.redo", {"<Control><Shift>z", "<Control>y"}},
                           {"app.selectall", {"<Control>a"}},
                           {"app.deselect", {"<Control><Shift>a"}},
-                          {"app.zoomin", {"plus", "<Control>plus", "equal"}},
-                          {"app.zoomout", {"minus", "<Control>minus"}},
+                          {"app.zoomin", {"<Control>plus", "<Control>equal"}},
+                          {"app.zoomout", {"<Control>minus"}},
                           {"app.fit", {"<Control>0"}},
                           {"app.actual", {"<Control>1"}}};
   for (const Accel& a : accels) {

@@ -287,6 +287,32 @@ TEST_F(EditorWindow, RectangleAndEmptyClickSelect) {
   }
 }
 
+TEST_F(EditorWindow, DraggingANodeMovesItAndItsHandlesInOneStep) {
+  Start();
+  const auto from = DocToWindow(mesh.P(1, 1));
+  const std::pair<int, int> to{from.first + 40, from.second + 20};
+  Xdo("mousemove --window " + xid + " " + std::to_string(from.first) + " " + std::to_string(from.second) +
+      " mousedown 1 sleep 0.1 mousemove --window " + xid + " " + std::to_string(from.first + 20) + " " +
+      std::to_string(from.second + 10) + " sleep 0.1 mousemove --window " + xid + " " + std::to_string(to.first) +
+      " " + std::to_string(to.second) + " sleep 0.1 mouseup 1");
+  WaitHistory(1, 0, true);  // selecting and moving are one change
+  auto doc = lb::io::readDocument(Save(1, 0));
+  const double zoom = std::stod(state["view"][4]);
+  for (ArtObject* art : doc->allArt()) {
+    if (art->type != kMeshArt) continue;
+    const auto& m = *art->mesh;
+    const auto v = m.node(1, 1);
+    EXPECT_TRUE(m.selected(v));
+    EXPECT_NEAR(m.point(v).h, 100 + 40 / zoom, 1.01 / zoom);
+    EXPECT_NEAR(m.point(v).v, 100 - 20 / zoom, 1.01 / zoom);
+    // The handle along I keeps its offset from the node.
+    EXPECT_NEAR(m.tangent(v, lb::host::kDirIFwd).h - m.point(v).h, 100 / 3.0, 1e-6);
+    EXPECT_NEAR(m.tangent(v, lb::host::kDirIFwd).v - m.point(v).v, 0, 1e-6);
+  }
+  Key("ctrl+z");
+  WaitHistory(0, 1, true);  // differs from what was saved
+}
+
 // `latticebender edit` refuses bad input before it opens a window.
 struct EditArgsCase {
   const char* name;
