@@ -412,6 +412,48 @@ TEST_F(EditorWindow, ScreenshotShowsPanelAndCanvas) {
   EXPECT_GT(compared, 1000);
   EXPECT_EQ(canvasDiffs, 0);
 }
+
+// Pixels of the panel's area in the window that differ from a PNG.
+int PanelDiffs(Display* display, Window win, std::pair<int, int> origin, const fs::path& png) {
+  cairo_surface_t* ref = cairo_image_surface_create_from_png(png.c_str());
+  if (cairo_surface_status(ref) != CAIRO_STATUS_SUCCESS) return -1;
+  const int w = cairo_image_surface_get_width(ref), h = cairo_image_surface_get_height(ref);
+  const auto* px = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(ref));
+  const int stride = cairo_image_surface_get_stride(ref) / 4;
+  XImage* shot = XGetImage(display, win, origin.first, origin.second, w, h, AllPlanes, ZPixmap);
+  int diffs = 0;
+  for (int y = 0; y < h; ++y)
+    for (int x = 0; x < w; ++x)
+      diffs += (px[y * stride + x] & 0xFFFFFF) != (static_cast<uint32_t>(XGetPixel(shot, x, y)) & 0xFFFFFF);
+  XDestroyImage(shot);
+  cairo_surface_destroy(ref);
+  return diffs;
+}
+
+// Hovering a panel button shows its tooltip and outline exactly as the
+// panel snapshot with --hover at the same pixel does.
+TEST_F(EditorWindow, PanelHoverMatchesThePanelSnapshot) {
+  Start();
+  const auto button = PanelButtonCentre(kCmdColorShift);
+  const fs::path ref = dir / "hover.png";
+  ASSERT_EQ(std::system((std::string(LB_CLI_BIN) + " panel -o " + ref.string() + " --hover " +
+                         std::to_string(button.first) + "," + std::to_string(button.second))
+                            .c_str()),
+            0);
+  const auto at = PanelToWindow(button);
+  Xdo("mousemove --window " + xid + " " + std::to_string(at.first - 1) + " " + std::to_string(at.second) +
+      " sleep 0.05 mousemove --window " + xid + " " + std::to_string(at.first) + " " + std::to_string(at.second));
+  Display* display = XOpenDisplay(nullptr);
+  ASSERT_NE(display, nullptr);
+  int diffs = -1;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  while (diffs != 0 && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    diffs = PanelDiffs(display, std::stoul(xid), PanelToWindow({0, 0}), ref);
+  }
+  XCloseDisplay(display);
+  EXPECT_EQ(diffs, 0);
+}
 #endif
 
 }  // namespace
