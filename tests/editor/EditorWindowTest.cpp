@@ -313,6 +313,32 @@ TEST_F(EditorWindow, DraggingANodeMovesItAndItsHandlesInOneStep) {
   WaitHistory(0, 1, true);  // differs from what was saved
 }
 
+// Quitting with unsaved changes asks first (Escape cancels); once saved,
+// Ctrl+Q closes the window and the program ends cleanly.
+TEST_F(EditorWindow, QuitAsksWhileThereAreUnsavedChanges) {
+  Start();
+  ClickAt(DocToWindow(mesh.P(0, 0)));
+  WaitHistory(1, 0, true);
+  Key("ctrl+q");
+  std::this_thread::sleep_for(std::chrono::milliseconds(800));
+  int status = 0;
+  ASSERT_EQ(::waitpid(pid, &status, WNOHANG), 0) << "closed without asking";
+  Key("Escape");
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  Xdo("mousemove --window " + xid + " 5 200");
+  Save(1, 0);
+  Key("ctrl+q");
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  pid_t done = 0;
+  while (done == 0 && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    done = ::waitpid(pid, &status, WNOHANG);
+  }
+  ASSERT_EQ(done, pid) << "still open after Ctrl+Q";
+  pid = -1;
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << Slurp(dir / "editor.out");
+}
+
 // `latticebender edit` refuses bad input before it opens a window.
 struct EditArgsCase {
   const char* name;
