@@ -1,5 +1,10 @@
-// The `latticebender` command line: run, info, render, panel, demo.
+// The `latticebender` command line: run, info, render, panel, demo, edit.
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -131,6 +136,28 @@ int Render(const std::string& docPath, const std::string& outPath, double scale,
   return kDone;
 }
 
+// The editor is its own program (it needs GTK 4, the command line does
+// not): latticebender-edit beside this executable. Replaces this process.
+int Edit(const std::vector<std::string>& files) {
+  std::error_code ec;
+  const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ec);
+  const std::filesystem::path editor = self.parent_path() / "latticebender-edit";
+  if (ec || !std::filesystem::exists(editor)) {
+    Error("the editor (latticebender-edit) is not installed beside this program; build with GTK 4 "
+          "(libgtk-4-dev) to get it");
+    return kFailure;
+  }
+  std::vector<std::string> args{editor.string()};
+  args.insert(args.end(), files.begin(), files.end());
+  std::vector<char*> argv;
+  for (std::string& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  std::fflush(stdout);
+  execv(argv[0], argv.data());
+  Error("cannot start " + editor.string() + ": " + std::strerror(errno));
+  return kFailure;
+}
+
 }  // namespace
 
 int lbMain(int argc, char** argv) {
@@ -175,6 +202,10 @@ int lbMain(int argc, char** argv) {
 
   lb::app::InterchangeCommands interchange(app);
 
+  std::vector<std::string> editFiles;
+  auto* edit = app.add_subcommand("edit", "Open the editor window (GTK 4)");
+  edit->add_option("FILE", editFiles, "Document to open (.lbdoc)")->expected(0, 1);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -208,6 +239,7 @@ int lbMain(int argc, char** argv) {
       return lb::app::panelSnapshot(outPath, hover, press);
     }
     if (demo->parsed()) return lb::app::runDemo(demoDir);
+    if (edit->parsed()) return Edit(editFiles);
   } catch (const UsageError& e) {
     Error(e.message);
     return kUsage;

@@ -3,6 +3,7 @@
 set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config nlohmann-json3-dev libcairo2-dev libpng-dev libcli11-dev
       libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev
+      libgtk-4-dev xvfb xauth xdotool libx11-dev  # the editor window and its tests
       clang libclang-rt-14-dev)  # clang and its libFuzzer runtime for `make fuzz`
 missing=()
 for p in "${pkgs[@]}"; do

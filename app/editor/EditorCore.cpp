@@ -1,0 +1,264 @@
+// The editor's history, direct-selection tool and cached canvas picture.
+#include "app/editor/EditorCore.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lb::editor {
+
+using lb::host::Document;
+using lb::host::GradientMesh;
+using lb::host::kNoVertex;
+using lb::host::VertexId;
+
+// ---- History ------------------------------------------------------------------
+
+void History::push(std::string before) {
+  undo_.push_back(std::move(before));
+  redo_.clear();
+}
+
+std::string History::undo(std::string current) {
+  std::string s = std::move(undo_.back());
+  undo_.pop_back();
+  redo_.push_back(std::move(current));
+  return s;
+}
+
+std::string History::redo(std::string current) {
+  std::string s = std::move(redo_.back());
+  redo_.pop_back();
+  undo_.push_back(std::move(current));
+  return s;
+}
+
+// ---- Direct selection ---------------------------------------------------------
+
+namespace {
+
+bool editable(const ArtObject* a) {
+  for (const ArtObject* p = a; p; p = p->parent)
+    if (p->hidden() || p->locked()) return false;
+  return true;
+}
+
+double dist(AIRealPoint a, AIRealPoint b) { return std::hypot(a.h - b.h, a.v - b.v); }
+
+// Makes the mesh art selected without its vertices: the document selects a
+// whole mesh when its art becomes selected.
+void selectMeshArt(Document& doc, ArtObject* a) {
+  if (a->selected() && !a->mesh->isSelectionEmpty()) return;
+  doc.setSelected(a, true);
+  a->mesh->clearSelection();
+}
+
+}  // namespace
+
+Hit hitTest(const Document& doc, AIRealPoint p, double tolerance) {
+  const std::vector<ArtObject*> all = doc.allArt();
+  // Handles of the selected vertices: only they are drawn.
+  for (ArtObject* a : all) {
+    if (a->type != kMeshArt || !a->mesh || !a->selected() || !editable(a)) continue;
+    const GradientMesh& m = *a->mesh;
+    if (m.isSelectionEmpty()) continue;
+    for (VertexId v = m.firstVertex(); v != kNoVertex; v = m.nextVertex(v)) {
+      if (!m.selected(v)) continue;
+      for (int dir = 0; dir < 4; ++dir)
+        if (m.hasSegment(v, dir) && dist(m.tangent(v, dir), p) <= tolerance &&
+            dist(m.point(v), p) > tolerance)
+          return Hit{Hit::kHandle, a, v, dir};
+    }
+  }
+  for (ArtObject* a : all) {
+    if (a->type != kMeshArt || !a->mesh || !editable(a)) continue;
+    const VertexId v = a->mesh->hitVertex(p, tolerance);
+    if (v != kNoVertex) return Hit{Hit::kVertex, a, v, -1};
+  }
+  for (ArtObject* a : all) {
+    if (a->type != kPathArt || !editable(a)) continue;
+    const auto b = doc.bounds(a);
+    if (b && p.h >= b->left - tolerance && p.h <= b->right + tolerance && p.v <= b->top + tolerance &&
+        p.v >= b->bottom - tolerance)
+      return Hit{Hit::kPath, a, kNoVertex, -1};
+  }
+  return {};
+}
+
+bool deselectAll(Document& doc) {
+  bool changed = false;
+  for (ArtObject* a : doc.allArt()) {
+    if (a->selected()) {
+      doc.setSelected(a, false);
+      changed = true;
+    }
+    if (a->type == kMeshArt && a->mesh && !a->mesh->isSelectionEmpty()) {
+      a->mesh->clearSelection();
+      changed = true;
+    }
+    if (a->type == kPathArt)
+      for (int k = 0; k < static_cast<int>(a->segments.size()); ++k)
+        if (doc.anchorSelection(a, k) != 0) {
+          doc.setAnchorSelection(a, k, 0);
+          changed = true;
+        }
+  }
+  return changed;
+}
+
+bool clickSelect(Document& doc, const Hit& hit, bool shift) {
+  switch (hit.kind) {
+    case Hit::kNone:
+      return shift ? false : deselectAll(doc);
+    case Hit::kHandle:
+      return false;  // a handle only moves
+    case Hit::kVertex: {
+      GradientMesh& m = *hit.art->mesh;
+      if (shift) {
+        const bool on = !m.selected(hit.vertex);
+        if (on) selectMeshArt(doc, hit.art);
+        m.setSelected(hit.vertex, on);
+        return true;
+      }
+      if (hit.art->selected() && m.selectedCount() == 1 && m.selected(hit.vertex)) return false;
+      deselectAll(doc);
+      selectMeshArt(doc, hit.art);
+      m.setSelected(hit.vertex, true);
+      return true;
+    }
+    case Hit::kPath:
+      if (shift) {
+        doc.setSelected(hit.art, !hit.art->selected());
+        return true;
+      }
+      deselectAll(doc);
+      doc.setSelected(hit.art, true);
+      return true;
+  }
+  return false;
+}
+
+bool rectSelect(Document& doc, AIRealRect r, bool shift) {
+  bool changed = shift ? false : deselectAll(doc);
+  const double left = std::min(r.left, r.right), right = std::max(r.left, r.right);
+  const double bottom = std::min(r.top, r.bottom), top = std::max(r.top, r.bottom);
+  for (ArtObject* a : doc.allArt()) {
+    if (a->type != kMeshArt || !a->mesh || !editable(a)) continue;
+    GradientMesh& m = *a->mesh;
+    for (VertexId v = m.firstVertex(); v != kNoVertex; v = m.nextVertex(v)) {
+      const AIRealPoint p = m.point(v);
+      if (p.h < left || p.h > right || p.v < bottom || p.v > top || m.selected(v)) continue;
+      selectMeshArt(doc, a);
+      m.setSelected(v, true);
+      changed = true;
+    }
+  }
+  return changed;
+}
+
+void moveVertex(ArtObject* mesh, VertexId v, double dx, double dy) {
+  GradientMesh& m = *mesh->mesh;
+  AIRealPoint handles[4];
+  for (int dir = 0; dir < 4; ++dir)
+    if (m.hasSegment(v, dir)) handles[dir] = m.tangent(v, dir);
+  const AIRealPoint p = m.point(v);
+  m.setPoint(v, AIRealPoint{p.h + dx, p.v + dy});
+  for (int dir = 0; dir < 4; ++dir)
+    if (m.hasSegment(v, dir)) m.setTangent(v, dir, AIRealPoint{handles[dir].h + dx, handles[dir].v + dy});
+}
+
+void moveHandle(ArtObject* mesh, VertexId v, int dir, double dx, double dy) {
+  GradientMesh& m = *mesh->mesh;
+  const AIRealPoint h = m.tangent(v, dir);
+  m.setTangent(v, dir, AIRealPoint{h.h + dx, h.v + dy});
+}
+
+// ---- Canvas -------------------------------------------------------------------
+
+CanvasView::~CanvasView() {
+  if (surface_) {
+    cairo_surface_finish(surface_);
+    cairo_surface_destroy(surface_);
+  }
+}
+
+void CanvasView::setZoom(double zoom, double anchorX, double anchorY) {
+  zoom = std::clamp(zoom, 0.01, 64.0);
+  const AIRealPoint d = toDoc(anchorX, anchorY);
+  zoom_ = zoom;
+  double x, y;
+  toView(d, &x, &y);
+  panX_ += anchorX - x;
+  panY_ += anchorY - y;
+  stale_ = true;
+}
+
+void CanvasView::fit(const Document& doc, int w, int h) {
+  const AIRealRect a = lb::render::renderArea(doc);
+  const double aw = std::max(1e-6, a.right - a.left), ah = std::max(1e-6, a.top - a.bottom);
+  const double margin = 20;
+  zoom_ = std::clamp(std::min((w - 2 * margin) / aw, (h - 2 * margin) / ah), 0.01, 64.0);
+  // Pan is measured from the area's top-left corner.
+  panX_ = (w - aw * zoom_) / 2;
+  panY_ = (h - ah * zoom_) / 2;
+  area_ = a;
+  stale_ = true;
+}
+
+AIRealPoint CanvasView::toDoc(double x, double y) const {
+  return AIRealPoint{area_.left + (x - panX_) / zoom_, area_.top - (y - panY_) / zoom_};
+}
+
+void CanvasView::toView(AIRealPoint p, double* x, double* y) const {
+  *x = panX_ + (p.h - area_.left) * zoom_;
+  *y = panY_ + (area_.top - p.v) * zoom_;
+}
+
+bool CanvasView::refresh(const Document& doc) {
+  if (!stale_ && surface_) return false;
+  const AIRealRect a = lb::render::renderArea(doc);
+  // Keep document points where they are on screen when the area moves.
+  if (surface_ || area_.left != 0 || area_.top != 0 || area_.right != 0 || area_.bottom != 0) {
+    panX_ += (a.left - area_.left) * zoom_;
+    panY_ += (area_.top - a.top) * zoom_;
+  }
+  area_ = a;
+  // Large zooms render at a lower scale and are magnified when painted.
+  const double aw = std::max(1e-6, a.right - a.left), ah = std::max(1e-6, a.top - a.bottom);
+  double s = zoom_;
+  s = std::min(s, 8192 / std::max(aw, ah));
+  s = std::min(s, std::sqrt(32.0 * 1024 * 1024 / (aw * ah)));
+  lb::render::RenderOptions o;
+  o.scale = std::max(s, 0.0001);
+  o.selection = true;
+  // The old surface goes first: cairo may still read its pixels (copying
+  // them for a snapshot) when it is destroyed.
+  if (surface_) {
+    cairo_surface_finish(surface_);
+    cairo_surface_destroy(surface_);
+    surface_ = nullptr;
+  }
+  image_ = lb::render::renderDocument(doc, o);
+  pictureScale_ = o.scale;
+  surface_ = cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(image_.pixels.data()),
+                                                 CAIRO_FORMAT_ARGB32, image_.width, image_.height,
+                                                 image_.width * 4);
+  stale_ = false;
+  return true;
+}
+
+void CanvasView::paint(cairo_t* cr, const Document& doc, int w, int h) {
+  refresh(doc);
+  cairo_save(cr);
+  cairo_set_source_rgb(cr, 0.62, 0.62, 0.62);
+  cairo_rectangle(cr, 0, 0, w, h);
+  cairo_fill(cr);
+  cairo_translate(cr, std::round(panX_), std::round(panY_));
+  const double k = zoom_ / pictureScale_;
+  if (std::fabs(k - 1) > 1e-9) cairo_scale(cr, k, k);
+  cairo_set_source_surface(cr, surface_, 0, 0);
+  cairo_pattern_set_filter(cairo_get_source(cr), std::fabs(k - 1) > 1e-9 ? CAIRO_FILTER_GOOD : CAIRO_FILTER_FAST);
+  cairo_paint(cr);
+  cairo_restore(cr);
+}
+
+}  // namespace lb::editor

@@ -1,0 +1,782 @@
+// `latticebender-edit [FILE]`: the GTK 4 editor window. The canvas shows the
+// document through our renderer with the direct-selection tool; the panel
+// is the loaded plug-in's own lbwin window, shown as an image and fed the
+// mouse and the Alt/Ctrl keys; every change is undoable through .lbdoc
+// snapshots taken before it.
+#define GDK_DISABLE_DEPRECATION_WARNINGS
+#include <gtk/gtk.h>
+#ifdef GDK_WINDOWING_X11
+#include <gdk/x11/gdkx.h>
+#endif
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/editor/EditorCore.h"
+#include "host/Host.h"
+#include "host/PanelHost.h"
+#include "io/Lbdoc.h"
+#include "lbwin.h"
+
+namespace {
+
+using lb::editor::CanvasView;
+using lb::editor::Hit;
+using lb::editor::History;
+
+struct Editor {
+  GtkApplication* app = nullptr;
+  GtkWindow* win = nullptr;
+  GtkWidget* canvas = nullptr;
+  GtkWidget* panel = nullptr;
+  std::unique_ptr<lb::host::Host> host;
+  HWND panelWnd = nullptr;
+  CanvasView view;
+  History history;
+  std::string path;        // empty: not saved yet
+  std::string savedText;   // the document as last opened or saved
+  bool modified = false;
+  std::string current;     // the document's text as of the last change, open or save
+  std::string before;      // snapshot taken when a change began
+  bool changing = false;
+  bool touched = false;    // a canvas edit changed something during the change
+  std::vector<std::string> alerts;
+  std::string statePath;   // LB_EDITOR_STATE: where the window's geometry goes
+  bool fitted = false;
+  bool closeConfirmed = false;
+  // Canvas drag.
+  enum { kNoDrag, kRect, kMoveVertex, kMoveHandle, kPan } drag = kNoDrag;
+  Hit dragHit;
+  double dragX = 0, dragY = 0, lastX = 0, lastY = 0;
+  bool spaceDown = false;
+};
+
+Editor* gEd = nullptr;
+
+lb::host::Document& Doc() { return gEd->host->document(); }
+
+std::string DocText() { return lb::io::writeDocument(Doc()); }
+
+std::string DisplayName() {
+  return gEd->path.empty() ? std::string("Untitled") : std::filesystem::path(gEd->path).filename().string();
+}
+
+void WriteState();
+
+void UpdateTitle() {
+  const std::string t = (gEd->modified ? "*" : "") + DisplayName() + " - LatticeBender";
+  gtk_window_set_title(gEd->win, t.c_str());
+  WriteState();
+}
+
+void Redraw() {
+  gEd->view.invalidate();
+  gtk_widget_queue_draw(gEd->canvas);
+}
+
+void ShowMessage(const std::string& text, GtkMessageType type = GTK_MESSAGE_INFO) {
+  GtkWidget* d = gtk_message_dialog_new(gEd->win, GTK_DIALOG_MODAL, type, GTK_BUTTONS_OK, "%s", text.c_str());
+  g_signal_connect(d, "response", G_CALLBACK(gtk_window_destroy), nullptr);
+  gtk_window_present(GTK_WINDOW(d));
+}
+
+void ShowAlerts() {
+  std::vector<std::string> alerts;
+  alerts.swap(gEd->alerts);
+  for (const std::string& a : alerts) ShowMessage(a);
+}
+
+// ---- Changes and history ---------------------------------------------------------
+
+// The text of the document before the change is the one kept since the
+// last change, so a change costs one serialisation (after it), and a canvas
+// press that changed nothing costs none.
+void BeginChange() {
+  gEd->before = gEd->current;
+  gEd->changing = true;
+  gEd->touched = false;
+}
+
+// `mayHaveChanged` false: the caller knows nothing changed.
+void EndChange(bool mayHaveChanged = true) {
+  if (!gEd->changing) return;
+  gEd->changing = false;
+  if (mayHaveChanged) {
+    std::string after = DocText();
+    if (after != gEd->before) {
+      gEd->history.push(std::move(gEd->before));
+      gEd->current = std::move(after);
+      gEd->modified = true;
+      Redraw();
+    }
+  }
+  gEd->before.clear();
+  UpdateTitle();
+}
+
+void Restore(const std::string& text) {
+  gEd->host->setDocument(lb::io::readDocument(text));
+  gEd->current = text;
+  gEd->modified = text != gEd->savedText;
+  Redraw();
+  UpdateTitle();
+}
+
+void Undo() {
+  if (gEd->changing || !gEd->history.canUndo()) return;
+  Restore(gEd->history.undo(DocText()));
+}
+
+void Redo() {
+  if (gEd->changing || !gEd->history.canRedo()) return;
+  Restore(gEd->history.redo(DocText()));
+}
+
+// ---- Files -------------------------------------------------------------------------
+
+bool SaveTo(const std::string& path) {
+  try {
+    const std::string text = DocText();
+    lb::io::writeDocumentFileAtomic(Doc(), path);
+    gEd->path = path;
+    gEd->current = text;
+    gEd->savedText = text;
+    gEd->modified = false;
+    UpdateTitle();
+    return true;
+  } catch (const std::exception& e) {
+    ShowMessage(std::string("Cannot save: ") + e.what(), GTK_MESSAGE_ERROR);
+    return false;
+  }
+}
+
+bool OpenFile(const std::string& path) {
+  try {
+    auto doc = lb::io::readDocumentFile(path);
+    gEd->host->setDocument(std::move(doc));
+  } catch (const std::exception& e) {
+    ShowMessage(e.what(), GTK_MESSAGE_ERROR);
+    return false;
+  }
+  gEd->path = path;
+  gEd->savedText = gEd->current = DocText();
+  gEd->modified = false;
+  gEd->history = History();
+  gEd->fitted = false;
+  Redraw();
+  UpdateTitle();
+  return true;
+}
+
+// Exports the document as PNG at 1 pixel per unit, without the selection.
+void ExportPng() {
+  GtkFileChooserNative* fc = gtk_file_chooser_native_new("Export PNG", gEd->win, GTK_FILE_CHOOSER_ACTION_SAVE,
+                                                         nullptr, nullptr);
+  std::string name = DisplayName();
+  if (name.size() > 6 && name.substr(name.size() - 6) == ".lbdoc") name.resize(name.size() - 6);
+  gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(fc), (name + ".png").c_str());
+  g_signal_connect(fc, "response", G_CALLBACK(+[](GtkNativeDialog* d, int response, gpointer) {
+                     if (response == GTK_RESPONSE_ACCEPT) {
+                       GFile* f = gtk_file_chooser_get_file(GTK_FILE_CHOOSER(d));
+                       char* p = g_file_get_path(f);
+                       if (p) {
+                         try {
+                           lb::render::renderDocumentPng(Doc(), p);
+                         } catch (const std::exception& e) {
+                           ShowMessage(std::string("Cannot export: ") + e.what(), GTK_MESSAGE_ERROR);
+                         }
+                       }
+                       g_free(p);
+                       g_object_unref(f);
+                     }
+                     g_object_unref(d);
+                   }),
+                   nullptr);
+  gtk_native_dialog_show(GTK_NATIVE_DIALOG(fc));
+}
+
+void ChooseFile(bool save) {
+  GtkFileChooserNative* fc = gtk_file_chooser_native_new(save ? "Save Document" : "Open Document", gEd->win,
+                                                         save ? GTK_FILE_CHOOSER_ACTION_SAVE
+                                                              : GTK_FILE_CHOOSER_ACTION_OPEN,
+                                                         nullptr, nullptr);
+  GtkFileFilter* filter = gtk_file_filter_new();
+  gtk_file_filter_set_name(filter, "LatticeBender documents (.lbdoc)");
+  gtk_file_filter_add_pattern(filter, "*.lbdoc");
+  gtk_file_chooser_add_filter(GTK_FILE_CHOOSER(fc), filter);
+  g_object_unref(filter);
+  if (save) gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(fc), DisplayName().c_str());
+  g_signal_connect(fc, "response", G_CALLBACK(+[](GtkNativeDialog* d, int response, gpointer data) {
+                     if (response == GTK_RESPONSE_ACCEPT) {
+                       GFile* f = gtk_file_chooser_get_file(GTK_FILE_CHOOSER(d));
+                       char* p = g_file_get_path(f);
+                       std::string path = p ? p : "";
+                       g_free(p);
+                       g_object_unref(f);
+                       if (!path.empty()) {
+                         if (GPOINTER_TO_INT(data)) {
+                           if (path.size() < 6 || path.substr(path.size() - 6) != ".lbdoc") path += ".lbdoc";
+                           SaveTo(path);
+                         } else {
+                           OpenFile(path);
+                         }
+                       }
+                     }
+                     g_object_unref(d);
+                   }),
+                   GINT_TO_POINTER(save));
+  gtk_native_dialog_show(GTK_NATIVE_DIALOG(fc));
+}
+
+void Save() {
+  if (gEd->path.empty())
+    ChooseFile(true);
+  else
+    SaveTo(gEd->path);
+}
+
+// Asks before discarding unsaved changes; `then` runs once it is fine to go on.
+void ConfirmDiscard(void (*then)()) {
+  if (!gEd->modified) {
+    then();
+    return;
+  }
+  GtkWidget* d = gtk_message_dialog_new(gEd->win, GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION, GTK_BUTTONS_NONE,
+                                        "Save changes to \"%s\" before closing?", DisplayName().c_str());
+  gtk_dialog_add_buttons(GTK_DIALOG(d), "Close without Saving", GTK_RESPONSE_REJECT, "Cancel",
+                         GTK_RESPONSE_CANCEL, "Save", GTK_RESPONSE_ACCEPT, nullptr);
+  g_signal_connect(d, "response", G_CALLBACK(+[](GtkDialog* dlg, int response, gpointer data) {
+                     auto next = reinterpret_cast<void (*)()>(data);
+                     gtk_window_destroy(GTK_WINDOW(dlg));
+                     if (response == GTK_RESPONSE_REJECT) next();
+                     if (response == GTK_RESPONSE_ACCEPT && !gEd->path.empty() && SaveTo(gEd->path)) next();
+                     if (response == GTK_RESPONSE_ACCEPT && gEd->path.empty()) ChooseFile(true);
+                   }),
+                   reinterpret_cast<gpointer>(then));
+  gtk_window_present(GTK_WINDOW(d));
+}
+
+void CloseNow() {
+  gEd->closeConfirmed = true;
+  gtk_window_close(gEd->win);
+}
+
+// ---- State for tests ---------------------------------------------------------------
+
+void WidgetBox(GtkWidget* w, std::string& out, const char* name) {
+  double x = 0, y = 0;
+  double sx = 0, sy = 0;
+  gtk_native_get_surface_transform(GTK_NATIVE(gEd->win), &sx, &sy);
+  if (!gtk_widget_get_visible(w) || !gtk_widget_translate_coordinates(w, GTK_WIDGET(gEd->win), 0, 0, &x, &y)) {
+    out += std::string(name) + " hidden\n";
+    return;
+  }
+  char line[160];
+  std::snprintf(line, sizeof line, "%s %d %d %d %d\n", name, static_cast<int>(x + sx), static_cast<int>(y + sy),
+                gtk_widget_get_width(w), gtk_widget_get_height(w));
+  out += line;
+}
+
+// With LB_EDITOR_STATE set, the window's geometry and the history's state
+// are written there (atomically) after every change, so a test driving the
+// window with real input events knows where to click and when it is done.
+void WriteState() {
+  if (gEd->statePath.empty() || !gtk_widget_get_realized(GTK_WIDGET(gEd->win))) return;
+  std::string s;
+  unsigned long xid = 0;
+#ifdef GDK_WINDOWING_X11
+  GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gEd->win));
+  if (GDK_IS_X11_SURFACE(surface)) xid = gdk_x11_surface_get_xid(surface);
+#endif
+  s += "xid " + std::to_string(xid) + "\n";
+  WidgetBox(gEd->canvas, s, "canvas");
+  WidgetBox(gEd->panel, s, "panel");
+  const AIRealRect a = gEd->view.area();
+  char line[256];
+  std::snprintf(line, sizeof line, "view %.17g %.17g %.17g %.17g %.17g\n", gEd->view.panX(), gEd->view.panY(),
+                a.left, a.top, gEd->view.zoom());
+  s += line;
+  s += "undo " + std::to_string(gEd->history.undoCount()) + " redo " + std::to_string(gEd->history.redoCount()) +
+       " modified " + (gEd->modified ? "1" : "0") + "\n";
+  s += "path " + gEd->path + "\n";
+  const std::string tmp = gEd->statePath + ".tmp";
+  {
+    std::ofstream f(tmp, std::ios::trunc);
+    f << s;
+  }
+  std::rename(tmp.c_str(), gEd->statePath.c_str());
+}
+
+// ---- Canvas ------------------------------------------------------------------------
+
+void DrawCanvas(GtkDrawingArea*, cairo_t* cr, int w, int h, gpointer) {
+  if (!gEd->fitted && w > 1 && h > 1) {
+    gEd->view.fit(Doc(), w, h);
+    gEd->fitted = true;
+  }
+  const bool rendered = gEd->view.refresh(Doc());
+  gEd->view.paint(cr, Doc(), w, h);
+  if (gEd->drag == Editor::kRect) {
+    cairo_rectangle(cr, std::min(gEd->dragX, gEd->lastX) + 0.5, std::min(gEd->dragY, gEd->lastY) + 0.5,
+                    std::abs(gEd->lastX - gEd->dragX), std::abs(gEd->lastY - gEd->dragY));
+    cairo_set_source_rgba(cr, 0.16, 0.43, 0.96, 0.15);
+    cairo_fill_preserve(cr);
+    cairo_set_source_rgb(cr, 0.16, 0.43, 0.96);
+    cairo_set_line_width(cr, 1);
+    cairo_stroke(cr);
+  }
+  if (rendered) WriteState();
+}
+
+constexpr double kPickPixels = 5;
+
+void CanvasPressed(GtkGestureDrag* g, double x, double y, gpointer) {
+  const guint button = gtk_gesture_single_get_current_button(GTK_GESTURE_SINGLE(g));
+  gEd->dragX = gEd->lastX = x;
+  gEd->dragY = gEd->lastY = y;
+  if (button == 2 || (button == 1 && gEd->spaceDown)) {
+    gEd->drag = Editor::kPan;
+    return;
+  }
+  if (button != 1) return;
+  const GdkModifierType mods = gtk_event_controller_get_current_event_state(GTK_EVENT_CONTROLLER(g));
+  const bool shift = (mods & GDK_SHIFT_MASK) != 0;
+  BeginChange();
+  const Hit hit = lb::editor::hitTest(Doc(), gEd->view.toDoc(x, y), kPickPixels / gEd->view.zoom());
+  gEd->dragHit = hit;
+  if (hit.kind == Hit::kNone) {
+    gEd->drag = Editor::kRect;
+    if (!shift && lb::editor::deselectAll(Doc())) gEd->touched = true;
+  } else {
+    // Pressing a vertex that is already selected keeps the selection, so
+    // that all the selected vertices can be dragged together.
+    const bool keep = hit.kind == Hit::kVertex && !shift && hit.art->selected() &&
+                      hit.art->mesh->selected(hit.vertex);
+    if (!keep && lb::editor::clickSelect(Doc(), hit, shift)) gEd->touched = true;
+    gEd->drag = hit.kind == Hit::kHandle ? Editor::kMoveHandle
+                : hit.kind == Hit::kVertex && hit.art->mesh->selected(hit.vertex) ? Editor::kMoveVertex
+                                                                                   : Editor::kNoDrag;
+  }
+  Redraw();
+}
+
+void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
+  const double x = gEd->dragX + ox, y = gEd->dragY + oy;
+  const double dx = x - gEd->lastX, dy = y - gEd->lastY;
+  const double z = gEd->view.zoom();
+  switch (gEd->drag) {
+    case Editor::kPan:
+      gEd->view.panBy(dx, dy);
+      gtk_widget_queue_draw(gEd->canvas);
+      break;
+    case Editor::kMoveVertex: {
+      // Every selected vertex of the mesh moves together.
+      lb::host::GradientMesh& m = *gEd->dragHit.art->mesh;
+      for (lb::host::VertexId v = m.firstVertex(); v != lb::host::kNoVertex; v = m.nextVertex(v))
+        if (m.selected(v)) lb::editor::moveVertex(gEd->dragHit.art, v, dx / z, -dy / z);
+      gEd->touched = true;
+      Redraw();
+      break;
+    }
+    case Editor::kMoveHandle:
+      lb::editor::moveHandle(gEd->dragHit.art, gEd->dragHit.vertex, gEd->dragHit.dir, dx / z, -dy / z);
+      gEd->touched = true;
+      Redraw();
+      break;
+    case Editor::kRect:
+      gtk_widget_queue_draw(gEd->canvas);
+      break;
+    case Editor::kNoDrag:
+      break;
+  }
+  gEd->lastX = x;
+  gEd->lastY = y;
+}
+
+void CanvasReleased(GtkGestureDrag* g, double ox, double oy, gpointer) {
+  const double x = gEd->dragX + ox, y = gEd->dragY + oy;
+  if (gEd->drag == Editor::kRect && (std::abs(ox) > 2 || std::abs(oy) > 2)) {
+    // Without Shift the press has already cleared the selection.
+    const AIRealPoint a = gEd->view.toDoc(gEd->dragX, gEd->dragY), b = gEd->view.toDoc(x, y);
+    if (lb::editor::rectSelect(Doc(), AIRealRect{a.h, a.v, b.h, b.v}, true)) gEd->touched = true;
+  }
+  (void)g;
+  const bool wasPan = gEd->drag == Editor::kPan;
+  gEd->drag = Editor::kNoDrag;
+  if (!wasPan) EndChange(gEd->touched);
+  Redraw();
+  WriteState();
+}
+
+gboolean CanvasScrolled(GtkEventControllerScroll* c, double dx, double dy, gpointer) {
+  const GdkModifierType mods = gtk_event_controller_get_current_event_state(GTK_EVENT_CONTROLLER(c));
+  if (mods & GDK_CONTROL_MASK) {
+    double x = gtk_widget_get_width(gEd->canvas) / 2.0, y = gtk_widget_get_height(gEd->canvas) / 2.0;
+    gEd->view.setZoom(gEd->view.zoom() * (dy < 0 ? 1.25 : 0.8), x, y);
+  } else {
+    gEd->view.panBy(-dx * 30, -dy * 30);
+  }
+  gtk_widget_queue_draw(gEd->canvas);
+  WriteState();
+  return TRUE;
+}
+
+void Zoom(double factor) {
+  gEd->view.setZoom(gEd->view.zoom() * factor, gtk_widget_get_width(gEd->canvas) / 2.0,
+                    gtk_widget_get_height(gEd->canvas) / 2.0);
+  gtk_widget_queue_draw(gEd->canvas);
+  WriteState();
+}
+
+// ---- The plug-in's panel -------------------------------------------------------------
+
+void DrawPanel(GtkDrawingArea*, cairo_t* cr, int, int, gpointer) {
+  HWND hwnd = gEd->panelWnd;
+  if (!hwnd || !IsWindow(hwnd)) return;
+  if (lbwinIsInvalid(hwnd)) UpdateWindow(hwnd);
+  int w = 0, h = 0, stride = 0;
+  const uint8_t* px = lbwinGetPixels(hwnd, &w, &h, &stride);
+  if (!px) return;
+  // The window image is top-down BGRX, which is cairo's RGB24 layout.
+  cairo_surface_t* s = cairo_image_surface_create_for_data(const_cast<uint8_t*>(px), CAIRO_FORMAT_RGB24, w, h,
+                                                           stride);
+  cairo_set_source_surface(cr, s, 0, 0);
+  cairo_paint(cr);
+  cairo_surface_destroy(s);
+}
+
+void SetKeys(GtkEventController* c) {
+  const GdkModifierType mods = gtk_event_controller_get_current_event_state(c);
+  lbwinSetKeyState(VK_MENU, (mods & GDK_ALT_MASK) != 0);
+  lbwinSetKeyState(VK_CONTROL, (mods & GDK_CONTROL_MASK) != 0);
+  lbwinSetKeyState(VK_SHIFT, (mods & GDK_SHIFT_MASK) != 0);
+}
+
+void PanelSend(UINT msg, WPARAM wp, double x, double y) {
+  if (!gEd->panelWnd || !IsWindow(gEd->panelWnd)) return;
+  lbwinSendMessage(gEd->panelWnd, msg, wp, MAKELPARAM(static_cast<int>(x), static_cast<int>(y)));
+  UpdateWindow(gEd->panelWnd);
+  gtk_widget_queue_draw(gEd->panel);
+}
+
+bool gPanelButtonDown = false;
+
+void PanelMotion(GtkEventControllerMotion* c, double x, double y, gpointer) {
+  SetKeys(GTK_EVENT_CONTROLLER(c));
+  PanelSend(WM_MOUSEMOVE, gPanelButtonDown ? MK_LBUTTON : 0, x, y);
+}
+
+void PanelLeave(GtkEventControllerMotion*, gpointer) {
+  if (gEd->panelWnd && IsWindow(gEd->panelWnd) && lbwinMouseLeave(gEd->panelWnd)) {
+    UpdateWindow(gEd->panelWnd);
+    gtk_widget_queue_draw(gEd->panel);
+  }
+}
+
+void PanelPressed(GtkGestureClick* g, int, double x, double y, gpointer) {
+  SetKeys(GTK_EVENT_CONTROLLER(g));
+  BeginChange();
+  gPanelButtonDown = true;
+  PanelSend(WM_LBUTTONDOWN, MK_LBUTTON, x, y);
+}
+
+void PanelReleased(GtkGestureClick* g, int, double x, double y, gpointer) {
+  // The keys held at the release decide the command's variant.
+  SetKeys(GTK_EVENT_CONTROLLER(g));
+  gPanelButtonDown = false;
+  PanelSend(WM_LBUTTONUP, 0, x, y);
+  EndChange();
+  ShowAlerts();
+}
+
+// A press whose release went elsewhere (the gesture was cancelled).
+void PanelCancelled(GtkGesture*, GdkEventSequence*, gpointer) {
+  if (!gPanelButtonDown) return;
+  gPanelButtonDown = false;
+  PanelSend(WM_LBUTTONUP, 0, -1, -1);
+  EndChange();
+  ShowAlerts();
+}
+
+void SyncPanelVisibility() {
+  const lb::host::PanelInfo* p = lb::host::currentPanel();
+  gtk_widget_set_visible(gEd->panel, p && p->shown && p->window);
+  WriteState();
+}
+
+// ---- Actions ---------------------------------------------------------------------------
+
+void AddAction(const char* name, void (*fn)()) {
+  GSimpleAction* a = g_simple_action_new(name, nullptr);
+  g_signal_connect(a, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer f) {
+                     reinterpret_cast<void (*)()>(f)();
+                   }),
+                   reinterpret_cast<gpointer>(fn));
+  g_action_map_add_action(G_ACTION_MAP(gEd->app), G_ACTION(a));
+  g_object_unref(a);
+}
+
+GMenuModel* BuildMenu() {
+  GMenu* bar = g_menu_new();
+  GMenu* file = g_menu_new();
+  g_menu_append(file, "Open...", "app.open");
+  g_menu_append(file, "Save", "app.save");
+  g_menu_append(file, "Save As...", "app.saveas");
+  g_menu_append(file, "Export PNG...", "app.exportpng");
+  g_menu_append(file, "Quit", "app.quit");
+  g_menu_append_submenu(bar, "File", G_MENU_MODEL(file));
+  GMenu* edit = g_menu_new();
+  g_menu_append(edit, "Undo", "app.undo");
+  g_menu_append(edit, "Redo", "app.redo");
+  g_menu_append(edit, "Select All", "app.selectall");
+  g_menu_append(edit, "Deselect All", "app.deselect");
+  g_menu_append_submenu(bar, "Edit", G_MENU_MODEL(edit));
+  GMenu* viewMenu = g_menu_new();
+  g_menu_append(viewMenu, "Zoom In", "app.zoomin");
+  g_menu_append(viewMenu, "Zoom Out", "app.zoomout");
+  g_menu_append(viewMenu, "Fit in Window", "app.fit");
+  g_menu_append(viewMenu, "Actual Size", "app.actual");
+  g_menu_append_submenu(bar, "View", G_MENU_MODEL(viewMenu));
+  GMenu* window = g_menu_new();
+  AIMenuItemHandle item = gEd->host->pluginMenuItem();
+  const std::string label = item ? gEd->host->menuItemText(item) : std::string("Lattice Bender");
+  g_menu_append(window, label.c_str(), "app.panel");
+  g_menu_append_submenu(bar, "Window", G_MENU_MODEL(window));
+  g_object_unref(file);
+  g_object_unref(edit);
+  g_object_unref(viewMenu);
+  g_object_unref(window);
+  return G_MENU_MODEL(bar);
+}
+
+void TogglePanel() {
+  AIMenuItemHandle item = gEd->host->pluginMenuItem();
+  if (item) gEd->host->sendMenuGo(item);
+  SyncPanelVisibility();
+}
+
+void SelectEverything() {
+  BeginChange();
+  for (ArtObject* a : Doc().allArt()) {
+    if ((a->type != kMeshArt && a->type != kPathArt) || a->hidden() || a->locked()) continue;
+    Doc().setSelected(a, true);
+    if (a->mesh) a->mesh->selectAll();
+  }
+  EndChange();
+}
+
+void DeselectEverything() {
+  BeginChange();
+  lb::editor::deselectAll(Doc());
+  EndChange();
+}
+
+// Plain +, - and Space belong to the editor window only (not to the text
+// fields of its dialogs), so they are read here rather than as accelerators.
+gboolean KeyPressed(GtkEventControllerKey*, guint keyval, guint, GdkModifierType mods, gpointer) {
+  if (keyval == GDK_KEY_space) gEd->spaceDown = true;
+  if (mods & (GDK_CONTROL_MASK | GDK_ALT_MASK)) return FALSE;
+  if (keyval == GDK_KEY_plus || keyval == GDK_KEY_equal || keyval == GDK_KEY_KP_Add) {
+    Zoom(1.25);
+    return TRUE;
+  }
+  if (keyval == GDK_KEY_minus || keyval == GDK_KEY_KP_Subtract) {
+    Zoom(0.8);
+    return TRUE;
+  }
+  return FALSE;
+}
+
+void KeyReleased(GtkEventControllerKey*, guint keyval, guint, GdkModifierType, gpointer) {
+  if (keyval == GDK_KEY_space) gEd->spaceDown = false;
+}
+
+gboolean CloseRequested(GtkWindow*, gpointer) {
+  if (gEd->closeConfirmed || !gEd->modified) return FALSE;
+  ConfirmDiscard(CloseNow);
+  return TRUE;
+}
+
+void Activate(GtkApplication* app, gpointer) {
+  if (gEd->win) return;
+  gEd->win = GTK_WINDOW(gtk_application_window_new(app));
+  gtk_window_set_default_size(gEd->win, 1000, 700);
+
+  AddAction("open", +[] { ConfirmDiscard(+[] { ChooseFile(false); }); });
+  AddAction("save", Save);
+  AddAction("saveas", +[] { ChooseFile(true); });
+  AddAction("exportpng", ExportPng);
+  AddAction("quit", +[] { gtk_window_close(gEd->win); });
+  AddAction("undo", Undo);
+  AddAction("redo", Redo);
+  AddAction("selectall", SelectEverything);
+  AddAction("deselect", DeselectEverything);
+  AddAction("zoomin", +[] { Zoom(1.25); });
+  AddAction("zoomout", +[] { Zoom(0.8); });
+  AddAction("fit", +[] {
+    gEd->fitted = false;
+    gtk_widget_queue_draw(gEd->canvas);
+  });
+  AddAction("actual", +[] { Zoom(1 / gEd->view.zoom()); });
+  AddAction("panel", TogglePanel);
+  struct Accel {
+    const char* action;
+    const char* keys[3];
+  };
+  const Accel accels[] = {{"app.open", {"<Control>o"}},
+                          {"app.save", {"<Control>s"}},
+                          {"app.saveas", {"<Control><Shift>s"}},
+                          {"app.quit", {"<Control>q"}},
+                          {"app.undo", {"<Control>z"}},
+                          {"app.redo", {"<Control><Shift>z", "<Control>y"}},
+                          {"app.selectall", {"<Control>a"}},
+                          {"app.deselect", {"<Control><Shift>a"}},
+                          {"app.zoomin", {"<Control>plus", "<Control>equal"}},
+                          {"app.zoomout", {"<Control>minus"}},
+                          {"app.fit", {"<Control>0"}},
+                          {"app.actual", {"<Control>1"}}};
+  for (const Accel& a : accels) {
+    const char* keys[4] = {a.keys[0], a.keys[1], a.keys[2], nullptr};
+    gtk_application_set_accels_for_action(app, a.action, keys);
+  }
+
+  GMenuModel* menu = BuildMenu();
+  GtkWidget* bar = gtk_popover_menu_bar_new_from_model(menu);
+  g_object_unref(menu);
+
+  gEd->canvas = gtk_drawing_area_new();
+  gtk_widget_set_hexpand(gEd->canvas, TRUE);
+  gtk_widget_set_vexpand(gEd->canvas, TRUE);
+  gtk_widget_set_focusable(gEd->canvas, TRUE);
+  gtk_drawing_area_set_draw_func(GTK_DRAWING_AREA(gEd->canvas), DrawCanvas, nullptr, nullptr);
+  GtkGesture* drag = gtk_gesture_drag_new();
+  gtk_gesture_single_set_button(GTK_GESTURE_SINGLE(drag), 0);
+  g_signal_connect(drag, "drag-begin", G_CALLBACK(CanvasPressed), nullptr);
+  g_signal_connect(drag, "drag-update", G_CALLBACK(CanvasDragged), nullptr);
+  g_signal_connect(drag, "drag-end", G_CALLBACK(CanvasReleased), nullptr);
+  gtk_widget_add_controller(gEd->canvas, GTK_EVENT_CONTROLLER(drag));
+  GtkEventController* scroll = gtk_event_controller_scroll_new(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES);
+  g_signal_connect(scroll, "scroll", G_CALLBACK(CanvasScrolled), nullptr);
+  gtk_widget_add_controller(gEd->canvas, scroll);
+
+  int pw = 227, ph = 414;
+  if (gEd->panelWnd) {
+    RECT r{};
+    GetClientRect(gEd->panelWnd, &r);
+    pw = r.right - r.left;
+    ph = r.bottom - r.top;
+  }
+  gEd->panel = gtk_drawing_area_new();
+  gtk_drawing_area_set_content_width(GTK_DRAWING_AREA(gEd->panel), pw);
+  gtk_drawing_area_set_content_height(GTK_DRAWING_AREA(gEd->panel), ph);
+  gtk_widget_set_valign(gEd->panel, GTK_ALIGN_START);
+  gtk_widget_set_hexpand(gEd->panel, FALSE);
+  gtk_drawing_area_set_draw_func(GTK_DRAWING_AREA(gEd->panel), DrawPanel, nullptr, nullptr);
+  GtkEventController* motion = gtk_event_controller_motion_new();
+  g_signal_connect(motion, "motion", G_CALLBACK(PanelMotion), nullptr);
+  g_signal_connect(motion, "leave", G_CALLBACK(PanelLeave), nullptr);
+  gtk_widget_add_controller(gEd->panel, motion);
+  GtkGesture* click = gtk_gesture_click_new();
+  g_signal_connect(click, "pressed", G_CALLBACK(PanelPressed), nullptr);
+  g_signal_connect(click, "released", G_CALLBACK(PanelReleased), nullptr);
+  g_signal_connect(click, "cancel", G_CALLBACK(PanelCancelled), nullptr);
+  gtk_widget_add_controller(gEd->panel, GTK_EVENT_CONTROLLER(click));
+
+  GtkEventController* keys = gtk_event_controller_key_new();
+  g_signal_connect(keys, "key-pressed", G_CALLBACK(KeyPressed), nullptr);
+  g_signal_connect(keys, "key-released", G_CALLBACK(KeyReleased), nullptr);
+  gtk_widget_add_controller(GTK_WIDGET(gEd->win), keys);
+
+  GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+  gtk_box_append(GTK_BOX(row), gEd->canvas);
+  gtk_box_append(GTK_BOX(row), gEd->panel);
+  GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+  gtk_box_append(GTK_BOX(column), bar);
+  gtk_box_append(GTK_BOX(column), row);
+  gtk_window_set_child(gEd->win, column);
+  g_signal_connect(gEd->win, "close-request", G_CALLBACK(CloseRequested), nullptr);
+  g_signal_connect_after(gEd->win, "map", G_CALLBACK(+[](GtkWidget*, gpointer) { WriteState(); }), nullptr);
+
+  SyncPanelVisibility();
+  UpdateTitle();
+  gtk_window_present(gEd->win);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::string file;
+  for (int i = 1; i < argc; ++i) {
+    const std::string a = argv[i];
+    if (a == "-h" || a == "--help") {
+      std::printf("usage: latticebender-edit [FILE.lbdoc]\n");
+      return 0;
+    }
+    if (!a.empty() && a[0] == '-') {
+      std::fprintf(stderr, "latticebender edit: unknown option '%s'\n", a.c_str());
+      return 2;
+    }
+    if (!file.empty()) {
+      std::fprintf(stderr, "latticebender edit: one document at a time, not '%s' too\n", a.c_str());
+      return 2;
+    }
+    file = a;
+  }
+  Editor ed;
+  gEd = &ed;
+  if (const char* s = std::getenv("LB_EDITOR_STATE")) ed.statePath = s;
+  std::unique_ptr<lb::host::Document> doc;
+  if (!file.empty()) {
+    try {
+      doc = lb::io::readDocumentFile(file);
+    } catch (const std::exception& e) {
+      const std::string what = e.what();
+      std::fprintf(stderr, "latticebender edit: %s\n",
+                   (what.find(file) == std::string::npos ? file + ": " + what : what).c_str());
+      return 3;
+    }
+    ed.path = file;
+  }
+  if (!gtk_init_check()) {
+    std::fprintf(stderr, "latticebender edit: cannot open a display\n");
+    return 4;
+  }
+  try {
+    ed.host = std::make_unique<lb::host::Host>(std::move(doc));
+    ed.host->setAlertSink([](const std::string& text) {
+      std::printf("%s\n", text.c_str());
+      std::fflush(stdout);
+      gEd->alerts.push_back(text);
+    });
+    ed.host->loadPlugin();
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "latticebender edit: %s\n", e.what());
+    return 4;
+  }
+  ed.panelWnd = lb::host::currentPanelWindow();
+  // The panel opens with the editor, as its menu item shows it.
+  const lb::host::PanelInfo* p = lb::host::currentPanel();
+  if (p && !p->shown && ed.host->pluginMenuItem()) ed.host->sendMenuGo(ed.host->pluginMenuItem());
+  if (ed.panelWnd) lbwinPaint(ed.panelWnd);
+  ed.savedText = ed.current = DocText();
+
+  ed.app = gtk_application_new("org.latticebender.Editor", G_APPLICATION_NON_UNIQUE);
+  g_signal_connect(ed.app, "activate", G_CALLBACK(Activate), nullptr);
+  char* args[] = {argv[0], nullptr};
+  const int status = g_application_run(G_APPLICATION(ed.app), 1, args);
+  g_object_unref(ed.app);
+  ed.host->shutdownPlugin();
+  ed.host.reset();
+  gEd = nullptr;
+  // lbwin hands cairo's static font data back at exit, which cairo refuses
+  // (aborts) while GTK still holds fonts of its own: leave without the exit
+  // handlers.
+  std::fflush(stdout);
+  std::fflush(stderr);
+  std::_Exit(status);
+}

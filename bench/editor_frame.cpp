@@ -1,0 +1,98 @@
+// The editor's canvas on a 256 x 256 mesh at 1:1 (1024 x 1024 pixels) with
+// a selection overlay: a frame from the cached picture (what every redraw,
+// pan or hover costs), a frame after a change (the picture rendered again),
+// the undo snapshot taken before a change, and the hit test of a click.
+#include <benchmark/benchmark.h>
+#include <cairo.h>
+
+#include "app/editor/EditorCore.h"
+#include "host/Document.h"
+#include "host/mesh/GradientMesh.h"
+#include "io/Lbdoc.h"
+
+namespace {
+
+constexpr int kCells = 256;
+constexpr int kViewW = 1200, kViewH = 900;
+
+struct Scene {
+  lb::host::Document doc;
+  ArtObject* art = nullptr;
+  lb::editor::CanvasView view;
+  cairo_surface_t* target = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kViewW, kViewH);
+  cairo_t* cr = cairo_create(target);
+
+  explicit Scene(bool select = true) {
+    ArtObject* layer = doc.addLayer("Layer 1");
+    doc.artboard = AIRealRect{0, 1024, 1024, 0};
+    doc.newArt(kMeshArt, kPlaceInsideOnTop, layer, &art);
+    auto& m = *art->mesh;
+    m.initCartesian(kCells, kCells);
+    m.transform(AIRealMatrix{1024, 0, 0, 1024, 0, 0});
+    for (int j = 0; j <= kCells; ++j)
+      for (int i = 0; i <= kCells; ++i) {
+        auto n = m.nodeData(i, j);
+        n.color.kind = kThreeColor;
+        n.color.c.rgb = {i / double(kCells), j / double(kCells), ((i + j) % 7) / 6.0};
+        m.setNodeData(i, j, n);
+      }
+    // A quarter of the nodes selected: their handles are drawn too.
+    if (select) {
+      doc.setSelected(art, true);
+      m.clearSelection();
+      for (int j = 0; j < kCells / 2; ++j)
+        for (int i = 0; i < kCells / 2; ++i) m.setSelected(m.node(i, j), true);
+    }
+    view.fit(doc, kViewW, kViewH);
+    view.setZoom(1, kViewW / 2.0, kViewH / 2.0);
+    view.refresh(doc);
+  }
+  ~Scene() {
+    cairo_destroy(cr);
+    cairo_surface_destroy(target);
+  }
+};
+
+void BM_FrameFromCachedPicture(benchmark::State& state) {
+  Scene s;
+  for (auto _ : state) {
+    s.view.panBy(1, 0);
+    s.view.paint(s.cr, s.doc, kViewW, kViewH);
+    cairo_surface_flush(s.target);
+  }
+}
+BENCHMARK(BM_FrameFromCachedPicture)->Unit(benchmark::kMillisecond);
+
+// Arg 1: a quarter of the nodes selected (overlay with handles); 0: none.
+void BM_FrameAfterChange(benchmark::State& state) {
+  Scene s(state.range(0) != 0);
+  for (auto _ : state) {
+    s.view.invalidate();
+    s.view.paint(s.cr, s.doc, kViewW, kViewH);
+    cairo_surface_flush(s.target);
+  }
+}
+BENCHMARK(BM_FrameAfterChange)->ArgName("selected")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+void BM_UndoSnapshot(benchmark::State& state) {
+  Scene s;
+  for (auto _ : state) {
+    std::string text = lb::io::writeDocument(s.doc);
+    benchmark::DoNotOptimize(text.data());
+  }
+}
+BENCHMARK(BM_UndoSnapshot)->Unit(benchmark::kMillisecond);
+
+void BM_ClickHitTest(benchmark::State& state) {
+  Scene s;
+  const AIRealPoint p{1000, 20};  // near a node outside the selection
+  for (auto _ : state) {
+    auto hit = lb::editor::hitTest(s.doc, p, 5);
+    benchmark::DoNotOptimize(hit);
+  }
+}
+BENCHMARK(BM_ClickHitTest)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,169 @@
+// The editor's core without a window: history, hit testing, the
+// direct-selection tool's clicks, rectangles and drags, and the canvas
+// view's coordinates and cached picture.
+#include <gtest/gtest.h>
+
+#include "app/editor/EditorCore.h"
+#include "io/Lbdoc.h"
+#include "support/MeshSpec.h"
+
+namespace {
+using lb::editor::Hit;
+using lb::host::Document;
+using lb::host::GradientMesh;
+
+// A 2 x 1 mesh of 100-unit cells at (0, 0), nothing selected, and a square
+// path beside it.
+std::unique_ptr<Document> MeshAndPath() {
+  lbtest::MeshSpec m = lbtest::Coded(2, 1);
+  m.artSelected = false;
+  m.dx = m.dy = 100;
+  nlohmann::json doc = lbtest::DocJson(m);
+  nlohmann::json path = {{"type", "path"},
+                         {"closed", true},
+                         {"segments",
+                          {{{"p", {300, 0}}}, {{"p", {350, 0}}}, {{"p", {350, 50}}}, {{"p", {300, 50}}}}}};
+  doc["layers"][0]["children"].push_back(path);
+  return lb::io::readDocument(doc.dump());
+}
+
+ArtObject* Mesh(Document& d) {
+  for (ArtObject* a : d.allArt())
+    if (a->type == kMeshArt) return a;
+  return nullptr;
+}
+
+TEST(History, UndoAndRedoWalkTheSnapshots) {
+  lb::editor::History h;
+  h.push("a");
+  h.push("b");
+  EXPECT_EQ(h.undo("c"), "b");
+  EXPECT_EQ(h.undo("b"), "a");
+  EXPECT_FALSE(h.canUndo());
+  EXPECT_EQ(h.redo("a"), "b");
+  EXPECT_EQ(h.redoCount(), 1u);
+  h.push("x");  // a new change drops what could be redone
+  EXPECT_FALSE(h.canRedo());
+  EXPECT_EQ(h.undoCount(), 2u);
+}
+
+struct HitCase {
+  const char* name;
+  AIRealPoint p;
+  Hit::Kind kind;
+  int i, j;  // the node hit, for vertices
+};
+
+class HitTest : public ::testing::TestWithParam<HitCase> {};
+
+TEST_P(HitTest, FindsWhatLiesUnderThePoint) {
+  auto doc = MeshAndPath();
+  const HitCase c = GetParam();
+  const Hit h = lb::editor::hitTest(*doc, c.p, 5);
+  ASSERT_EQ(h.kind, c.kind);
+  if (c.kind == Hit::kVertex) EXPECT_EQ(h.vertex, h.art->mesh->node(c.i, c.j));
+}
+
+INSTANTIATE_TEST_SUITE_P(Points, HitTest,
+                         ::testing::Values(HitCase{"corner", {0, 0}, Hit::kVertex, 0, 0},
+                                           HitCase{"withinTolerance", {203, 97}, Hit::kVertex, 2, 1},
+                                           HitCase{"middleNode", {100, 4}, Hit::kVertex, 1, 0},
+                                           HitCase{"insideCell", {50, 50}, Hit::kNone, 0, 0},
+                                           HitCase{"justOutside", {106, 0}, Hit::kNone, 0, 0},
+                                           HitCase{"path", {320, 20}, Hit::kPath, 0, 0}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Selection, ClickShiftClickAndEmptyClick) {
+  auto doc = MeshAndPath();
+  ArtObject* mesh = Mesh(*doc);
+  GradientMesh& m = *mesh->mesh;
+  EXPECT_TRUE(lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), false));
+  EXPECT_TRUE(mesh->selected());
+  EXPECT_EQ(m.selectedCount(), 1u);
+  EXPECT_TRUE(m.selected(m.node(0, 0)));
+  // The same click again changes nothing.
+  EXPECT_FALSE(lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), false));
+  lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {100, 0}, 5), true);
+  EXPECT_EQ(m.selectedCount(), 2u);
+  lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), true);  // toggles off
+  EXPECT_EQ(m.selectedCount(), 1u);
+  EXPECT_TRUE(m.selected(m.node(1, 0)));
+  // A plain click elsewhere moves the selection, a click on nothing clears it.
+  lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {320, 20}, 5), false);
+  EXPECT_FALSE(mesh->selected());
+  EXPECT_TRUE(m.isSelectionEmpty());
+  EXPECT_TRUE(lb::editor::clickSelect(*doc, Hit{}, false));
+  for (ArtObject* a : doc->allArt()) EXPECT_FALSE(a->selected());
+}
+
+TEST(Selection, RectangleSelectsTheVerticesInside) {
+  auto doc = MeshAndPath();
+  ArtObject* mesh = Mesh(*doc);
+  GradientMesh& m = *mesh->mesh;
+  EXPECT_TRUE(lb::editor::rectSelect(*doc, AIRealRect{-10, 110, 150, 90}, false));
+  EXPECT_TRUE(mesh->selected());
+  EXPECT_EQ(m.selectedCount(), 2u);
+  EXPECT_TRUE(m.selected(m.node(0, 1)));
+  EXPECT_TRUE(m.selected(m.node(1, 1)));
+  // With Shift the earlier selection stays.
+  lb::editor::rectSelect(*doc, AIRealRect{190, 10, 210, -10}, true);
+  EXPECT_EQ(m.selectedCount(), 3u);
+  lb::editor::rectSelect(*doc, AIRealRect{190, 10, 210, -10}, false);
+  EXPECT_EQ(m.selectedCount(), 1u);
+}
+
+TEST(Selection, DraggingAVertexTakesItsHandles) {
+  auto doc = MeshAndPath();
+  ArtObject* mesh = Mesh(*doc);
+  GradientMesh& m = *mesh->mesh;
+  const auto v = m.node(1, 0);
+  const AIRealPoint h = m.tangent(v, lb::host::kDirIFwd);
+  lb::editor::moveVertex(mesh, v, 5, -3);
+  EXPECT_DOUBLE_EQ(m.point(v).h, 105);
+  EXPECT_DOUBLE_EQ(m.point(v).v, -3);
+  EXPECT_DOUBLE_EQ(m.tangent(v, lb::host::kDirIFwd).h, h.h + 5);
+  EXPECT_DOUBLE_EQ(m.tangent(v, lb::host::kDirIFwd).v, h.v - 3);
+  lb::editor::moveHandle(mesh, v, lb::host::kDirIFwd, 0, 10);
+  EXPECT_DOUBLE_EQ(m.tangent(v, lb::host::kDirIFwd).v, h.v + 7);
+  EXPECT_DOUBLE_EQ(m.point(v).v, -3);
+}
+
+TEST(Selection, HandlesOfSelectedVerticesAreHitFirst) {
+  auto doc = MeshAndPath();
+  lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {100, 0}, 5), false);
+  GradientMesh& m = *Mesh(*doc)->mesh;
+  const AIRealPoint h = m.tangent(m.node(1, 0), lb::host::kDirIFwd);
+  const Hit hit = lb::editor::hitTest(*doc, h, 2);
+  EXPECT_EQ(hit.kind, Hit::kHandle);
+  EXPECT_EQ(hit.dir, lb::host::kDirIFwd);
+}
+
+TEST(Canvas, ViewAndDocumentCoordinatesRoundTrip) {
+  auto doc = MeshAndPath();
+  lb::editor::CanvasView view;
+  view.fit(*doc, 800, 600);
+  double x, y;
+  view.toView(AIRealPoint{100, 50}, &x, &y);
+  const AIRealPoint back = view.toDoc(x, y);
+  EXPECT_NEAR(back.h, 100, 1e-9);
+  EXPECT_NEAR(back.v, 50, 1e-9);
+  // Zooming about a point keeps that point still.
+  view.setZoom(view.zoom() * 2, x, y);
+  const AIRealPoint still = view.toDoc(x, y);
+  EXPECT_NEAR(still.h, 100, 1e-9);
+  EXPECT_NEAR(still.v, 50, 1e-9);
+}
+
+TEST(Canvas, PictureIsRenderedOnlyWhenStale) {
+  auto doc = MeshAndPath();
+  lb::editor::CanvasView view;
+  view.fit(*doc, 400, 300);
+  EXPECT_TRUE(view.refresh(*doc));
+  EXPECT_FALSE(view.refresh(*doc));
+  view.invalidate();
+  EXPECT_TRUE(view.refresh(*doc));
+  view.panBy(10, 0);  // panning reuses the picture
+  EXPECT_FALSE(view.refresh(*doc));
+}
+
+}  // namespace

@@ -1,0 +1,499 @@
+// The editor window under a real X server, driven by real input events
+// (xdotool): open, click nodes, press a panel button with and without Alt,
+// undo, redo, save; the saved files must equal what `latticebender run`
+// makes of the same selection and commands. Also a screenshot of the
+// window: the panel as `latticebender panel` draws it, the canvas as the
+// renderer draws the document. The editor reports its geometry and history
+// state through LB_EDITOR_STATE.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cairo.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ButtonDefs.h"
+#include "LBModule.h"
+#include "io/Lbdoc.h"
+#include "render/Render.h"
+#include "support/MeshSpec.h"
+
+// Last: Xlib's macros (None, Bool, ...) clash with names above.
+#ifdef LB_HAVE_X11
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#endif
+
+namespace {
+namespace fs = std::filesystem;
+
+std::string Slurp(const fs::path& p) {
+  std::ifstream in(p, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+bool OnPath(const char* tool) {
+  return std::system((std::string("command -v ") + tool + " > /dev/null 2>&1").c_str()) == 0;
+}
+
+// The editor's state file, parsed: "name v1 v2 ..." lines.
+using State = std::map<std::string, std::vector<std::string>>;
+
+State ReadState(const fs::path& p) {
+  State s;
+  std::istringstream in(Slurp(p));
+  std::string line;
+  while (std::getline(in, line)) {
+    std::istringstream l(line);
+    std::string key, v;
+    l >> key;
+    while (l >> v) s[key].push_back(v);
+  }
+  return s;
+}
+
+// The panel button of a command (client pixels of the panel), by the
+// plug-in's own command table.
+std::pair<int, int> PanelButtonCentre(int commandId) {
+  for (unsigned i = 0; i < BtnsGetCount(); ++i) {
+    if (BtnGetFuncID(i) != commandId) continue;
+    int x, y, w, h;
+    BtnGetDimentions(i, &x, &y, &w, &h);
+    return {x + w / 2, y + h / 2};
+  }
+  ADD_FAILURE() << "no button for command " << commandId;
+  return {0, 0};
+}
+
+class EditorWindow : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!std::getenv("DISPLAY")) GTEST_SKIP() << "no X display (xvfb-run missing)";
+    if (!OnPath("xdotool")) GTEST_SKIP() << "xdotool missing";
+    if (!fs::exists(LB_EDITOR_BIN)) GTEST_SKIP() << "the editor was not built (GTK 4 missing)";
+    dir = fs::temp_directory_path() / ("lb-editor-" + std::to_string(::getpid()) + "-" +
+                                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    // A 2 x 1 mesh of 100-unit cells, each node's paint naming it, nothing
+    // selected.
+    lbtest::MeshSpec m = lbtest::Coded(2, 1);
+    m.artSelected = false;
+    m.dx = m.dy = 100;
+    mesh = m;
+    std::ofstream(dir / "work.lbdoc") << lbtest::DocJson(m).dump(2);
+  }
+
+  void TearDown() override {
+    if (pid > 0) {
+      ::kill(pid, SIGTERM);
+      int status = 0;
+      ::waitpid(pid, &status, 0);
+    }
+    if (!HasFailure() && !dir.empty()) fs::remove_all(dir);
+  }
+
+  void Start() {
+    statePath = dir / "state";
+    pid = ::fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+      ::setenv("LB_EDITOR_STATE", statePath.c_str(), 1);
+      ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
+      ::setenv("GTK_A11Y", "none", 1);
+      const std::string out = (dir / "editor.out").string();
+      std::freopen(out.c_str(), "w", stdout);
+      std::freopen(out.c_str(), "a", stderr);
+      // Through the command line, as a person starts it.
+      ::execl(LB_CLI_BIN, LB_CLI_BIN, "edit", (dir / "work.lbdoc").c_str(), nullptr);
+      std::_Exit(127);
+    }
+    WaitFor([](const State& s) { return s.count("canvas") && s.count("xid") && s.at("xid")[0] != "0"; });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    state = ReadState(statePath);
+    xid = state["xid"][0];
+  }
+
+  // Polls the state file until `ok` holds (10 s at most).
+  void WaitFor(const std::function<bool(const State&)>& ok, const char* what = "the editor") {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (std::chrono::steady_clock::now() < end) {
+      if (fs::exists(statePath)) {
+        State s = ReadState(statePath);
+        if (ok(s)) {
+          state = s;
+          return;
+        }
+      }
+      int status;
+      if (::waitpid(pid, &status, WNOHANG) == pid) {
+        pid = -1;
+        FAIL() << "the editor exited: " << Slurp(dir / "editor.out");
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    FAIL() << "timed out waiting for " << what << "; state:\n" << Slurp(statePath);
+  }
+
+  void WaitHistory(int undo, int redo, bool modified) {
+    const std::string want = std::to_string(undo) + " " + std::to_string(redo) + " " + (modified ? "1" : "0");
+    WaitFor(
+        [&](const State& s) {
+          auto it = s.find("undo");
+          return it != s.end() && it->second.size() == 5 && it->second[0] + " " + it->second[2] + " " + it->second[4] == want;
+        },
+        ("undo/redo/modified " + want).c_str());
+  }
+
+  void Xdo(const std::string& args) { ASSERT_EQ(std::system(("xdotool " + args).c_str()), 0) << args; }
+
+  // Window pixel of a document point.
+  std::pair<int, int> DocToWindow(AIRealPoint p) {
+    const auto& c = state["canvas"];
+    const auto& v = state["view"];
+    const double x = std::stod(c[0]) + std::round(std::stod(v[0])) + (p.h - std::stod(v[2])) * std::stod(v[4]);
+    const double y = std::stod(c[1]) + std::round(std::stod(v[1])) + (std::stod(v[3]) - p.v) * std::stod(v[4]);
+    return {static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y))};
+  }
+
+  std::pair<int, int> PanelToWindow(std::pair<int, int> p) {
+    const auto& c = state["panel"];
+    return {std::stoi(c[0]) + p.first, std::stoi(c[1]) + p.second};
+  }
+
+  // Clicks at a window pixel with the named modifier keys held.
+  void ClickAt(std::pair<int, int> p, const std::string& keys = "") {
+    std::string cmd;
+    if (!keys.empty()) cmd += "keydown " + keys + " ";
+    cmd += "mousemove --window " + xid + " " + std::to_string(p.first) + " " + std::to_string(p.second) +
+           " sleep 0.1 click 1";
+    if (!keys.empty()) cmd += " keyup " + keys;
+    Xdo(cmd);
+  }
+
+  void Key(const std::string& k) { Xdo("key " + k); }
+
+  // Ctrl+S, then the saved file.
+  std::string Save(int undo, int redo) {
+    Key("ctrl+s");
+    WaitHistory(undo, redo, false);
+    return Slurp(dir / "work.lbdoc");
+  }
+
+  // What the command line makes of `input` with the commands.
+  std::string Run(const fs::path& input, const std::vector<std::string>& commands) {
+    std::string cmd = std::string(LB_CLI_BIN) + " run " + input.string() + " -o " + (dir / "run.lbdoc").string();
+    for (const auto& c : commands) cmd += " --command " + c;
+    EXPECT_EQ(std::system((cmd + " > /dev/null").c_str()), 0) << cmd;
+    return Slurp(dir / "run.lbdoc");
+  }
+
+  fs::path dir, statePath;
+  pid_t pid = -1;
+  State state;
+  std::string xid;
+  lbtest::MeshSpec mesh;
+};
+
+TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {
+  Start();
+  // Select the bottom row: a click, then two Shift+clicks.
+  ClickAt(DocToWindow(mesh.P(0, 0)));
+  WaitHistory(1, 0, true);
+  ClickAt(DocToWindow(mesh.P(1, 0)), "shift");
+  WaitHistory(2, 0, true);
+  ClickAt(DocToWindow(mesh.P(2, 0)), "shift");
+  WaitHistory(3, 0, true);
+  const std::string selected = Save(3, 0);
+  fs::copy_file(dir / "work.lbdoc", dir / "selected.lbdoc");
+  {
+    auto doc = lb::io::readDocument(selected);
+    ArtObject* art = nullptr;
+    for (ArtObject* a : doc->allArt())
+      if (a->type == kMeshArt) art = a;
+    ASSERT_NE(art, nullptr);
+    EXPECT_TRUE(art->selected());
+    EXPECT_EQ(art->mesh->selectedCount(), 3u);
+    for (int i = 0; i <= 2; ++i) EXPECT_TRUE(art->mesh->selected(art->mesh->node(i, 0))) << i;
+  }
+
+  // "Reflect colors" without Alt, then "Shift colors" with Alt, pressed on
+  // the plug-in's panel.
+  ClickAt(PanelToWindow(PanelButtonCentre(kCmdColorReflect)));
+  WaitHistory(4, 0, true);
+  ClickAt(PanelToWindow(PanelButtonCentre(kCmdColorShift)), "alt");
+  WaitHistory(5, 0, true);
+  const std::string both = Save(5, 0);
+  EXPECT_NE(both, selected);
+  EXPECT_EQ(both, Run(dir / "selected.lbdoc", {"137", "136+alt"}));
+
+  Key("ctrl+z");
+  WaitHistory(4, 1, true);
+  const std::string one = Save(4, 1);
+  EXPECT_EQ(one, Run(dir / "selected.lbdoc", {"137"}));
+  EXPECT_NE(one, both);
+  EXPECT_NE(one, selected);
+
+  Key("ctrl+shift+z");
+  WaitHistory(5, 0, true);
+  EXPECT_EQ(Save(5, 0), both);
+
+  // Undo back to the opened document.
+  for (int k = 0; k < 5; ++k) Key("ctrl+z");
+  WaitHistory(0, 5, true);
+  auto original = lb::io::readDocument(lbtest::DocJson(mesh).dump());
+  EXPECT_EQ(Save(0, 5), lb::io::writeDocument(*original));
+}
+
+TEST_F(EditorWindow, RectangleAndEmptyClickSelect) {
+  Start();
+  // A rectangle around the top row's nodes.
+  auto a = DocToWindow(AIRealPoint{mesh.P(0, 1).h - 4, mesh.P(0, 1).v + 4});
+  auto b = DocToWindow(AIRealPoint{mesh.P(2, 1).h + 4, mesh.P(2, 1).v - 20});
+  Xdo("mousemove --window " + xid + " " + std::to_string(a.first) + " " + std::to_string(a.second) +
+      " mousedown 1 sleep 0.1 mousemove --window " + xid + " " + std::to_string((a.first + b.first) / 2) + " " +
+      std::to_string((a.second + b.second) / 2) + " sleep 0.1 mousemove --window " + xid + " " +
+      std::to_string(b.first) + " " + std::to_string(b.second) + " sleep 0.1 mouseup 1");
+  WaitHistory(1, 0, true);
+  auto doc = lb::io::readDocument(Save(1, 0));
+  for (ArtObject* art : doc->allArt()) {
+    if (art->type != kMeshArt) continue;
+    EXPECT_EQ(art->mesh->selectedCount(), 3u);
+    for (int i = 0; i <= 2; ++i) EXPECT_TRUE(art->mesh->selected(art->mesh->node(i, 1))) << i;
+  }
+  // A click away from every vertex deselects.
+  ClickAt(DocToWindow(AIRealPoint{50, 50}));
+  WaitHistory(2, 0, true);
+  doc = lb::io::readDocument(Save(2, 0));
+  for (ArtObject* art : doc->allArt()) {
+    EXPECT_FALSE(art->selected());
+    if (art->mesh) {
+      EXPECT_TRUE(art->mesh->isSelectionEmpty());
+    }
+  }
+}
+
+TEST_F(EditorWindow, DraggingANodeMovesItAndItsHandlesInOneStep) {
+  Start();
+  const auto from = DocToWindow(mesh.P(1, 1));
+  const std::pair<int, int> to{from.first + 40, from.second + 20};
+  Xdo("mousemove --window " + xid + " " + std::to_string(from.first) + " " + std::to_string(from.second) +
+      " mousedown 1 sleep 0.1 mousemove --window " + xid + " " + std::to_string(from.first + 20) + " " +
+      std::to_string(from.second + 10) + " sleep 0.1 mousemove --window " + xid + " " + std::to_string(to.first) +
+      " " + std::to_string(to.second) + " sleep 0.1 mouseup 1");
+  WaitHistory(1, 0, true);  // selecting and moving are one change
+  auto doc = lb::io::readDocument(Save(1, 0));
+  const double zoom = std::stod(state["view"][4]);
+  for (ArtObject* art : doc->allArt()) {
+    if (art->type != kMeshArt) continue;
+    const auto& m = *art->mesh;
+    const auto v = m.node(1, 1);
+    EXPECT_TRUE(m.selected(v));
+    EXPECT_NEAR(m.point(v).h, 100 + 40 / zoom, 1.01 / zoom);
+    EXPECT_NEAR(m.point(v).v, 100 - 20 / zoom, 1.01 / zoom);
+    // The handle along I keeps its offset from the node.
+    EXPECT_NEAR(m.tangent(v, lb::host::kDirIFwd).h - m.point(v).h, 100 / 3.0, 1e-6);
+    EXPECT_NEAR(m.tangent(v, lb::host::kDirIFwd).v - m.point(v).v, 0, 1e-6);
+  }
+  Key("ctrl+z");
+  WaitHistory(0, 1, true);  // differs from what was saved
+}
+
+// Quitting with unsaved changes asks first (Escape cancels); once saved,
+// Ctrl+Q closes the window and the program ends cleanly.
+TEST_F(EditorWindow, QuitAsksWhileThereAreUnsavedChanges) {
+  Start();
+  ClickAt(DocToWindow(mesh.P(0, 0)));
+  WaitHistory(1, 0, true);
+  Key("ctrl+q");
+  std::this_thread::sleep_for(std::chrono::milliseconds(800));
+  int status = 0;
+  ASSERT_EQ(::waitpid(pid, &status, WNOHANG), 0) << "closed without asking";
+  Key("Escape");
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  Xdo("mousemove --window " + xid + " 5 200");
+  Save(1, 0);
+  Key("ctrl+q");
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  pid_t done = 0;
+  while (done == 0 && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    done = ::waitpid(pid, &status, WNOHANG);
+  }
+  ASSERT_EQ(done, pid) << "still open after Ctrl+Q";
+  pid = -1;
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << Slurp(dir / "editor.out");
+}
+
+// `latticebender edit` refuses bad input before it opens a window.
+struct EditArgsCase {
+  const char* name;
+  std::vector<std::string> args;
+  int status;
+  const char* message;  // part of standard error
+};
+
+class EditArgs : public ::testing::TestWithParam<EditArgsCase> {};
+
+TEST_P(EditArgs, RefusedWithAMessage) {
+  if (!fs::exists(LB_EDITOR_BIN)) GTEST_SKIP() << "the editor was not built (GTK 4 missing)";
+  const EditArgsCase c = GetParam();
+  const fs::path err = fs::temp_directory_path() / ("lb-edit-args-" + std::to_string(::getpid()));
+  std::string cmd = std::string(LB_CLI_BIN) + " edit";
+  for (const auto& a : c.args) cmd += " '" + a + "'";
+  const int raw = std::system((cmd + " > /dev/null 2> " + err.string()).c_str());
+  const std::string text = Slurp(err);
+  fs::remove(err);
+  ASSERT_TRUE(WIFEXITED(raw));
+  EXPECT_EQ(WEXITSTATUS(raw), c.status) << text;
+  EXPECT_NE(text.find(c.message), std::string::npos) << text;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, EditArgs,
+    ::testing::Values(EditArgsCase{"missingFile", {"/nonexistent/doc.lbdoc"}, 3, "/nonexistent/doc.lbdoc"},
+                      EditArgsCase{"notJson", {"/etc/hostname"}, 3, "/etc/hostname"},
+                      EditArgsCase{"twoFiles", {"a.lbdoc", "b.lbdoc"}, 2, "FILE"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+#ifdef LB_HAVE_X11
+// The window as the X server shows it: the panel pixel for pixel as
+// `latticebender panel` draws it, the canvas as the renderer draws the
+// document at the view's zoom.
+TEST_F(EditorWindow, ScreenshotShowsPanelAndCanvas) {
+  Start();
+  Xdo("mousemove --window " + xid + " 2 40");  // away from the panel
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  const fs::path ref = dir / "panel.png";
+  ASSERT_EQ(std::system((std::string(LB_CLI_BIN) + " panel -o " + ref.string()).c_str()), 0);
+
+  Display* display = XOpenDisplay(nullptr);
+  ASSERT_NE(display, nullptr);
+  XWindowAttributes attrs;
+  const Window win = std::stoul(xid);
+  ASSERT_TRUE(XGetWindowAttributes(display, win, &attrs));
+  XImage* shot = XGetImage(display, win, 0, 0, attrs.width, attrs.height, AllPlanes, ZPixmap);
+  ASSERT_NE(shot, nullptr);
+  auto pixel = [&](int x, int y) { return static_cast<uint32_t>(XGetPixel(shot, x, y)) & 0xFFFFFF; };
+  {
+    // Keep the screenshot with a failure, for a look.
+    cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_RGB24, attrs.width, attrs.height);
+    auto* data = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(s));
+    const int stride = cairo_image_surface_get_stride(s) / 4;
+    for (int y = 0; y < attrs.height; ++y)
+      for (int x = 0; x < attrs.width; ++x) data[y * stride + x] = pixel(x, y);
+    cairo_surface_mark_dirty(s);
+    cairo_surface_write_to_png(s, (dir / "window.png").c_str());
+    cairo_surface_destroy(s);
+  }
+
+  cairo_surface_t* panel = cairo_image_surface_create_from_png(ref.c_str());
+  ASSERT_EQ(cairo_surface_status(panel), CAIRO_STATUS_SUCCESS);
+  const int pw = cairo_image_surface_get_width(panel), ph = cairo_image_surface_get_height(panel);
+  const auto origin = PanelToWindow({0, 0});
+  ASSERT_EQ(std::stoi(state["panel"][2]), pw);
+  ASSERT_EQ(std::stoi(state["panel"][3]), ph);
+  const auto* pp = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(panel));
+  const int pstride = cairo_image_surface_get_stride(panel) / 4;
+  int panelDiffs = 0;
+  for (int y = 0; y < ph; ++y)
+    for (int x = 0; x < pw; ++x) panelDiffs += (pp[y * pstride + x] & 0xFFFFFF) != pixel(origin.first + x, origin.second + y);
+  cairo_surface_destroy(panel);
+  EXPECT_EQ(panelDiffs, 0);
+
+  // The document as the renderer draws it at the view's zoom.
+  auto doc = lb::io::readDocument(lbtest::DocJson(mesh).dump());
+  lb::render::RenderOptions o;
+  o.scale = std::stod(state["view"][4]);
+  o.selection = true;
+  const lb::render::Image picture = lb::render::renderDocument(*doc, o);
+  const int cx = std::stoi(state["canvas"][0]) + static_cast<int>(std::round(std::stod(state["view"][0])));
+  const int cy = std::stoi(state["canvas"][1]) + static_cast<int>(std::round(std::stod(state["view"][1])));
+  int canvasDiffs = 0, compared = 0;
+  for (int y = 0; y < picture.height; y += 3)
+    for (int x = 0; x < picture.width; x += 3) {
+      if (cx + x >= attrs.width || cy + y >= attrs.height) continue;
+      int r, g, b, a;
+      picture.rgba(x, y, &r, &g, &b, &a);
+      const uint32_t want = (static_cast<uint32_t>(r) << 16) | (g << 8) | b;
+      ++compared;
+      canvasDiffs += want != pixel(cx + x, cy + y);
+    }
+  XDestroyImage(shot);
+  XCloseDisplay(display);
+  EXPECT_GT(compared, 1000);
+  EXPECT_EQ(canvasDiffs, 0);
+}
+
+// Pixels of the panel's area in the window that differ from a PNG.
+int PanelDiffs(Display* display, Window win, std::pair<int, int> origin, const fs::path& png) {
+  cairo_surface_t* ref = cairo_image_surface_create_from_png(png.c_str());
+  if (cairo_surface_status(ref) != CAIRO_STATUS_SUCCESS) return -1;
+  const int w = cairo_image_surface_get_width(ref), h = cairo_image_surface_get_height(ref);
+  const auto* px = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(ref));
+  const int stride = cairo_image_surface_get_stride(ref) / 4;
+  XImage* shot = XGetImage(display, win, origin.first, origin.second, w, h, AllPlanes, ZPixmap);
+  int diffs = 0;
+  for (int y = 0; y < h; ++y)
+    for (int x = 0; x < w; ++x)
+      diffs += (px[y * stride + x] & 0xFFFFFF) != (static_cast<uint32_t>(XGetPixel(shot, x, y)) & 0xFFFFFF);
+  XDestroyImage(shot);
+  cairo_surface_destroy(ref);
+  return diffs;
+}
+
+// Hovering a panel button shows its tooltip and outline exactly as the
+// panel snapshot with --hover at the same pixel does.
+TEST_F(EditorWindow, PanelHoverMatchesThePanelSnapshot) {
+  Start();
+  const auto button = PanelButtonCentre(kCmdColorShift);
+  const fs::path ref = dir / "hover.png";
+  ASSERT_EQ(std::system((std::string(LB_CLI_BIN) + " panel -o " + ref.string() + " --hover " +
+                         std::to_string(button.first) + "," + std::to_string(button.second))
+                            .c_str()),
+            0);
+  const auto at = PanelToWindow(button);
+  Xdo("mousemove --window " + xid + " " + std::to_string(at.first - 1) + " " + std::to_string(at.second) +
+      " sleep 0.05 mousemove --window " + xid + " " + std::to_string(at.first) + " " + std::to_string(at.second));
+  Display* display = XOpenDisplay(nullptr);
+  ASSERT_NE(display, nullptr);
+  int diffs = -1;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  while (diffs != 0 && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    diffs = PanelDiffs(display, std::stoul(xid), PanelToWindow({0, 0}), ref);
+  }
+  XCloseDisplay(display);
+  EXPECT_EQ(diffs, 0);
+}
+#endif
+
+}  // namespace
+
+// Without a display, the tests run again under xvfb-run (when there is one).
+int main(int argc, char** argv) {
+  if (!std::getenv("DISPLAY") && !std::getenv("LB_EDITOR_UNDER_XVFB") && OnPath("xvfb-run")) {
+    ::setenv("LB_EDITOR_UNDER_XVFB", "1", 1);
+    std::vector<char*> args{const_cast<char*>("xvfb-run"), const_cast<char*>("-a"), const_cast<char*>("-s"),
+                            const_cast<char*>("-screen 0 1280x1024x24")};
+    for (int i = 0; i < argc; ++i) args.push_back(argv[i]);
+    args.push_back(nullptr);
+    ::execvp("xvfb-run", args.data());
+  }
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
