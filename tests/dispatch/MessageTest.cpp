@@ -161,27 +161,6 @@ TEST_F(Messages, BrightnessReturnsTheThemeCodeAndForeignNotifiersDoNothing) {
   EXPECT_EQ(fake::panel.adds + fake::panel.removes + fake::panel.themeChanges, 1);
 }
 
-TEST_F(Messages, MenuGoTogglesAndUpdateCheckMarks) {
-  Send("SP Interface", "Startup");
-  Notify(g->appStartedNotifier);
-  ASSERT_TRUE(fake::panel.visible);
-  EXPECT_EQ(Menu("AI Go", g->menuItem), kNoErr);
-  EXPECT_FALSE(fake::panel.visible);
-  EXPECT_EQ(Menu("AI Update", g->menuItem), kNoErr);
-  EXPECT_EQ(fake::host.checkCalls, 1);
-  EXPECT_FALSE(fake::host.lastCheck);
-  Menu("AI Go", g->menuItem);
-  Menu("AI Update", g->menuItem);
-  EXPECT_TRUE(fake::host.lastCheck);
-
-  auto* foreign = reinterpret_cast<AIMenuItemHandle>(0xBAD);
-  EXPECT_EQ(Menu("AI Go", foreign), kNoErr);
-  EXPECT_EQ(Menu("AI Update", foreign), kNoErr);
-  EXPECT_TRUE(fake::panel.visible);
-  EXPECT_EQ(fake::host.checkCalls, 2);
-  ExpectNothingHeld();
-}
-
 TEST_F(Messages, AlertAcquiresOnlyWhatIsMissing) {
   gsSPBasic = fake::basic();
   // Outside any message: both suites are taken for the call and given back.

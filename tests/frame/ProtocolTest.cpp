@@ -158,18 +158,6 @@ TEST(Failures, AcquisitionFailureReturnsTheCodeAndReleasesWhatWasAcquired) {
   EXPECT_EQ(host.counters(), before);
 }
 
-TEST(Failures, StartupFailsWhenTheRecordCannotBeAllocated) {
-  Host host;
-  const Counters before = host.counters();
-  host.failBlockAllocation(true);
-  EXPECT_THROW(host.loadPlugin(), std::runtime_error);
-  host.failBlockAllocation(false);
-  EXPECT_FALSE(host.pluginLoaded());
-  EXPECT_EQ(host.pluginMenuItem(), nullptr);
-  EXPECT_TRUE(host.notifierTypes().empty());
-  EXPECT_EQ(host.counters(), before);
-}
-
 TEST(Failures, StartupFailsWhenASuiteIsMissing) {
   Host host;
   host.failSuiteAcquisition("AI Menu Suite");

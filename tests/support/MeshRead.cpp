@@ -187,4 +187,11 @@ MeshContent MapMesh(const MeshContent& old, int newI, int newJ, const NodeMap& m
   return ::testing::AssertionSuccess();
 }
 
+std::vector<std::pair<double, double>> Positions(const json& mesh) {
+  std::vector<std::pair<double, double>> out;
+  auto r = [](double x) { return std::round(x * 1e9) / 1e9 + 0.0; };
+  for (const json& n : mesh.at("nodes")) out.emplace_back(r(n.at("p")[0]), r(n.at("p")[1]));
+  return out;
+}
+
 }  // namespace lbtest

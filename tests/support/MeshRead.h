@@ -67,6 +67,14 @@ struct MeshContent {
 
 MeshContent ReadMesh(const json& art);
 
+// Node (i, j) of a written mesh.
+inline const json& NodeAt(const json& mesh, int i, int j) {
+  const int I = mesh.at("size")[0];
+  return mesh.at("nodes").at(static_cast<size_t>(j * (I + 1) + i));
+}
+// Positions of all nodes, i fastest, rounded to 1e-9 for exact comparison.
+std::vector<std::pair<double, double>> Positions(const json& mesh);
+
 // Where an old node lands in the new mesh.
 using NodeMap = std::function<Node(int, int)>;
 // Expected content of a rebuilt mesh: every node, smooth flag and run of

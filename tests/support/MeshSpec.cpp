@@ -96,6 +96,8 @@ json MeshJson(const MeshSpec& m) {
           node["opacity"] = 0.25 + 0.25 * ((i * 3 + j) % 4);
           break;
       }
+      if (m.colorAt) node["color"] = m.colorAt(i, j);
+      if (m.opacityAt) node["opacity"] = m.opacityAt(i, j);
       if (flags) node["selected"] = m.selected.count({i, j}) > 0;
       if (m.smooth != Smooth::None) {  // only the directions the node has
         const bool all = m.smooth == Smooth::All;
@@ -144,6 +146,8 @@ json MeshJson(const MeshSpec& m) {
             run["inner"] = {v};
           }
         }
+        for (const json& given : m.runs)
+          if (given.at("node") == run.at("node") && given.at("axis") == run.at("axis")) run = given;
         runs.push_back(run);
       }
     }
@@ -180,6 +184,13 @@ MeshSpec Coded(int I, int J, NodeSet selected, std::map<Inner, bool> inner) {
 MeshSpec CodedWhole(int I, int J) {
   MeshSpec m = Coded(I, J);
   m.whole = true;
+  return m;
+}
+
+MeshSpec Cells(int I, int J) {
+  MeshSpec m;
+  m.I = I, m.J = J;
+  m.colorAt = [](int, int) { return GrayPaint(0.5); };
   return m;
 }
 

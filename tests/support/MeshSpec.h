@@ -15,6 +15,7 @@
 // once (warped, curved, knots, mixed paints and smooth flags).
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <optional>
@@ -61,10 +62,14 @@ struct MeshSpec {
   bool knots = false;
   std::map<HandleKey, AIRealPoint> handle;  // straight runs only
   std::map<Inner, bool> inner;              // straight runs only; value: selected
+  std::vector<json> runs;                   // written as given in place of the run from the same node and axis
   // Paint and flags.
   Paint paint = Paint::None;
   std::map<Node, double> opacity;  // Paint::None only
   Smooth smooth = Smooth::None;
+  // Per-node colour and opacity, written over what `paint` says when set.
+  std::function<json(int, int)> colorAt;
+  std::function<double(int, int)> opacityAt;
   // Vertex selection. Unset `whole`: flags are written when some node or
   // inner vertex is selected, else the whole mesh counts as selected.
   // false: flags always written (all false = art selected, no vertex).
@@ -97,9 +102,14 @@ const json& Children(const json& doc);
 // selection, flags always written; CodedWhole: the whole mesh selected.
 MeshSpec Coded(int I, int J, NodeSet selected = {}, std::map<Inner, bool> inner = {});
 MeshSpec CodedWhole(int I, int J);
+// An I x J mesh of straight 10 x 10 cells, every node gray 0.5.
+MeshSpec Cells(int I, int J);
 
 NodeSet Rect(int i0, int i1, int j0, int j1);
 std::vector<double> Even(int n);
+inline json GrayPaint(double g) { return {{"gray", g}}; }
+inline json RgbPaint(double r, double g, double b) { return {{"rgb", {r, g, b}}}; }
+inline json CmykPaint(double c, double m, double y, double k) { return {{"cmyk", {c, m, y, k}}}; }
 // The coding of Paint::Coded.
 inline int NodeCount(int I, int J) { return (I + 1) * (J + 1); }
 inline double GrayOf(int n, int N) { return double(n + 1) / double(N + 1); }

@@ -55,6 +55,14 @@ json Session::runWritten(int id, bool alt, bool ctrl, bool useColor, bool useOpa
 
 bool Session::balanced() const { return host_->counters() == start_; }
 
+json Session::runLayer(int id, bool alt, bool ctrl) {
+  run(id, alt, ctrl);
+  const std::string text = lb::io::writeDocument(host_->document());
+  EXPECT_EQ(lb::io::writeDocument(*lb::io::readDocument(text)), text) << "command " << id;
+  const json doc = json::parse(text);
+  return Children(doc);
+}
+
 json Session::written() { return json::parse(lb::io::writeDocument(host_->document())); }
 MeshState Session::mesh(size_t k) { return MeshState(Children(written()).at(k)); }
 MeshContent Session::content(size_t k) { return ReadMesh(Children(written()).at(k)); }

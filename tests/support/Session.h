@@ -48,6 +48,9 @@ class Session {
   // run(), then the document as written.
   json runWritten(int id, bool alt = false, bool ctrl = false, bool useColor = true, bool useOpacity = true);
   json written();                    // the document as the host writes it
+  // run(), then the first layer's children as written, after checking
+  // that the written document reads back to the same text.
+  json runLayer(int id, bool alt = false, bool ctrl = false);
   MeshState mesh(size_t k);          // k-th art of the first layer, written
   MeshContent content(size_t k);
   // The k-th art of the first layer (or the art with `id`) in the host.

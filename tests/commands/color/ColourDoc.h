@@ -17,19 +17,14 @@
 #include "host/Document.h"
 #include "host/Host.h"
 #include "io/Lbdoc.h"
+#include "support/MeshSpec.h"
 
 namespace coltest {
 
+using lbtest::Node;
+using lbtest::NodeSet;
+using lbtest::Rect;
 using nlohmann::json;
-using Node = std::pair<int, int>;
-using NodeSet = std::set<Node>;
-
-inline NodeSet Rect(int i0, int i1, int j0, int j1) {
-  NodeSet s;
-  for (int i = i0; i <= i1; ++i)
-    for (int j = j0; j <= j1; ++j) s.insert({i, j});
-  return s;
-}
 
 // Paint code of node (i, j) of mesh m: 100 m + i + 10 j (grids up to 9 x 9).
 // Gray (code + 1) / 1000 and opacity 1 - (code + 1) / 2000 decode back to it.

@@ -35,9 +35,9 @@ std::vector<std::vector<Pt>> Segs(const json& path) {
 
 TEST(BrushGrid, OneCellGroupStructure) {
   MeshDoc d = Curvy(1, 1, false);
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json mesh = Children(s.written())[0];
-  const json doc = s.run(kMakeBmg);
+  const json doc = s.runWritten(kMakeBmg);
   ASSERT_EQ(Children(doc).size(), 1u) << "the mesh is deleted without Alt";
   const json& g = Children(doc)[0];
   EXPECT_EQ(g.at("type"), "group");
@@ -97,8 +97,8 @@ TEST(BrushGrid, OneCellGroupStructure) {
 TEST(BrushGrid, TileIsTheQuarterAroundItsNode) {
   MeshDoc d;
   d.wholeSelected = true;
-  Session s(MakeDoc({d.art()}));
-  const json doc = s.run(kMakeBmg);
+  Session s(lbtest::DocJson({d.art()}));
+  const json doc = s.runWritten(kMakeBmg);
   const json& tile = Children(doc)[0].at("children")[3].at("children")[0];
   const Pt n00 = MeshDoc::NodeP(0, 0), n10 = MeshDoc::NodeP(1, 0), n01 = MeshDoc::NodeP(0, 1), n11 = MeshDoc::NodeP(1, 1);
   auto mid = [](Pt a, Pt b) { return Pt{(a.first + b.first) / 2, (a.second + b.second) / 2}; };
@@ -141,9 +141,9 @@ TEST_P(BrushGridTrip, BackToTheSameMesh) {
   json mesh;
   json grid;
   {
-    Session s(MakeDoc({d.art()}));
+    Session s(lbtest::DocJson({d.art()}));
     mesh = Children(s.written())[0];
-    grid = Children(s.run(kMakeBmg))[0];
+    grid = Children(s.runWritten(kMakeBmg))[0];
   }
   EXPECT_TRUE(grid.value("selected", false));
   const json& kids = grid.at("children");
@@ -152,8 +152,8 @@ TEST_P(BrushGridTrip, BackToTheSameMesh) {
   EXPECT_EQ(kids[2].at("children").size(), static_cast<size_t>(2 * c.I * c.J + c.I + c.J)) << "edges";
   EXPECT_EQ(kids[3].at("children").size(), static_cast<size_t>((c.I + 1) * (c.J + 1))) << "tiles";
   TransformPaths(grid, c.scale, c.dh, c.dv);
-  Session s(MakeDoc({grid}));
-  const json doc = s.run(kFromBmg);
+  Session s(lbtest::DocJson({grid}));
+  const json doc = s.runWritten(kFromBmg);
   ASSERT_EQ(Children(doc).size(), 1u) << "the grid is deleted without Alt";
   const json& back = Children(doc)[0];
   ASSERT_EQ(back.at("type"), "mesh");
@@ -161,8 +161,8 @@ TEST_P(BrushGridTrip, BackToTheSameMesh) {
   EXPECT_EQ(back.at("size"), mesh.at("size"));
   for (int j = 0; j <= c.J; ++j)
     for (int i = 0; i <= c.I; ++i) {
-      EXPECT_EQ(NodeOf(back, i, j).at("color"), MeshDoc::NodeColor(i, j));
-      EXPECT_EQ(NodeOf(back, i, j).value("opacity", 1.0), MeshDoc::NodeOpacity(i, j));
+      EXPECT_EQ(NodeAt(back, i, j).at("color"), MeshDoc::NodeColor(i, j));
+      EXPECT_EQ(NodeAt(back, i, j).value("opacity", 1.0), MeshDoc::NodeOpacity(i, j));
     }
   for (int axis = 0; axis < 2; ++axis)
     for (int j = 0; j <= c.J; ++j)
@@ -189,13 +189,13 @@ class BrokenGrid : public ::testing::TestWithParam<Breakage> {};
 TEST_P(BrokenGrid, IsNotRecognised) {
   json grid;
   {
-    Session s(MakeDoc({Curvy(2, 1, false).art()}));
-    grid = Children(s.run(kMakeBmg))[0];
+    Session s(lbtest::DocJson({Curvy(2, 1, false).art()}));
+    grid = Children(s.runWritten(kMakeBmg))[0];
   }
   GetParam().apply(grid);
-  Session s(MakeDoc({grid}));
+  Session s(lbtest::DocJson({grid}));
   const json before = s.written();
-  EXPECT_EQ(s.run(kFromBmg), before);
+  EXPECT_EQ(s.runWritten(kFromBmg), before);
 }
 
 const json kExtraPath = {{"type", "path"}, {"segments", {{{"p", {0, 0}}}, {{"p", {1, 1}}}}}, {"selected", true}};
@@ -212,13 +212,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 // With Alt both directions keep their source.
 TEST(BrushGrid, AltKeepsTheSource) {
-  Session s(MakeDoc({Curvy(2, 2, false).art()}));
-  json doc = s.run(kMakeBmg, true);
+  Session s(lbtest::DocJson({Curvy(2, 2, false).art()}));
+  json doc = s.runWritten(kMakeBmg, true);
   ASSERT_EQ(Children(doc).size(), 2u);
   EXPECT_EQ(Children(doc)[0].at("type"), "group");
   EXPECT_EQ(Children(doc)[1].at("type"), "mesh");
   EXPECT_FALSE(Children(doc)[1].value("selected", true));
-  doc = s.run(kFromBmg, true);
+  doc = s.runWritten(kFromBmg, true);
   ASSERT_EQ(Children(doc).size(), 3u);
   EXPECT_EQ(Children(doc)[0].at("type"), "mesh");
   EXPECT_TRUE(Children(doc)[0].value("selected", false));

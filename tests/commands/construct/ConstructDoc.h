@@ -1,6 +1,6 @@
 // Documents for the construction tests: paths and grids of docked paths as
-// .lbdoc JSON, a host session that runs a command and checks for leaked
-// host objects, and readers for the written meshes.
+// .lbdoc JSON and readers for the written meshes (sessions come from the
+// support library).
 #pragma once
 
 #include "LBModule.h"
@@ -14,12 +14,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/Document.h"
-#include "host/Host.h"
-#include "io/Lbdoc.h"
+#include "support/Session.h"
 
 namespace constructtest {
 
+using lbtest::Children;
+using lbtest::Session;
 using nlohmann::json;
 
 constexpr int kMeshFromPath = kCmdOneCellMesh;
@@ -60,33 +60,6 @@ inline json PathArt(const std::vector<Anchor>& anchors, bool closed = true, bool
   return {{"type", "path"}, {"closed", closed}, {"selected", selected}, {"fill", nullptr},
           {"stroke", nullptr}, {"segments", segs}};
 }
-
-inline json MakeDoc(const std::vector<json>& children) {
-  return {{"latticebender", 1},
-          {"layers", json::array({{{"name", "Layer 1"}, {"children", children}}})}};
-}
-
-// A document loaded into the host with the plug-in running.
-class Session {
- public:
-  explicit Session(const json& doc) : host_(lb::io::readDocument(doc.dump())) { host_.loadPlugin(); }
-
-  // Runs one command, checks that it left no host object alive, and
-  // returns the document as written.
-  json run(int id, bool alt = false, bool ctrl = false, bool useColor = true, bool useOpacity = true) {
-    const lb::host::Counters before = host_.counters();
-    host_.runCommand(id, alt, ctrl, useColor, useOpacity);
-    EXPECT_EQ(host_.counters(), before) << "command " << id << " leaked a host object";
-    return written();
-  }
-  json written() { return json::parse(lb::io::writeDocument(host_.document())); }
-  lb::host::Host& host() { return host_; }
-
- private:
-  lb::host::Host host_;
-};
-
-inline const json& Children(const json& doc) { return doc.at("layers")[0].at("children"); }
 
 // ---- Reading a written mesh ---------------------------------------------
 

@@ -103,8 +103,8 @@ class EveryGrid : public ::testing::TestWithParam<GridCase> {};
 TEST_P(EveryGrid, BecomesOneMeshShapedByItsPaths) {
   const GridCase& c = GetParam();
   const std::vector<GridPath> paths = GridPaths(c.a, c.b, c.order, c.mix);
-  Session s(MakeDoc(GridArt(paths)));
-  const json doc = s.run(kMeshFromDockedPaths);
+  Session s(lbtest::DocJson(GridArt(paths)));
+  const json doc = s.runWritten(kMeshFromDockedPaths);
   ASSERT_EQ(Children(doc).size(), 1u);
   const json& mesh = Children(doc)[0];
   EXPECT_EQ(mesh.at("selected"), true);
@@ -136,8 +136,8 @@ TEST(DockedPaths, ShuffledGridsOfEverySize) {
           for (Anchor& x : g.anchors) std::swap(x.in, x.out);
           g.reverse = !g.reverse;
         }
-      Session s(MakeDoc(GridArt(paths)));
-      const json doc = s.run(kMeshFromDockedPaths);
+      Session s(lbtest::DocJson(GridArt(paths)));
+      const json doc = s.runWritten(kMeshFromDockedPaths);
       ASSERT_EQ(Children(doc).size(), 1u);
       bool transposed = false;
       ExpectAnyGridMesh(Children(doc)[0], a, b, paths, &transposed);
@@ -156,8 +156,8 @@ std::vector<json> SquareWithOffsetEnd(double offset) {
 TEST(DockedPaths, EndsDockWithinHalfAUnit) {
   for (double offset : {0.4, 0.5, -0.5}) {
     SCOPED_TRACE(offset);
-    Session s(MakeDoc(SquareWithOffsetEnd(offset)));
-    const json doc = s.run(kMeshFromDockedPaths);
+    Session s(lbtest::DocJson(SquareWithOffsetEnd(offset)));
+    const json doc = s.runWritten(kMeshFromDockedPaths);
     ASSERT_EQ(Children(doc).size(), 1u);
     EXPECT_EQ(Children(doc)[0].at("type"), "mesh");
   }
@@ -166,9 +166,9 @@ TEST(DockedPaths, EndsDockWithinHalfAUnit) {
 // Ends 0.6 apart do not dock: the two paths that end there dangle and are
 // deleted, and what is left is no grid, so no mesh is made.
 TEST(DockedPaths, EndsFartherApartDoNotDock) {
-  Session s(MakeDoc(SquareWithOffsetEnd(0.6)));
+  Session s(lbtest::DocJson(SquareWithOffsetEnd(0.6)));
   const json before = Children(s.written());
-  const json doc = s.run(kMeshFromDockedPaths);
+  const json doc = s.runWritten(kMeshFromDockedPaths);
   const json& kids = Children(doc);
   ASSERT_EQ(kids.size(), 2u);
   // Rows first: bottom, top, left, right; bottom and right dangled.
@@ -193,8 +193,8 @@ TEST(DockedPaths, DanglingAndClosedPathsAreDeleted) {
     const std::vector<GridPath> paths = GridPaths(2, 2, Order::RowsFirst, true);
     std::vector<json> art = GridArt(paths);
     art.insert(art.begin() + 3, c.extra);
-    Session s(MakeDoc(art));
-    const json doc = s.run(kMeshFromDockedPaths);
+    Session s(lbtest::DocJson(art));
+    const json doc = s.runWritten(kMeshFromDockedPaths);
     ASSERT_EQ(Children(doc).size(), 1u);
     bool transposed = false;
     ExpectGridMesh(Children(doc)[0], 2, 2, paths, &transposed);
@@ -236,9 +236,9 @@ TEST(DockedPaths, SetsThatAreNoGridChangeNothing) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    Session s(MakeDoc(GridArt(c.paths)));
+    Session s(lbtest::DocJson(GridArt(c.paths)));
     const json before = s.written();
-    EXPECT_EQ(s.run(kMeshFromDockedPaths), before);
+    EXPECT_EQ(s.runWritten(kMeshFromDockedPaths), before);
   }
 }
 
@@ -251,17 +251,17 @@ TEST(DockedPaths, TwoSelectedMeshesLeaveThePathsAlone) {
   json other = mesh;
   for (json& n : other["nodes"]) n["p"][0] = n["p"][0].get<double>() + 100;
   art.push_back(other);
-  Session s(MakeDoc(art));
+  Session s(lbtest::DocJson(art));
   const json before = s.written();
-  EXPECT_EQ(s.run(kMeshFromDockedPaths), before);
+  EXPECT_EQ(s.runWritten(kMeshFromDockedPaths), before);
 }
 
 TEST(DockedPaths, OneSelectedMeshStillLetsThePathsBecomeAMesh) {
   std::vector<json> art = GridArt(GridPaths(2, 1, Order::RowsFirst, false));
   art.push_back({{"type", "mesh"}, {"size", {1, 1}}, {"selected", true},
                  {"nodes", json::array({{{"p", {300, 0}}}, {{"p", {340, 0}}}, {{"p", {300, 30}}}, {{"p", {340, 30}}}})}});
-  Session s(MakeDoc(art));
-  const json doc = s.run(kMeshFromDockedPaths);
+  Session s(lbtest::DocJson(art));
+  const json doc = s.runWritten(kMeshFromDockedPaths);
   ASSERT_EQ(Children(doc).size(), 2u);
   EXPECT_EQ(MeshView{Children(doc)[0]}.I(), 2);
 }
@@ -276,8 +276,8 @@ TEST(DockedPaths, MeshTakesTheTopmostPathsPlace) {
   between["id"] = "between";
   art.insert(art.begin() + 2, between);
   art.insert(art.begin(), above);
-  Session s(MakeDoc(art));
-  const json doc = s.run(kMeshFromDockedPaths);
+  Session s(lbtest::DocJson(art));
+  const json doc = s.runWritten(kMeshFromDockedPaths);
   const json& kids = Children(doc);
   ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(kids[0].at("id"), "above");
@@ -291,8 +291,8 @@ TEST(DockedPaths, MeshLeavesAGroupThatHeldOnlyThePaths) {
   const std::vector<json> paths = GridArt(GridPaths(2, 2, Order::RowsFirst, false));
   {
     json group = {{"type", "group"}, {"selected", true}, {"children", paths}};
-    Session s(MakeDoc({group}));
-    const json doc = s.run(kMeshFromDockedPaths);
+    Session s(lbtest::DocJson({group}));
+    const json doc = s.runWritten(kMeshFromDockedPaths);
     const json& kids = Children(doc);
     ASSERT_EQ(kids.size(), 2u);
     EXPECT_EQ(kids[0].at("type"), "mesh");
@@ -303,8 +303,8 @@ TEST(DockedPaths, MeshLeavesAGroupThatHeldOnlyThePaths) {
     std::vector<json> inside = paths;
     inside.push_back(PathArt({{{0, 100}}, {{10, 100}}}, false, false));
     json group = {{"type", "group"}, {"children", inside}};
-    Session s(MakeDoc({group}));
-    const json doc = s.run(kMeshFromDockedPaths);
+    Session s(lbtest::DocJson({group}));
+    const json doc = s.runWritten(kMeshFromDockedPaths);
     const json& kids = Children(doc);
     ASSERT_EQ(kids.size(), 1u);
     ASSERT_EQ(kids[0].at("children").size(), 2u);
@@ -325,8 +325,8 @@ TEST(DockedPaths, SmoothFlagsFollowTheHandles) {
           if (g.i == 0) g.anchors[1].in = Pt{40, 10};
           else g.anchors[0].out = Pt{50, 10};
         }
-    Session s(MakeDoc(GridArt(paths)));
-    const json doc = s.run(kMeshFromDockedPaths);
+    Session s(lbtest::DocJson(GridArt(paths)));
+    const json doc = s.runWritten(kMeshFromDockedPaths);
     ASSERT_EQ(Children(doc).size(), 1u);
     const MeshView m{Children(doc)[0]};
     EXPECT_EQ(m.Node(1, 0).at("smooth").at("I+"), !kink);

@@ -40,9 +40,9 @@ TEST_P(Cutter, CutsAlongTheMarkedLineOnly) {
   const CutCase& c = GetParam();
   MeshDoc d = ThreeByTwo();
   for (auto n : c.selected) d.selectedNodes[n] = true;
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = s.written();
-  const json doc = s.run(kCutter);
+  const json doc = s.runWritten(kCutter);
   if (c.cutI == 0 && c.cutJ == 0) {
     EXPECT_EQ(doc, before) << "a mesh wider than one cell with no cut line stays";
     return;
@@ -57,16 +57,16 @@ TEST_P(Cutter, CutsAlongTheMarkedLineOnly) {
     if (c.cutI) {
       EXPECT_TRUE(pI == c.cutI || pI == 3 - c.cutI);
       EXPECT_EQ(pJ, 2);
-      oi = NodeOf(part, 0, 0).at("p") == NodeOf(old, 0, 0).at("p") ? 0 : c.cutI;
+      oi = NodeAt(part, 0, 0).at("p") == NodeAt(old, 0, 0).at("p") ? 0 : c.cutI;
       EXPECT_EQ(pI, oi == 0 ? c.cutI : 3 - c.cutI);
     } else {
       EXPECT_EQ(pI, 3);
-      oj = NodeOf(part, 0, 0).at("p") == NodeOf(old, 0, 0).at("p") ? 0 : c.cutJ;
+      oj = NodeAt(part, 0, 0).at("p") == NodeAt(old, 0, 0).at("p") ? 0 : c.cutJ;
       EXPECT_EQ(pJ, oj == 0 ? c.cutJ : 2 - c.cutJ);
     }
     for (int j = 0; j <= pJ; ++j)
       for (int i = 0; i <= pI; ++i) {
-        const json &got = NodeOf(part, i, j), &want = NodeOf(old, i + oi, j + oj);
+        const json &got = NodeAt(part, i, j), &want = NodeAt(old, i + oi, j + oj);
         EXPECT_EQ(got.at("p"), want.at("p"));
         EXPECT_EQ(got.at("color"), want.at("color"));
         EXPECT_EQ(got.value("selected", false), want.value("selected", false));
@@ -112,9 +112,9 @@ TEST_P(Bridge, NewLineRunsBetweenTheSelectedVertices) {
   auto far = [&](std::pair<int, int> n) { return axis == 0 ? MeshDoc::NodeP(n.first + 1, n.second) : MeshDoc::NodeP(n.first, n.second + 1); };
   d.runs[{axis, s0.first, s0.second}] = MakeRun(MeshDoc::NodeP(s0.first, s0.second), far(s0), c.side0);
   d.runs[{axis, s1.first, s1.second}] = MakeRun(MeshDoc::NodeP(s1.first, s1.second), far(s1), c.side1);
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = s.written();
-  const json doc = s.run(kCutter);
+  const json doc = s.runWritten(kCutter);
   if (!c.bridged) {
     EXPECT_EQ(doc, before);
     return;
@@ -142,7 +142,7 @@ TEST_P(Bridge, NewLineRunsBetweenTheSelectedVertices) {
     auto plain = [](std::string k) { for (char& ch : k) ch = ch == 'V' ? 'v' : ch; return k; };
     EXPECT_EQ(plain(a.inner), wantA);
     EXPECT_EQ(plain(b.inner), wantB);
-    ends[side] = P(NodeOf(mesh, ni, nj).at("p"));
+    ends[side] = P(NodeAt(mesh, ni, nj).at("p"));
     EXPECT_EQ(ends[side], o.points[3 * at]);
   }
   // The cross segment is straight with handles a (single precision) third

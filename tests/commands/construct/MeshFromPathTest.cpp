@@ -44,8 +44,8 @@ std::vector<Pt> PathOutline(const std::vector<Anchor>& a, size_t first) {
 }
 
 TEST(MeshFromPath, RectangleStartsAtItsSecondAnchor) {
-  Session s(MakeDoc({Painted(PathArt(kRect), {{"rgb", {0.25, 0.5, 0.75}}}, nullptr)}));
-  const json doc = s.run(kMeshFromPath);
+  Session s(lbtest::DocJson({Painted(PathArt(kRect), {{"rgb", {0.25, 0.5, 0.75}}}, nullptr)}));
+  const json doc = s.runWritten(kMeshFromPath);
   ASSERT_EQ(Children(doc).size(), 1u);
   const MeshView m{Children(doc)[0]};
   ASSERT_EQ(m.I(), 1);
@@ -67,8 +67,8 @@ TEST(MeshFromPath, RectangleStartsAtItsSecondAnchor) {
 TEST(MeshFromPath, SharpestAnchorsAreCornersTheOthersKnots) {
   const std::vector<Anchor> octo = {{{0, 0}},   {{50, 0}},   {{100, 0}}, {{100, 25}},
                                     {{100, 50}}, {{50, 50}}, {{0, 50}},  {{0, 25}}};
-  Session s(MakeDoc({PathArt(octo)}));
-  const json doc = s.run(kMeshFromPath);
+  Session s(lbtest::DocJson({PathArt(octo)}));
+  const json doc = s.runWritten(kMeshFromPath);
   ASSERT_EQ(Children(doc).size(), 1u);
   const MeshView m{Children(doc)[0]};
   EXPECT_EQ(m.NodeP(0, 0), (Pt{0, 0}));
@@ -94,8 +94,8 @@ TEST(MeshFromPath, EllipseKeepsItsHandles) {
                                        {{100, 25}, Pt{100, 25 - 14}, Pt{100, 25 + 14}},
                                        {{50, 50}, Pt{50 + k, 50}, Pt{50 - k, 50}},
                                        {{0, 25}, Pt{0, 25 + 14}, Pt{0, 25 - 14}}};
-  Session s(MakeDoc({PathArt(ellipse)}));
-  const json doc = s.run(kMeshFromPath);
+  Session s(lbtest::DocJson({PathArt(ellipse)}));
+  const json doc = s.runWritten(kMeshFromPath);
   ASSERT_EQ(Children(doc).size(), 1u);
   const MeshView m{Children(doc)[0]};
   EXPECT_EQ(m.NodeP(0, 0), (Pt{100, 25}));
@@ -110,8 +110,8 @@ TEST(MeshFromPath, DirectlySelectedAnchorsAreTheCorners) {
   std::vector<Anchor> hex = {{{0, 0}}, {{60, 0}}, {{90, 40}}, {{60, 80}}, {{0, 80}}, {{-30, 40}}};
   for (int k : {0, 1, 3, 4}) hex[k].selected = 1;
   for (int k : {2, 5}) hex[k].selected = 0;
-  Session s(MakeDoc({PathArt(hex)}));
-  const json doc = s.run(kMeshFromPath);
+  Session s(lbtest::DocJson({PathArt(hex)}));
+  const json doc = s.runWritten(kMeshFromPath);
   ASSERT_EQ(Children(doc).size(), 1u);
   const MeshView m{Children(doc)[0]};
   EXPECT_EQ(m.NodeP(0, 0), (Pt{0, 0}));
@@ -127,12 +127,12 @@ TEST(MeshFromPath, DirectlySelectedAnchorsAreTheCorners) {
 TEST(MeshFromPath, OpenPathIsClosedByAStraightSide) {
   json fromClosed, fromOpen;
   {
-    Session s(MakeDoc({PathArt(kRect, true)}));
-    fromClosed = Children(s.run(kMeshFromPath));
+    Session s(lbtest::DocJson({PathArt(kRect, true)}));
+    fromClosed = Children(s.runWritten(kMeshFromPath));
   }
   {
-    Session s(MakeDoc({PathArt(kRect, false)}));
-    fromOpen = Children(s.run(kMeshFromPath));
+    Session s(lbtest::DocJson({PathArt(kRect, false)}));
+    fromOpen = Children(s.runWritten(kMeshFromPath));
   }
   ASSERT_EQ(fromOpen.size(), 1u);
   EXPECT_EQ(fromOpen[0].at("type"), "mesh");
@@ -157,9 +157,9 @@ TEST(MeshFromPath, PathsWithoutFourCandidatesStay) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     // A rectangle below is still turned into a mesh.
-    Session s(MakeDoc({c.path, PathArt(kRect)}));
+    Session s(lbtest::DocJson({c.path, PathArt(kRect)}));
     const json before = Children(s.written());
-    const json doc = s.run(kMeshFromPath);
+    const json doc = s.runWritten(kMeshFromPath);
     ASSERT_EQ(Children(doc).size(), 2u);
     EXPECT_EQ(Children(doc)[0], before[0]);
     EXPECT_EQ(Children(doc)[1].at("type"), "mesh");
@@ -190,8 +190,8 @@ TEST(MeshFromPath, PaintOpacityAndBlending) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    Session s(MakeDoc({Painted(PathArt(kRect), c.fill, c.stroke, 0.4, "multiply")}));
-    const json doc = s.run(kMeshFromPath, c.alt, c.ctrl, c.useColor, c.useOpacity);
+    Session s(lbtest::DocJson({Painted(PathArt(kRect), c.fill, c.stroke, 0.4, "multiply")}));
+    const json doc = s.runWritten(kMeshFromPath, c.alt, c.ctrl, c.useColor, c.useOpacity);
     ASSERT_EQ(Children(doc).size(), 1u);
     const json& mesh = Children(doc)[0];
     EXPECT_EQ(mesh.value("opacity", 1.0), c.meshOpacity);
@@ -212,8 +212,8 @@ TEST(MeshFromPath, MeshTakesThePathsPlace) {
   above["id"] = "above";
   json below = PathArt({{{0, 200}}, {{10, 200}}}, false, false);
   below["id"] = "below";
-  Session s(MakeDoc({above, PathArt(kRect), below}));
-  const json doc = s.run(kMeshFromPath);
+  Session s(lbtest::DocJson({above, PathArt(kRect), below}));
+  const json doc = s.runWritten(kMeshFromPath);
   const json& kids = Children(doc);
   ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(kids[0].at("id"), "above");
@@ -228,8 +228,8 @@ TEST(MeshFromPath, SubPathOfACompoundPathIsReplacedAboveIt) {
   json tri = PathArt({{{0, 300}}, {{50, 300}}, {{25, 340}}});
   json compound = {{"type", "compound"}, {"id", "cp"}, {"selected", true},
                    {"children", {PathArt(kRect), tri, PathArt(other)}}};
-  Session s(MakeDoc({compound}));
-  const json doc = s.run(kMeshFromPath);
+  Session s(lbtest::DocJson({compound}));
+  const json doc = s.runWritten(kMeshFromPath);
   const json& kids = Children(doc);
   ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(MeshView{kids[0]}.NodeP(0, 0), (Pt{100, 0}));
@@ -240,9 +240,9 @@ TEST(MeshFromPath, SubPathOfACompoundPathIsReplacedAboveIt) {
 }
 
 TEST(MeshFromPath, NothingSelectedChangesNothing) {
-  Session s(MakeDoc({PathArt(kRect, true, false)}));
+  Session s(lbtest::DocJson({PathArt(kRect, true, false)}));
   const json before = s.written();
-  EXPECT_EQ(s.run(kMeshFromPath), before);
+  EXPECT_EQ(s.runWritten(kMeshFromPath), before);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // Documents for the knot, corner, brush-grid and cutter tests: a mesh built
-// from a few parameters with hand-placed runs, a session that runs one
-// command through the loaded plug-in and checks for leaked host objects,
-// and readers of the written runs, nodes and paths.
+// from a few parameters with hand-placed runs, and readers of the written
+// runs (sessions and the rest come from the support library).
 #pragma once
 
 #include "LBModule.h"
@@ -15,12 +14,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/Document.h"
-#include "host/Host.h"
-#include "io/Lbdoc.h"
+#include "support/Session.h"
 
 namespace knots {
 
+using lbtest::Children;
+using lbtest::NodeAt;
+using lbtest::Session;
 using nlohmann::json;
 using Pt = std::pair<double, double>;
 
@@ -111,31 +111,6 @@ inline LineRun MakeRun(Pt a, Pt b, const std::string& inner) {
   return r;
 }
 
-inline json MakeDoc(const std::vector<json>& children) {
-  return {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", children}}}}};
-}
-
-class Session {
- public:
-  explicit Session(const json& doc) : host_(lb::io::readDocument(doc.dump())) { host_.loadPlugin(); }
-
-  // Runs one command, checks that no host object outlived it, and returns
-  // the document as written.
-  json run(int id, bool alt = false, bool ctrl = false) {
-    const lb::host::Counters before = host_.counters();
-    host_.runCommand(id, alt, ctrl, true, true);
-    EXPECT_EQ(host_.counters(), before) << "command " << id << " leaked a host object";
-    return written();
-  }
-  json written() { return json::parse(lb::io::writeDocument(host_.document())); }
-  lb::host::Host& host() { return host_; }
-
- private:
-  lb::host::Host host_;
-};
-
-inline const json& Children(const json& doc) { return doc.at("layers")[0].at("children"); }
-
 inline Pt P(const json& p) { return {p[0].get<double>(), p[1].get<double>()}; }
 
 // The written run from node (i, j) along axis.
@@ -150,11 +125,6 @@ inline LineRun ReadRun(const json& mesh, int axis, int i, int j) {
   }
   ADD_FAILURE() << "no run " << axis << " from (" << i << ", " << j << ")";
   return {};
-}
-
-inline const json& NodeOf(const json& mesh, int i, int j) {
-  const int I = mesh.at("size")[0];
-  return mesh.at("nodes").at(static_cast<size_t>(j * (I + 1) + i));
 }
 
 inline ::testing::AssertionResult SamePoints(const std::vector<Pt>& got, const std::vector<Pt>& want, double tol) {

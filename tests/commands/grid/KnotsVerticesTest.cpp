@@ -48,9 +48,9 @@ TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   MeshDoc d = TwoCells();
   for (auto n : c.selected) d.selectedNodes[n] = true;
   d.wholeSelected = c.whole;
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.run(kKnots))[0];
+  const json after = Children(s.runWritten(kKnots))[0];
   // The surface is unchanged: every run keeps its points exactly.
   EXPECT_TRUE(SameRuns(after, before, 0.0, /*kinds=*/false));
   std::string kinds[3] = {ReadRun(after, 0, 0, 0).inner, ReadRun(after, 0, 1, 0).inner, ReadRun(after, 1, 0, 0).inner};
@@ -70,12 +70,12 @@ INSTANTIATE_TEST_SUITE_P(Cases, KnotsSplit, ::testing::ValuesIn(kSplitCases),
 TEST(KnotsVertices, RoundTripRestoresEveryRun) {
   MeshDoc d = TwoCells();
   d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = d.selectedNodes[{0, 1}] = true;
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json mid = Children(s.run(kKnots))[0];
+  const json mid = Children(s.runWritten(kKnots))[0];
   EXPECT_EQ(ReadRun(mid, 0, 0, 0).inner, "VV");
   EXPECT_EQ(ReadRun(mid, 1, 0, 0).inner, "V");
-  const json back = Children(s.run(kVertices))[0];
+  const json back = Children(s.runWritten(kVertices))[0];
   EXPECT_TRUE(SameRuns(back, before, 0.0));
 }
 
@@ -92,9 +92,9 @@ class KnotsDel : public ::testing::TestWithParam<KnotsDelCase> {};
 TEST_P(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
   MeshDoc d = TwoCells();
   d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.run(kKnots, GetParam().alt, !GetParam().alt))[0];
+  const json after = Children(s.runWritten(kKnots, GetParam().alt, !GetParam().alt))[0];
   const LineRun old = ReadRun(before, 0, 0, 0);
   const LineRun got = ReadRun(after, 0, 0, 0);
   EXPECT_EQ(got.inner, "");
@@ -103,7 +103,7 @@ TEST_P(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
   EXPECT_EQ(ReadRun(after, 1, 0, 0).inner, "k");
   for (int j = 0; j <= 1; ++j)
     for (int i = 0; i <= 2; ++i)
-      EXPECT_EQ(NodeOf(after, i, j).value("selected", false), NodeOf(before, i, j).value("selected", false));
+      EXPECT_EQ(NodeAt(after, i, j).value("selected", false), NodeAt(before, i, j).value("selected", false));
 }
 
 INSTANTIATE_TEST_SUITE_P(Variants, KnotsDel, ::testing::Values(KnotsDelCase{"Corrected", true}, KnotsDelCase{"Plain", false}),
@@ -112,9 +112,9 @@ INSTANTIATE_TEST_SUITE_P(Variants, KnotsDel, ::testing::Values(KnotsDelCase{"Cor
 TEST(KnotsDel, WholeMeshLosesEveryKnot) {
   MeshDoc d = TwoCells();
   d.wholeSelected = true;
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.run(kKnots, true, false))[0];
+  const json after = Children(s.runWritten(kKnots, true, false))[0];
   // LineRun I(1, 0) holds a vertex: only the knot after it goes.
   for (auto [axis, i, j] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 0}}) {
     const LineRun old = ReadRun(before, axis, i, j), got = ReadRun(after, axis, i, j);
@@ -141,15 +141,15 @@ MeshDoc AdjacentVertices(bool selectNode) {
 // cubic from knot a (its out handle) to knot b (its in handle); the knots
 // stay knots.
 TEST(VerticesDel, CorrectedAdjacentVerticesBecomeOneCubic) {
-  Session s(MakeDoc({AdjacentVertices(true).art()}));
+  Session s(lbtest::DocJson({AdjacentVertices(true).art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.run(kVertices, true, false))[0];
+  const json after = Children(s.runWritten(kVertices, true, false))[0];
   const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;  // 16 points
   const LineRun got = ReadRun(after, 0, 0, 0);
   EXPECT_EQ(got.inner, "kk");
   EXPECT_TRUE(SamePoints(got.points, {o[0], o[1], o[2], o[3], o[4], o[11], o[12], o[13], o[14], o[15]}, 0.0));
-  EXPECT_TRUE(NodeOf(after, 1, 1).value("selected", false));
-  EXPECT_FALSE(NodeOf(after, 0, 0).value("selected", false));
+  EXPECT_TRUE(NodeAt(after, 1, 1).value("selected", false));
+  EXPECT_FALSE(NodeAt(after, 0, 0).value("selected", false));
 }
 
 struct CorrectedCase {
@@ -178,17 +178,17 @@ TEST_P(VerticesDelCorrected, StretchBecomesOneCubic) {
   MeshDoc d;
   d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
   d.selectedNodes[{1, 0}] = true;
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.run(kVertices, true, false))[0];
+  const json after = Children(s.runWritten(kVertices, true, false))[0];
   const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;
   std::vector<Pt> want;
   for (int k : c.kept) want.push_back(o[static_cast<size_t>(k)]);
   const LineRun got = ReadRun(after, 0, 0, 0);
   EXPECT_TRUE(SamePoints(got.points, want, 0.0));
   EXPECT_EQ(got.inner, c.kinds);
-  EXPECT_TRUE(NodeOf(after, 1, 0).value("selected", false));
-  EXPECT_FALSE(NodeOf(after, 0, 0).value("selected", false));
+  EXPECT_TRUE(NodeAt(after, 1, 0).value("selected", false));
+  EXPECT_FALSE(NodeAt(after, 0, 0).value("selected", false));
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, VerticesDelCorrected, ::testing::ValuesIn(kCorrectedCases),
@@ -219,9 +219,9 @@ TEST_P(VerticesDelPlain, RemovesSelectedVerticesOnly) {
   d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
   d.runs[{1, 1, 0}] = MakeRun(MeshDoc::NodeP(1, 0), MeshDoc::NodeP(1, 1), "V");
   d.selectedNodes[{0, 1}] = true;
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.run(kVertices, false, true))[0];
+  const json after = Children(s.runWritten(kVertices, false, true))[0];
   const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;
   std::vector<Pt> want;
   for (int k : c.kept) want.push_back(o[static_cast<size_t>(k)]);
@@ -229,7 +229,7 @@ TEST_P(VerticesDelPlain, RemovesSelectedVerticesOnly) {
   EXPECT_TRUE(SamePoints(got.points, want, 0.0));
   EXPECT_EQ(got.inner, c.kinds);
   EXPECT_EQ(ReadRun(after, 1, 1, 0).inner, "");
-  EXPECT_TRUE(NodeOf(after, 0, 1).value("selected", false));
+  EXPECT_TRUE(NodeAt(after, 0, 1).value("selected", false));
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, VerticesDelPlain, ::testing::ValuesIn(kPlainCases),
@@ -243,9 +243,9 @@ TEST(VerticesToKnots, NodesOnlySelectionChangesNothing) {
       if (alt && ctrl) continue;
       MeshDoc d = TwoCells();
       d.selectedNodes[{0, 0}] = d.selectedNodes[{2, 1}] = true;
-      Session s(MakeDoc({d.art()}));
+      Session s(lbtest::DocJson({d.art()}));
       const json before = Children(s.written())[0];
-      const json after = Children(s.run(kVertices, alt, ctrl))[0];
+      const json after = Children(s.runWritten(kVertices, alt, ctrl))[0];
       EXPECT_EQ(after, before) << "alt " << alt << " ctrl " << ctrl;
     }
   }

@@ -85,16 +85,16 @@ TEST_P(MoveCorner, CornerLandsOnTheVertexAndTheOutlineStays) {
   d.selectedNodes[{ci[c.corner], cj[c.corner]}] = true;
   const auto run = runs[c.corner][c.secondSide];
   SelectVertex(d, run, away[c.corner][c.secondSide] ? c.nth : 1 - c.nth);
-  Session s(MakeDoc({d.art()}));
+  Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
   const LineRun r = ReadRun(before, std::get<0>(run), std::get<1>(run), std::get<2>(run));
   const size_t vAnchor = r.inner.find('V') + 1;
   const Pt target = r.points[3 * vAnchor];
-  const Pt corner = P(NodeOf(before, ci[c.corner], cj[c.corner]).at("p"));
+  const Pt corner = P(NodeAt(before, ci[c.corner], cj[c.corner]).at("p"));
 
-  const json after = Children(s.run(kMoveCorner))[0];
-  EXPECT_EQ(P(NodeOf(after, ci[c.corner], cj[c.corner]).at("p")), target);
-  EXPECT_TRUE(NodeOf(after, ci[c.corner], cj[c.corner]).value("selected", false));
+  const json after = Children(s.runWritten(kMoveCorner))[0];
+  EXPECT_EQ(P(NodeAt(after, ci[c.corner], cj[c.corner]).at("p")), target);
+  EXPECT_TRUE(NodeAt(after, ci[c.corner], cj[c.corner]).value("selected", false));
 
   // Same closed outline, point for point; only the two kinds swap.
   Outline o = ReadOutline(before), n = ReadOutline(after);
@@ -111,7 +111,7 @@ TEST_P(MoveCorner, CornerLandsOnTheVertexAndTheOutlineStays) {
   }
   EXPECT_EQ(n.kinds, want);
   // The rest of the grid is untouched.
-  EXPECT_EQ(NodeOf(after, 1, 1).at("p"), NodeOf(before, 1, 1).at("p"));
+  EXPECT_EQ(NodeAt(after, 1, 1).at("p"), NodeAt(before, 1, 1).at("p"));
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryCorner, MoveCorner,
@@ -151,9 +151,9 @@ TEST_P(MoveCornerRefusal, ChangesNothing) {
   for (auto r : c.vertexRuns) SelectVertex(d, r, 0);
   std::vector<json> arts = {d.art()};
   if (c.twoMeshes) arts.push_back(d.art());
-  Session s(MakeDoc(arts));
+  Session s(lbtest::DocJson(arts));
   const json before = s.written();
-  EXPECT_EQ(s.run(kMoveCorner), before);
+  EXPECT_EQ(s.runWritten(kMoveCorner), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, MoveCornerRefusal, ::testing::ValuesIn(kRefusals),

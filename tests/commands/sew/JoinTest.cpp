@@ -8,9 +8,9 @@
 #include <map>
 #include <set>
 
-#include "commands/sew/SewDoc.h"
+#include "support/Session.h"
 
-namespace sewtest {
+namespace lbtest {
 namespace {
 
 constexpr double kCell = 10.0;
@@ -37,20 +37,20 @@ const Block kBlocks[] = {
 };
 
 // The colour every node of mesh m gets; seam nodes average two or four.
-json MeshPaint(int m) { return Rgb(0.1 * (m % 10), 0.5, 1.0 - 0.1 * (m % 10)); }
+json MeshPaint(int m) { return RgbPaint(0.1 * (m % 10), 0.5, 1.0 - 0.1 * (m % 10)); }
 
 std::vector<json> Arrange(const Block& b, double gap = 0.0) {
   std::vector<json> art;
   for (int m : b.order) {
-    Grid g;
+    MeshSpec g = Cells(1, 1);
     g.I = b.I;
     g.J = b.J;
-    g.w = g.h = kCell;
-    g.h0 = (m % b.cols) * (b.I * kCell + gap);
-    g.v0 = (m / b.cols) * (b.J * kCell);
-    g.paint = [m](int, int) { return MeshPaint(m); };
+    g.dx = g.dy = kCell;
+    g.x0 = (m % b.cols) * (b.I * kCell + gap);
+    g.y0 = (m / b.cols) * (b.J * kCell);
+    g.colorAt = [m](int, int) { return MeshPaint(m); };
     g.id = "m" + std::to_string(m);
-    art.push_back(MeshArt(g));
+    art.push_back(MeshJson(g));
   }
   return art;
 }
@@ -86,8 +86,8 @@ class EachBlock : public ::testing::TestWithParam<Block> {};
 
 TEST_P(EachBlock, JoinsIntoOneMesh) {
   const Block& b = GetParam();
-  Session s(Doc(Arrange(b)));
-  const json kids = Children(s.run(kJoinDocked));
+  Session s(DocJson(Arrange(b)));
+  const json kids = Children(s.runWritten(kCmdSewDocked));
   ASSERT_EQ(kids.size(), 1u);
   const json& mesh = kids[0];
   EXPECT_TRUE(IsLattice(mesh, b.cols * b.I, b.rows * b.J));
@@ -111,11 +111,11 @@ INSTANTIATE_TEST_SUITE_P(Join, EachBlock, ::testing::ValuesIn(kBlocks),
 
 TEST(Join, SeamNodeBetweenTwoMeshesHoldsTheAverage) {
   const Block b{"Pair", 1, 2, 1, 1, {0, 1}};
-  Session s(Doc(Arrange(b)));
-  const json mesh = Children(s.run(kJoinDocked))[0];
+  Session s(DocJson(Arrange(b)));
+  const json mesh = Children(s.runWritten(kCmdSewDocked))[0];
   for (const json& n : mesh.at("nodes"))
     if (std::fabs(n.at("p")[0].get<double>() - kCell) < 1e-9) {
-      EXPECT_EQ(n.at("color"), Rgb(0.05, 0.5, 0.95));
+      EXPECT_EQ(n.at("color"), RgbPaint(0.05, 0.5, 0.95));
     }
 }
 
@@ -124,8 +124,8 @@ TEST(Join, ResultTakesTheFirstMeshsOpacityAndBlend) {
   art[0]["opacity"] = 0.4;
   art[0]["blend"] = "screen";
   art[1]["opacity"] = 0.8;
-  Session s(Doc(art));
-  const json mesh = Children(s.run(kJoinDocked))[0];
+  Session s(DocJson(art));
+  const json mesh = Children(s.runWritten(kCmdSewDocked))[0];
   EXPECT_DOUBLE_EQ(mesh.at("opacity").get<double>(), 0.4);
   EXPECT_EQ(mesh.at("blend"), "screen");
 }
@@ -139,9 +139,9 @@ class EachGap : public ::testing::TestWithParam<Gap> {};
 
 TEST_P(EachGap, DockingTolerance) {
   const Block b{"Row", 1, 3, 1, 1, {0, 1, 2}};
-  Session s(Doc(Arrange(b, GetParam().gap)));
+  Session s(DocJson(Arrange(b, GetParam().gap)));
   const json before = s.written();
-  const json after = s.run(kJoinDocked);
+  const json after = s.runWritten(kCmdSewDocked);
   if (GetParam().joins) {
     ASSERT_EQ(Children(after).size(), 1u);
     EXPECT_EQ(Children(after)[0].at("size"), json::array({3, 1}));
@@ -177,9 +177,9 @@ TEST(Join, RefusedArrangementsChangeNothing) {
       }(),
   };
   for (size_t k = 0; k < docs.size(); ++k) {
-    Session s(Doc(docs[k]));
+    Session s(DocJson(docs[k]));
     const json before = s.written();
-    EXPECT_EQ(s.run(kJoinDocked), before) << "arrangement " << k;
+    EXPECT_EQ(s.runWritten(kCmdSewDocked), before) << "arrangement " << k;
   }
 }
 
@@ -188,21 +188,22 @@ TEST(Join, RefusedArrangementsChangeNothing) {
 TEST(Join, OneMeshIsNotJoined) {
   std::vector<json> art = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
   art[1]["selected"] = false;
-  Session s(Doc(art));
+  Session s(DocJson(art));
   const json before = s.written();
-  EXPECT_EQ(s.run(kJoinDocked), before);
+  EXPECT_EQ(s.runWritten(kCmdSewDocked), before);
 }
 
 // Meshes that were the only children of a group leave it: the result
 // stands where the group stood and the emptied group is gone.
 TEST(Join, MeshesLeaveTheirGroup) {
   json group = {{"type", "group"}, {"id", "g"}, {"children", Arrange({"Pair", 1, 2, 1, 1, {0, 1}})}};
-  json other = MeshArt(Grid{});
+  json other = MeshJson(Cells(1, 1));
   other["id"] = "other";
   other["selected"] = false;
   other["nodes"][0]["p"] = {100, 100};
-  Session s(Doc({group, other}));
-  const json kids = Children(s.run(kJoinDocked));
+  other.erase("runs");  // straight again from the moved node
+  Session s(DocJson({group, other}));
+  const json kids = Children(s.runWritten(kCmdSewDocked));
   ASSERT_EQ(kids.size(), 2u);
   EXPECT_EQ(kids[0].at("type"), "mesh");
   EXPECT_EQ(kids[0].at("size"), json::array({2, 1}));
@@ -212,14 +213,15 @@ TEST(Join, MeshesLeaveTheirGroup) {
 // A group that keeps other art keeps the result too.
 TEST(Join, GroupWithOtherArtKeepsTheResult) {
   std::vector<json> inside = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
-  json extra = MeshArt(Grid{});
+  json extra = MeshJson(Cells(1, 1));
   extra["id"] = "extra";
   extra["selected"] = false;
   for (json& n : extra["nodes"]) n["p"][0] = n["p"][0].get<double>() + 100;
+  extra.erase("runs");
   inside.push_back(extra);
   json group = {{"type", "group"}, {"id", "g"}, {"children", inside}};
-  Session s(Doc({group}));
-  const json kids = Children(s.run(kJoinDocked));
+  Session s(DocJson({group}));
+  const json kids = Children(s.runWritten(kCmdSewDocked));
   ASSERT_EQ(kids.size(), 1u);
   EXPECT_EQ(kids[0].at("id"), "g");
   ASSERT_EQ(kids[0].at("children").size(), 2u);
@@ -235,8 +237,8 @@ TEST(Join, MeshesWinOverPaths) {
                    {"selected", true},
                    {"id", "p" + std::to_string(k)},
                    {"segments", {{{"p", {200.0 + k, 0}}}, {{"p", {200.0 + k, 10}}}}}});
-  Session s(Doc(art));
-  const json kids = Children(s.run(kJoinDocked));
+  Session s(DocJson(art));
+  const json kids = Children(s.runWritten(kCmdSewDocked));
   ASSERT_EQ(kids.size(), 5u);
   EXPECT_EQ(kids[0].at("type"), "mesh");
   EXPECT_EQ(kids[0].at("size"), json::array({2, 1}));
@@ -244,4 +246,4 @@ TEST(Join, MeshesWinOverPaths) {
 }
 
 }  // namespace
-}  // namespace sewtest
+}  // namespace lbtest

@@ -5,28 +5,28 @@
 // result, and the cases that change nothing.
 #include <gtest/gtest.h>
 
-#include "commands/sew/SewDoc.h"
+#include "support/Session.h"
 
-namespace sewtest {
+namespace lbtest {
 namespace {
 
 using P = std::pair<double, double>;
 
-Grid Lower() {
-  Grid g;
+MeshSpec Lower() {
+  MeshSpec g = Cells(1, 1);
   g.id = "a";
-  g.paint = [](int i, int j) { return Gray(0.1 * ((i + 2 * j) % 10)); };
-  g.opacity = [](int i, int j) { return 0.2 + 0.2 * (i % 2) + 0.4 * (j % 2); };
+  g.colorAt = [](int i, int j) { return GrayPaint(0.1 * ((i + 2 * j) % 10)); };
+  g.opacityAt = [](int i, int j) { return 0.2 + 0.2 * (i % 2) + 0.4 * (j % 2); };
   return g;
 }
 
 // Mesh b docked on top of mesh a (its side 0 on a's side 2).
-Grid Upper() {
-  Grid g;
+MeshSpec Upper() {
+  MeshSpec g = Cells(1, 1);
   g.id = "b";
-  g.v0 = 10;
-  g.paint = [](int i, int j) { return Rgb(0.2 * (i % 5), 0.3 * (j % 3), 0.5); };
-  g.opacity = [](int i, int j) { return 0.1 + 0.1 * (i % 2) + 0.2 * (j % 2); };
+  g.y0 = 10;
+  g.colorAt = [](int i, int j) { return RgbPaint(0.2 * (i % 5), 0.3 * (j % 3), 0.5); };
+  g.opacityAt = [](int i, int j) { return 0.1 + 0.1 * (i % 2) + 0.2 * (j % 2); };
   return g;
 }
 
@@ -39,33 +39,33 @@ struct Variant {
 };
 
 const Variant kVariants[] = {
-    {"MoveDirect", kSewMove, false, false, 1, 2, {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {0, 20}, {10, 20}}},
-    {"MoveReverse", kSewMove, true, false, 1, 2, {{0, 0}, {10, 0}, {5, 10}, {5, 10}, {10, 20}, {0, 20}}},
-    {"MoveSecondPair", kSewMove, false, true, 2, 1, {{0, 0}, {10, 10}, {0, 20}, {0, 10}, {10, 10}, {0, 10}}},
-    {"MoveSecondPairReverse", kSewMove, true, true, 2, 1, {{0, 0}, {10, 5}, {0, 10}, {0, 10}, {10, 15}, {0, 20}}},
+    {"MoveDirect", kCmdSewMeshMove, false, false, 1, 2, {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {0, 20}, {10, 20}}},
+    {"MoveReverse", kCmdSewMeshMove, true, false, 1, 2, {{0, 0}, {10, 0}, {5, 10}, {5, 10}, {10, 20}, {0, 20}}},
+    {"MoveSecondPair", kCmdSewMeshMove, false, true, 2, 1, {{0, 0}, {10, 10}, {0, 20}, {0, 10}, {10, 10}, {0, 10}}},
+    {"MoveSecondPairReverse", kCmdSewMeshMove, true, true, 2, 1, {{0, 0}, {10, 5}, {0, 10}, {0, 10}, {10, 15}, {0, 20}}},
     {"RowDirect",
-     kSewAddRow,
+     kCmdSewMeshAdd,
      false,
      false,
      1,
      3,
      {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {0, 10}, {10, 10}, {0, 20}, {10, 20}}},
     {"RowReverse",
-     kSewAddRow,
+     kCmdSewMeshAdd,
      true,
      false,
      1,
      3,
      {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {10, 10}, {0, 10}, {10, 20}, {0, 20}}},
     {"RowSecondPair",
-     kSewAddRow,
+     kCmdSewMeshAdd,
      false,
      true,
      3,
      1,
      {{0, 0}, {10, 0}, {10, 20}, {0, 20}, {0, 10}, {10, 10}, {10, 10}, {0, 10}}},
     {"RowSecondPairReverse",
-     kSewAddRow,
+     kCmdSewMeshAdd,
      true,
      true,
      3,
@@ -77,8 +77,8 @@ class EachVariant : public ::testing::TestWithParam<Variant> {};
 
 TEST_P(EachVariant, NodeTableOfTheSewnMesh) {
   const Variant& v = GetParam();
-  Session s(Doc({MeshArt(Lower()), MeshArt(Upper())}));
-  const json out = s.run(v.id, v.alt, v.ctrl);
+  Session s(DocJson({MeshJson(Lower()), MeshJson(Upper())}));
+  const json out = s.runWritten(v.id, v.alt, v.ctrl);
   ASSERT_EQ(Children(out).size(), 1u);
   const json& mesh = Children(out)[0];
   EXPECT_EQ(mesh.at("size"), json::array({v.I, v.J}));
@@ -93,17 +93,17 @@ INSTANTIATE_TEST_SUITE_P(Sew, EachVariant, ::testing::ValuesIn(kVariants),
 // Moving vertices: each seam node takes the average of both meshes' paint;
 // the rest keep their own.
 TEST(SewMove, SeamNodesAverageColourAndOpacity) {
-  Session s(Doc({MeshArt(Lower()), MeshArt(Upper())}));
-  const json mesh = Children(s.run(kSewMove))[0];
+  Session s(DocJson({MeshJson(Lower()), MeshJson(Upper())}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
   // a (0, 1) gray 0.2 / opacity 0.6 meets b (0, 0) rgb (0, 0, 0.5) / 0.1.
-  EXPECT_EQ(NodeAt(mesh, 0, 1).at("color"), Rgb(0.1, 0.1, 0.35));
+  EXPECT_EQ(NodeAt(mesh, 0, 1).at("color"), RgbPaint(0.1, 0.1, 0.35));
   EXPECT_DOUBLE_EQ(NodeAt(mesh, 0, 1).at("opacity").get<double>(), 0.35);
   // a (1, 1) gray 0.3 / 0.8 meets b (1, 0) rgb (0.2, 0, 0.5) / 0.2.
-  EXPECT_EQ(NodeAt(mesh, 1, 1).at("color"), Rgb(0.25, 0.15000000000000002, 0.4));
+  EXPECT_EQ(NodeAt(mesh, 1, 1).at("color"), RgbPaint(0.25, 0.15000000000000002, 0.4));
   EXPECT_DOUBLE_EQ(NodeAt(mesh, 1, 1).at("opacity").get<double>(), 0.5);
-  EXPECT_EQ(NodeAt(mesh, 1, 0).at("color"), Gray(0.1));
+  EXPECT_EQ(NodeAt(mesh, 1, 0).at("color"), GrayPaint(0.1));
   EXPECT_DOUBLE_EQ(NodeAt(mesh, 1, 0).at("opacity").get<double>(), 0.4);
-  EXPECT_EQ(NodeAt(mesh, 0, 2).at("color"), Rgb(0, 0.3, 0.5));
+  EXPECT_EQ(NodeAt(mesh, 0, 2).at("color"), RgbPaint(0, 0.3, 0.5));
   EXPECT_DOUBLE_EQ(NodeAt(mesh, 0, 2).at("opacity").get<double>(), 0.3);
 }
 
@@ -115,26 +115,26 @@ struct Blend {
 // A gray node first takes the other's kind (RGB g, g, g; CMYK 0, 0, 0, g);
 // then components are averaged in the first node's kind.
 const Blend kBlends[] = {
-    {"GrayGray", Gray(0.2), Gray(0.6), Gray(0.4)},
-    {"GrayRgb", Gray(0.2), Rgb(0.4, 0.6, 1.0), Rgb(0.30000000000000004, 0.4, 0.6)},
-    {"RgbGray", Rgb(0.4, 0.6, 1.0), Gray(0.2), Rgb(0.30000000000000004, 0.4, 0.6)},
-    {"GrayCmyk", Gray(0.4), Cmyk(0.2, 0.4, 0.6, 0.8), Cmyk(0.1, 0.2, 0.3, 0.6000000000000001)},
-    {"CmykGray", Cmyk(0.2, 0.4, 0.6, 0.8), Gray(0.4), Cmyk(0.1, 0.2, 0.3, 0.6000000000000001)},
-    {"RgbRgb", Rgb(0, 0.5, 1), Rgb(1, 0.5, 0), Rgb(0.5, 0.5, 0.5)},
-    {"CmykCmyk", Cmyk(0, 0, 0, 0), Cmyk(1, 1, 1, 1), Cmyk(0.5, 0.5, 0.5, 0.5)},
+    {"GrayGray", GrayPaint(0.2), GrayPaint(0.6), GrayPaint(0.4)},
+    {"GrayRgb", GrayPaint(0.2), RgbPaint(0.4, 0.6, 1.0), RgbPaint(0.30000000000000004, 0.4, 0.6)},
+    {"RgbGray", RgbPaint(0.4, 0.6, 1.0), GrayPaint(0.2), RgbPaint(0.30000000000000004, 0.4, 0.6)},
+    {"GrayCmyk", GrayPaint(0.4), CmykPaint(0.2, 0.4, 0.6, 0.8), CmykPaint(0.1, 0.2, 0.3, 0.6000000000000001)},
+    {"CmykGray", CmykPaint(0.2, 0.4, 0.6, 0.8), GrayPaint(0.4), CmykPaint(0.1, 0.2, 0.3, 0.6000000000000001)},
+    {"RgbRgb", RgbPaint(0, 0.5, 1), RgbPaint(1, 0.5, 0), RgbPaint(0.5, 0.5, 0.5)},
+    {"CmykCmyk", CmykPaint(0, 0, 0, 0), CmykPaint(1, 1, 1, 1), CmykPaint(0.5, 0.5, 0.5, 0.5)},
     // Neither gray: the second colour's components are read in the first's kind.
-    {"RgbCmyk", Rgb(0.2, 0.4, 0.6), Cmyk(0.4, 0.6, 0.8, 1.0), Rgb(0.30000000000000004, 0.5, 0.7)},
+    {"RgbCmyk", RgbPaint(0.2, 0.4, 0.6), CmykPaint(0.4, 0.6, 0.8, 1.0), RgbPaint(0.30000000000000004, 0.5, 0.7)},
 };
 
 class EachBlend : public ::testing::TestWithParam<Blend> {};
 
 TEST_P(EachBlend, SeamColour) {
   const Blend& b = GetParam();
-  Grid a = Lower(), c = Upper();
-  a.paint = [&](int, int j) { return j == 1 ? b.first : Gray(0); };
-  c.paint = [&](int, int j) { return j == 0 ? b.second : Gray(0); };
-  Session s(Doc({MeshArt(a), MeshArt(c)}));
-  const json mesh = Children(s.run(kSewMove))[0];
+  MeshSpec a = Lower(), c = Upper();
+  a.colorAt = [&](int, int j) { return j == 1 ? b.first : GrayPaint(0); };
+  c.colorAt = [&](int, int j) { return j == 0 ? b.second : GrayPaint(0); };
+  Session s(DocJson({MeshJson(a), MeshJson(c)}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
   EXPECT_EQ(NodeAt(mesh, 0, 1).at("color"), b.want);
   EXPECT_EQ(NodeAt(mesh, 1, 1).at("color"), b.want);
 }
@@ -160,16 +160,16 @@ class EachSplit : public ::testing::TestWithParam<Split> {};
 
 TEST_P(EachSplit, InsertsGridLinesWhereTheCountsSay) {
   const Split& sp = GetParam();
-  Grid small = Lower(), big = Upper();
+  MeshSpec small = Lower(), big = Upper();
   small.I = sp.small;
-  small.w = 30.0 / sp.small;
-  small.opacity = [](int i, int) { return 0.1 * (i % 4); };
+  small.dx = 30.0 / sp.small;
+  small.opacityAt = [](int i, int) { return 0.1 * (i % 4); };
   big.I = sp.big;
-  big.w = 30.0 / sp.big;
-  big.v0 = 20;  // a gap: the added row spans it
-  Session s(Doc(sp.smallFirst ? std::vector<json>{MeshArt(small), MeshArt(big)}
-                              : std::vector<json>{MeshArt(big), MeshArt(small)}));
-  const json mesh = Children(s.run(kSewAddRow))[0];
+  big.dx = 30.0 / sp.big;
+  big.y0 = 20;  // a gap: the added row spans it
+  Session s(DocJson(sp.smallFirst ? std::vector<json>{MeshJson(small), MeshJson(big)}
+                              : std::vector<json>{MeshJson(big), MeshJson(small)}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
   ASSERT_EQ(mesh.at("size")[0], sp.big);
   ASSERT_EQ(mesh.at("size")[1], 3);
   // The small mesh's row at the seam: the small mesh lies below the big
@@ -189,24 +189,24 @@ INSTANTIATE_TEST_SUITE_P(Sew, EachSplit, ::testing::ValuesIn(kSplits),
 // is split and t = (r - 1) / r of each insertion, so a cell split in three
 // gets A + (B - A) / 2 and A + (B - A) 2 / 3 on its inner lines.
 TEST(SewEqualise, InsertedLinesOpacity) {
-  Grid small = Lower(), big = Upper();
+  MeshSpec small = Lower(), big = Upper();
   small.I = 3;
-  small.opacity = [](int i, int) { return 0.1 + 0.3 * i; };  // 0.1, 0.4, 0.7, 1.0
+  small.opacityAt = [](int i, int) { return 0.1 + 0.3 * i; };  // 0.1, 0.4, 0.7, 1.0
   big.I = 8;
-  big.w = 30.0 / 8;
-  big.v0 = 20;
-  Session s(Doc({MeshArt(small), MeshArt(big)}));
-  const json mesh = Children(s.run(kSewAddRow))[0];
+  big.dx = 30.0 / 8;
+  big.y0 = 20;
+  Session s(DocJson({MeshJson(small), MeshJson(big)}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
   const double want[9] = {0.1, 0.25, 0.4, 0.55, 0.6, 0.7, 0.85, 0.9, 1.0};
   for (int i = 0; i <= 8; ++i)
     EXPECT_NEAR(NodeAt(mesh, i, 0).at("opacity").get<double>(), want[i], 1e-12) << "node " << i;
 }
 
 TEST(SewEqualise, EqualCountsInsertNothing) {
-  Grid a = Lower(), b = Upper();
+  MeshSpec a = Lower(), b = Upper();
   a.I = b.I = 4;
-  Session s(Doc({MeshArt(a), MeshArt(b)}));
-  const json mesh = Children(s.run(kSewMove))[0];
+  Session s(DocJson({MeshJson(a), MeshJson(b)}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
   EXPECT_EQ(mesh.at("size"), json::array({4, 2}));
   for (int i = 0; i <= 4; ++i) EXPECT_DOUBLE_EQ(NodeAt(mesh, i, 1).at("p")[0].get<double>(), 10.0 * i);
 }
@@ -218,20 +218,20 @@ TEST(SewEqualise, EqualCountsInsertNothing) {
 class SeamKnots : public ::testing::TestWithParam<bool> {};
 
 TEST_P(SeamKnots, SeamTakesTheMiddleCurve) {
-  json a = MeshArt(Lower());
+  json a = MeshJson(Lower());
   a["runs"] = json::array({{{"node", {0, 1}},
                             {"axis", "I"},
                             {"points", {{0, 10}, {2, 11}, {4, 12}, {5, 12}, {6, 12}, {8, 11}, {10, 10}}},
                             {"inner", {{{"kind", "knot"}}}}}});
-  json b = MeshArt(Upper());
+  json b = MeshJson(Upper());
   if (GetParam())
     b["runs"] = json::array(
         {{{"node", {0, 0}},
           {"axis", "I"},
           {"points", {{0, 10}, {5.0 / 3, 10}, {10.0 / 3, 10}, {5, 10}, {20.0 / 3, 10}, {25.0 / 3, 10}, {10, 10}}},
           {"inner", {{{"kind", "vertex"}, {"selected", false}, {"smooth", {true, true}}}}}}});
-  Session s(Doc({a, b}));
-  const json mesh = Children(s.run(kSewMove))[0];
+  Session s(DocJson({a, b}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
   const json* seam = nullptr;
   for (const json& r : mesh.at("runs"))
     if (r.at("node") == json::array({0, 1}) && r.at("axis") == "I") seam = &r;
@@ -251,10 +251,10 @@ INSTANTIATE_TEST_SUITE_P(Sew, SeamKnots, ::testing::Bool(),
 
 // Moving vertices: handles across the seam move with their node.
 TEST(SewMove, HandlesAcrossTheSeamMoveWithTheNode) {
-  Grid b = Upper();
-  b.v0 = 12;  // seam nodes meet at v = 11
-  Session s(Doc({MeshArt(Lower()), MeshArt(b)}));
-  const json mesh = Children(s.run(kSewMove))[0];
+  MeshSpec b = Upper();
+  b.y0 = 12;  // seam nodes meet at v = 11
+  Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
   for (const json& r : mesh.at("runs")) {
     if (r.at("axis") != "J") continue;
     const int j = r.at("node")[1];
@@ -272,10 +272,10 @@ TEST(SewMove, HandlesAcrossTheSeamMoveWithTheNode) {
 // Adding a row: each crossing segment gets handles a third of the node
 // distance long, continuing the lines of both meshes.
 TEST(SewAddRow, CrossingHandlesContinueBothMeshes) {
-  Grid b = Upper();
-  b.v0 = 16;
-  Session s(Doc({MeshArt(Lower()), MeshArt(b)}));
-  const json mesh = Children(s.run(kSewAddRow))[0];
+  MeshSpec b = Upper();
+  b.y0 = 16;
+  Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
   int seen = 0;
   for (const json& r : mesh.at("runs")) {
     if (r.at("axis") != "J" || r.at("node")[1] != 1) continue;
@@ -297,20 +297,20 @@ TEST(SewAddRow, CrossingHandlesContinueBothMeshes) {
 // the seam runs along J. Selecting the bottom corners of both meshes sews
 // their bottom sides instead (b turned half round below a).
 TEST(SewSides, SelectedCornersChooseTheSides) {
-  Grid a = Lower(), b = Lower();
+  MeshSpec a = Lower(), b = Lower();
   b.id = "b";
-  b.h0 = 10;
+  b.x0 = 10;
   {
-    Session s(Doc({MeshArt(a), MeshArt(b)}));
-    const json mesh = Children(s.run(kSewAddRow))[0];
+    Session s(DocJson({MeshJson(a), MeshJson(b)}));
+    const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
     EXPECT_EQ(mesh.at("size"), json::array({3, 1}));
     EXPECT_EQ(Positions(mesh), (std::vector<P>{{0, 0}, {10, 0}, {10, 0}, {20, 0}, {0, 10}, {10, 10}, {10, 10}, {20, 10}}));
   }
-  json ja = MeshArt(a), jb = MeshArt(b);
+  json ja = MeshJson(a), jb = MeshJson(b);
   for (json* m : {&ja, &jb})
     for (size_t k = 0; k < 4; ++k) (*m)["nodes"][k]["selected"] = k < 2;
-  Session s(Doc({ja, jb}));
-  const json mesh = Children(s.run(kSewAddRow))[0];
+  Session s(DocJson({ja, jb}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
   EXPECT_EQ(mesh.at("size"), json::array({1, 3}));
   EXPECT_EQ(Positions(mesh), (std::vector<P>{{20, 10}, {10, 10}, {20, 0}, {10, 0}, {0, 0}, {10, 0}, {0, 10}, {10, 10}}));
 }
@@ -318,36 +318,37 @@ TEST(SewSides, SelectedCornersChooseTheSides) {
 // Sides along different axes: b lies to the right of a turned a quarter,
 // its side 0 facing a's side 1; b is copied with its axes exchanged.
 TEST(SewSides, RowToColumn) {
-  Grid a = Lower();
+  MeshSpec a = Lower();
   a.J = 2;
-  a.h = 5;
-  Grid b = Upper();
-  b.v0 = 0;
-  b.h0 = 10;
+  a.dy = 5;
+  MeshSpec b = Upper();
+  b.y0 = 0;
+  b.x0 = 10;
   b.I = 2;
-  b.w = 5;  // b's side 0 is 10 long with 2 cells, like a's side 1
+  b.dx = 5;  // b's side 0 is 10 long with 2 cells, like a's side 1
   // Turn b so that its side 0 lies on x = 10: node (i, j) at (10 + 10 j, 5 i).
-  json jb = MeshArt(b);
+  json jb = MeshJson(b);
+  jb.erase("runs");
   for (int j = 0; j <= 1; ++j)
     for (int i = 0; i <= 2; ++i) jb["nodes"][static_cast<size_t>(j * 3 + i)]["p"] = {10.0 + 10 * j, 5.0 * i};
-  Session s(Doc({MeshArt(a), jb}));
-  const json mesh = Children(s.run(kSewMove))[0];
+  Session s(DocJson({MeshJson(a), jb}));
+  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
   EXPECT_EQ(mesh.at("size"), json::array({2, 2}));
   EXPECT_EQ(Positions(mesh), (std::vector<P>{{0, 0}, {10, 0}, {20, 0}, {0, 5}, {10, 5}, {20, 5}, {0, 10}, {10, 10}, {20, 10}}));
 }
 
 TEST(SewResult, PaintOrderSelectionOpacityAndBlend) {
-  Grid a = Lower(), b = Upper(), c = Lower();
+  MeshSpec a = Lower(), b = Upper(), c = Lower();
   a.artOpacity = 0.5;
   a.blend = "multiply";
   b.artOpacity = 0.9;
   c.id = "c";
-  c.h0 = 100;
-  c.selected = false;
-  json top = MeshArt(c);
+  c.x0 = 100;
+  c.artSelected = false;
+  json top = MeshJson(c);
   top["id"] = "top";
-  Session s(Doc({top, MeshArt(a), MeshArt(b), MeshArt(c)}));
-  const json kids = Children(s.run(kSewMove));
+  Session s(DocJson({top, MeshJson(a), MeshJson(b), MeshJson(c)}));
+  const json kids = Children(s.runWritten(kCmdSewMeshMove));
   ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(kids[0].at("id"), "top");
   EXPECT_FALSE(kids[1].contains("id") && kids[1]["id"].is_string() && !kids[1]["id"].get<std::string>().empty());
@@ -359,11 +360,11 @@ TEST(SewResult, PaintOrderSelectionOpacityAndBlend) {
 }
 
 TEST(SewResult, ThirdSelectedMeshStaysSelected) {
-  Grid c = Lower();
+  MeshSpec c = Lower();
   c.id = "c";
-  c.h0 = 100;
-  Session s(Doc({MeshArt(Lower()), MeshArt(Upper()), MeshArt(c)}));
-  const json kids = Children(s.run(kSewAddRow));
+  c.x0 = 100;
+  Session s(DocJson({MeshJson(Lower()), MeshJson(Upper()), MeshJson(c)}));
+  const json kids = Children(s.runWritten(kCmdSewMeshAdd));
   ASSERT_EQ(kids.size(), 2u);
   EXPECT_EQ(kids[0].at("size"), json::array({1, 3}));
   EXPECT_EQ(kids[1].at("id"), "c");
@@ -373,14 +374,14 @@ TEST(SewResult, ThirdSelectedMeshStaysSelected) {
 class FewerThanTwo : public ::testing::TestWithParam<int> {};
 
 TEST_P(FewerThanTwo, ChangesNothing) {
-  Grid b = Upper();
-  b.selected = false;
-  Session s(Doc({MeshArt(Lower()), MeshArt(b)}));
+  MeshSpec b = Upper();
+  b.artSelected = false;
+  Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
   const json before = s.written();
-  for (int v = 0; v < 4; ++v) EXPECT_EQ(s.run(GetParam(), v & 1, v & 2), before);
+  for (int v = 0; v < 4; ++v) EXPECT_EQ(s.runWritten(GetParam(), v & 1, v & 2), before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sew, FewerThanTwo, ::testing::Values(kSewMove, kSewAddRow));
+INSTANTIATE_TEST_SUITE_P(Sew, FewerThanTwo, ::testing::Values(kCmdSewMeshMove, kCmdSewMeshAdd));
 
 }  // namespace
-}  // namespace sewtest
+}  // namespace lbtest

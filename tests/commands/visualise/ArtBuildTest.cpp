@@ -6,6 +6,7 @@
 #include "Suites.h"
 #include "VisDoc.h"
 #include "host/SuiteRegistry.h"
+#include "io/Lbdoc.h"
 
 namespace vistest {
 namespace {
@@ -20,7 +21,7 @@ class ArtBuild : public ::testing::Test {
   void SetUp() override {
     json group = {{"type", "group"}, {"name", "G"}, {"children", json::array()}};
     json styles = json::array({Style("S", 2.5)});
-    host = std::make_unique<lb::host::Host>(lb::io::readDocument(Doc(json::array({group}), styles)));
+    host = std::make_unique<lb::host::Host>(lb::io::readDocument(StyledDoc({group}, styles).dump()));
     lb::s::sArt = Find<AIArtSuite>(kAIArtSuite, kAIArtSuiteVersion);
     lb::s::sPath = Find<AIPathSuite>(kAIPathSuite, kAIPathSuiteVersion);
     lb::s::sPathStyle = Find<AIPathStyleSuite>(kAIPathStyleSuite, kAIPathStyleSuiteVersion);

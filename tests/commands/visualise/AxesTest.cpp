@@ -9,8 +9,8 @@ namespace {
 constexpr int kAxes = kCmdAxesAndNodes;
 
 TEST(Axes, FourByThreeMeshHalfAxesAndNamedCorners) {
-  Session s(MeshDoc({{4, 3}}));
-  const json kids = s.run(kAxes);
+  Session s(MeshDoc({Cells(4, 3)}));
+  const json kids = s.runLayer(kAxes);
   // "Coords" is made first; "Corner Nodes" then lands between it and the mesh.
   ASSERT_EQ(Names(kids), (std::vector<std::string>{"Coords", "Corner Nodes", ""}));
   const json& coords = kids[0];
@@ -46,8 +46,8 @@ struct ModeCase {
 class AxesModes : public ::testing::TestWithParam<ModeCase> {};
 
 TEST_P(AxesModes, ModifiersChooseTheMarks) {
-  Session s(MeshDoc({{1, 1}}));
-  const json kids = s.run(kAxes, GetParam().alt, GetParam().ctrl);
+  Session s(MeshDoc({Cells(1, 1)}));
+  const json kids = s.runLayer(kAxes, GetParam().alt, GetParam().ctrl);
   EXPECT_EQ(Names(kids), GetParam().made);
 }
 
@@ -60,31 +60,31 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.title); });
 
 TEST(Axes, OneCellAxesCoverWholeSides) {
-  Session s(MeshDoc({{1, 1}}));
-  const json kids = s.run(kAxes, false, true);
+  Session s(MeshDoc({Cells(1, 1)}));
+  const json kids = s.runLayer(kAxes, false, true);
   EXPECT_EQ(Anchors(Child(kids[0], "I-axis")), (Pts{{0, 0}, {10, 0}}));
   EXPECT_EQ(Anchors(Child(kids[0], "J-axis")), (Pts{{0, 0}, {0, 10}}));
 }
 
 TEST(Axes, VerticesDoNotCountTowardsTheLength) {
-  MeshSpec m{2, 3};
+  MeshSpec m = Cells(2, 3);
   m.runs.push_back(SplitRun(m, 0, 0, 'I', {{"kind", "vertex"}}));
   m.runs.push_back(SplitRun(m, 0, 1, 'J', {{"kind", "knot"}}));
   Session s(MeshDoc({m}));
-  const json kids = s.run(kAxes, false, true);
+  const json kids = s.runLayer(kAxes, false, true);
   EXPECT_EQ(Anchors(Child(kids[0], "I-axis")), (Pts{{0, 0}, {5, 0}, {10, 0}}));
   // J: 3 cells, the larger half is 2; the knot on the second run is drawn.
   EXPECT_EQ(Anchors(Child(kids[0], "J-axis")), (Pts{{0, 0}, {0, 10}, {0, 15}, {0, 20}}));
 }
 
 TEST(Axes, MeshMarkedWholeWhateverItsVertexSelection) {
-  MeshSpec m{2, 2};
+  MeshSpec m = Cells(2, 2);
   m.whole = false;  // art selected, no vertex selected
-  MeshSpec off{1, 1};
+  MeshSpec off = Cells(1, 1);
   off.artSelected = false;
   off.x0 = 50;
   Session s(MeshDoc({m, off}));
-  const json kids = s.run(kAxes, true, false);
+  const json kids = s.runLayer(kAxes, true, false);
   ASSERT_EQ(Names(kids), (std::vector<std::string>{"Corner Nodes", "", ""}));
   EXPECT_EQ(Names(kids[0].at("children")), (std::vector<std::string>{"0,0", "2,0", "0,2", "2,2"}));
 }

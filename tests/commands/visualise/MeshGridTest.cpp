@@ -25,8 +25,8 @@ std::vector<Pts> LinePaths(const json& axisGroup, const std::string& line) {
 }
 
 TEST(MeshGrid, WholeMeshEachLineOnePathInOrder) {
-  Session s(MeshDoc({{2, 1}}));
-  const json kids = s.run(kGrid);
+  Session s(MeshDoc({Cells(2, 1)}));
+  const json kids = s.runLayer(kGrid);
   ASSERT_EQ(Names(kids), (std::vector<std::string>{"MeshGrid", ""}));
   const json& grid = kids[0];
   EXPECT_EQ(grid.at("type"), "group");
@@ -71,10 +71,10 @@ struct CutCase {
 class MeshGridCuts : public ::testing::TestWithParam<CutCase> {};
 
 TEST_P(MeshGridCuts, PathsEndWhereTheVariantSays) {
-  MeshSpec m{2, 1};
+  MeshSpec m = Cells(2, 1);
   m.runs.push_back(SplitRun(m, 0, 0, 'I', {{"kind", "vertex"}}));
   Session s(MeshDoc({m}));
-  const json kids = s.run(kGrid, GetParam().alt, GetParam().ctrl);
+  const json kids = s.runLayer(kGrid, GetParam().alt, GetParam().ctrl);
   const json& axI = Child(kids[0], "I-axis");
   EXPECT_EQ(LinePaths(axI, "J=0"), GetParam().j0);
   // The other lines have no vertex: one path, or one per segment.
@@ -89,11 +89,11 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.title); });
 
 TEST(MeshGrid, OneCellSelectedDrawsItsFourSides) {
-  MeshSpec m{3, 2};
+  MeshSpec m = Cells(3, 2);
   m.whole = false;
   m.selected = {{1, 0}, {2, 0}, {1, 1}, {2, 1}};
   Session s(MeshDoc({m}));
-  const json kids = s.run(kGrid);
+  const json kids = s.runLayer(kGrid);
   const json& grid = kids[0];
   const json& axI = Child(grid, "I-axis");
   const json& axJ = Child(grid, "J-axis");
@@ -104,11 +104,11 @@ TEST(MeshGrid, OneCellSelectedDrawsItsFourSides) {
 }
 
 TEST(MeshGrid, UnselectedVertexBreaksTheLineAndEmptyAxisGoes) {
-  MeshSpec m{4, 1};
+  MeshSpec m = Cells(4, 1);
   m.whole = false;
   m.selected = {{0, 0}, {1, 0}, {3, 0}, {4, 0}};
   Session s(MeshDoc({m}));
-  const json kids = s.run(kGrid);
+  const json kids = s.runLayer(kGrid);
   const json& grid = kids[0];
   // No line along J has both ends selected.
   EXPECT_EQ(Names(grid.at("children")), (std::vector<std::string>{"I-axis"}));
@@ -116,27 +116,27 @@ TEST(MeshGrid, UnselectedVertexBreaksTheLineAndEmptyAxisGoes) {
 }
 
 TEST(MeshGrid, UnselectedNonNodeVertexBreaksTheRun) {
-  MeshSpec m{1, 1};
+  MeshSpec m = Cells(1, 1);
   m.whole = false;
   m.selected = {{0, 0}, {1, 0}};
   m.runs.push_back(SplitRun(m, 0, 0, 'I', {{"kind", "vertex"}, {"selected", false}}));
   Session s(MeshDoc({m}));
-  const json kids = s.run(kGrid);
+  const json kids = s.runLayer(kGrid);
   // Both halves touch the unselected vertex: nothing is drawn at all.
   EXPECT_EQ(Names(kids), (std::vector<std::string>{""}));
 }
 
 TEST(MeshGrid, NoSelectedVertexLeavesNoArt) {
-  MeshSpec m{2, 2};
+  MeshSpec m = Cells(2, 2);
   m.whole = false;
   m.selected = {{1, 1}};  // a lone node: no segment has both ends selected
   Session s(MeshDoc({m}));
-  EXPECT_EQ(s.run(kGrid).size(), 1u);
+  EXPECT_EQ(s.runLayer(kGrid).size(), 1u);
 }
 
 TEST(MeshGrid, TwoDigitLineNames) {
-  Session s(MeshDoc({{11, 1}}));
-  const json kids = s.run(kGrid);
+  Session s(MeshDoc({Cells(11, 1)}));
+  const json kids = s.runLayer(kGrid);
   const auto names = Names(Child(kids[0], "J-axis").at("children"));
   ASSERT_EQ(names.size(), 12u);
   EXPECT_EQ(names[10], "I=10");
@@ -144,12 +144,12 @@ TEST(MeshGrid, TwoDigitLineNames) {
 }
 
 TEST(MeshGrid, EachMeshGetsItsGridDirectlyAboveItInsideItsGroup) {
-  MeshSpec a{1, 1}, b{1, 1};
+  MeshSpec a = Cells(1, 1), b = Cells(1, 1);
   b.x0 = 100;
   json other = {{"type", "path"}, {"name", "other"}, {"segments", {{{"p", {0, 0}}}}}};
-  json group = {{"type", "group"}, {"name", "G"}, {"children", {MeshArt(a), other}}};
-  Session s(Doc({group, MeshArt(b)}));
-  const json kids = s.run(kGrid);
+  json group = {{"type", "group"}, {"name", "G"}, {"children", {MeshJson(a), other}}};
+  Session s(DocJson({group, MeshJson(b)}));
+  const json kids = s.runLayer(kGrid);
   ASSERT_EQ(Names(kids), (std::vector<std::string>{"G", "MeshGrid", ""}));
   EXPECT_EQ(Names(kids[0].at("children")), (std::vector<std::string>{"MeshGrid", "", "other"}));
   EXPECT_EQ(Anchors(Child(Child(kids[1], "J-axis"), "I=0")), (Pts{{100, 0}, {100, 10}}));
@@ -168,8 +168,8 @@ class MeshGridStyles : public ::testing::TestWithParam<StyleCase> {};
 TEST_P(MeshGridStyles, AxisStylesFallBackToTheCommonOne) {
   json styles = json::array();
   for (const auto& n : GetParam().defined) styles.push_back(Style(n, 2.0));
-  Session s(MeshDoc({{1, 1}}, styles));
-  const json kids = s.run(kGrid);
+  Session s(MeshDoc({Cells(1, 1)}, styles));
+  const json kids = s.runLayer(kGrid);
   const json& pi = Child(Child(kids[0], "I-axis"), "J=0");
   const json& pj = Child(Child(kids[0], "J-axis"), "I=0");
   EXPECT_EQ(pi.value("graphicStyle", ""), GetParam().onI);
@@ -188,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.title); });
 
 TEST(MeshGrid, KnotsKeepTheirCurveAndCornerFlags) {
-  MeshSpec m{1, 1};
+  MeshSpec m = Cells(1, 1);
   // Run (0,0)-I: a smooth knot at (5, 2); run (0,1)-I: a corner knot.
   json smooth = {{"node", {0, 0}},
                  {"axis", "I"},
@@ -200,7 +200,7 @@ TEST(MeshGrid, KnotsKeepTheirCurveAndCornerFlags) {
                  {"inner", {{{"kind", "knot"}}}}};
   m.runs = {smooth, corner};
   Session s(MeshDoc({m}));
-  const json kids = s.run(kGrid);
+  const json kids = s.runLayer(kGrid);
   const json& axI = Child(kids[0], "I-axis");
   const json& p0 = Child(axI, "J=0");
   ASSERT_EQ(p0.at("segments").size(), 3u);

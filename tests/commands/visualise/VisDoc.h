@@ -1,61 +1,28 @@
-// Documents for the drawing and diagnostic commands, a session that runs a
-// command and reads the document back, and walkers of the created art.
+// Documents for the drawing and diagnostic commands: runs split by one
+// anchor, graphic styles, and walkers of the created art.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
-#include "host/Document.h"
-#include "host/Host.h"
-#include "io/Lbdoc.h"
+#include "support/Session.h"
 
 namespace vistest {
 
+using lbtest::Cells;
+using lbtest::DocJson;
+using lbtest::MeshJson;
+using lbtest::MeshSpec;
+using lbtest::Session;
 using nlohmann::json;
-using Node = std::pair<int, int>;
-
-// A mesh on a 10-unit grid from (x0, y0). `selected` lists the selected
-// nodes unless `whole`; `runs` are written as given (each may carry
-// "inner" vertices with their own "selected" flags).
-struct MeshSpec {
-  MeshSpec(int cellsI = 1, int cellsJ = 1) : I(cellsI), J(cellsJ) {}
-  int I, J;
-  bool whole = true;
-  std::set<Node> selected;
-  json runs = json::array();
-  bool artSelected = true;
-  double x0 = 0, y0 = 0;
-  json u, v;  // relative positions, when not even
-};
-
-inline json MeshArt(const MeshSpec& m) {
-  json nodes = json::array();
-  for (int j = 0; j <= m.J; ++j)
-    for (int i = 0; i <= m.I; ++i) {
-      json n = {{"p", {m.x0 + 10.0 * i, m.y0 + 10.0 * j}}, {"color", {{"gray", 0.5}}}};
-      if (!m.whole) n["selected"] = m.selected.count({i, j}) > 0;
-      nodes.push_back(n);
-    }
-  json art = {{"type", "mesh"}, {"size", {m.I, m.J}}, {"selected", m.artSelected}, {"nodes", nodes}};
-  if (!m.runs.empty()) art["runs"] = m.runs;
-  if (!m.u.is_null()) art["u"] = m.u;
-  if (!m.v.is_null()) art["v"] = m.v;
-  return art;
-}
 
 // A straight run from node (i, j) along axis split in two pieces by one
 // inner anchor at its middle, a knot or a vertex (selected or not).
 inline json SplitRun(const MeshSpec& m, int i, int j, char axis, const json& inner) {
-  const double ax = m.x0 + 10.0 * i, ay = m.y0 + 10.0 * j;
-  const double dx = axis == 'I' ? 10.0 : 0.0, dy = axis == 'J' ? 10.0 : 0.0;
+  const AIRealPoint a = m.P(i, j), b = m.P(i + (axis == 'I'), j + (axis == 'J'));
   json pts = json::array();
-  for (int k = 0; k <= 6; ++k) pts.push_back({ax + dx * k / 6.0, ay + dy * k / 6.0});
+  for (int k = 0; k <= 6; ++k) pts.push_back({a.h + (b.h - a.h) * k / 6.0, a.v + (b.v - a.v) * k / 6.0});
   return {{"node", {i, j}}, {"axis", std::string(1, axis)}, {"points", pts}, {"inner", {inner}}};
 }
 
@@ -64,37 +31,16 @@ inline json Style(const std::string& name, double width) {
   return {{"name", name}, {"fill", nullptr}, {"stroke", {{"color", {{"rgb", {0, 1, 0}}}}, {"width", width}}}};
 }
 
-// One layer with the given art, first on top.
-inline std::string Doc(const json& children, const json& styles = json::array()) {
-  json doc = {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", children}}}}};
+// One layer with the given art, first on top, and the styles.
+inline json StyledDoc(const std::vector<json>& children, const json& styles = json::array()) {
+  json doc = DocJson(children);
   if (!styles.empty()) doc["styles"] = styles;
-  return doc.dump();
+  return doc;
 }
 
-inline std::string MeshDoc(const std::vector<MeshSpec>& meshes, const json& styles = json::array()) {
-  json kids = json::array();
-  for (const auto& m : meshes) kids.push_back(MeshArt(m));
-  return Doc(kids, styles);
+inline json MeshDoc(const std::vector<MeshSpec>& meshes, const json& styles = json::array()) {
+  return StyledDoc(lbtest::MeshJsons(meshes), styles);
 }
-
-class Session {
- public:
-  explicit Session(const std::string& text) : host(lb::io::readDocument(text)) { host.loadPlugin(); }
-
-  // Runs one command, checks it left no host object alive and that the
-  // document reads back as written, and returns the layer's children.
-  json run(int id, bool alt = false, bool ctrl = false) {
-    const lb::host::Counters before = host.counters();
-    host.runCommand(id, alt, ctrl, true, true);
-    EXPECT_EQ(host.counters(), before) << "command " << id << " leaked a host object";
-    const std::string text = lb::io::writeDocument(host.document());
-    // The created art must read back as written.
-    EXPECT_EQ(lb::io::writeDocument(*lb::io::readDocument(text)), text);
-    return json::parse(text).at("layers").at(0).at("children");
-  }
-
-  lb::host::Host host;
-};
 
 // Names of the art in a list, top first.
 inline std::vector<std::string> Names(const json& list) {
