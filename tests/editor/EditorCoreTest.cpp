@@ -61,7 +61,9 @@ TEST_P(HitTest, FindsWhatLiesUnderThePoint) {
   const HitCase c = GetParam();
   const Hit h = lb::editor::hitTest(*doc, c.p, 5);
   ASSERT_EQ(h.kind, c.kind);
-  if (c.kind == Hit::kVertex) EXPECT_EQ(h.vertex, h.art->mesh->node(c.i, c.j));
+  if (c.kind == Hit::kVertex) {
+    EXPECT_EQ(h.vertex, h.art->mesh->node(c.i, c.j));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Points, HitTest,

@@ -2,7 +2,7 @@
 // modifier pair and checkbox state, checked after each command for mesh
 // invariants, a byte-identical write/read round trip and the host's
 // live-object counters. LB_SOAK_STEPS sets the number of commands (default
-// 1500), LB_SOAK_SEED the seed.
+// 3000), LB_SOAK_SEED the seed.
 #include "LBModule.h"
 #include <gtest/gtest.h>
 
@@ -208,7 +208,7 @@ std::string MeshProblem(const GradientMesh& m) {
 }
 
 TEST(Soak, RandomCommandsKeepDocumentsSound) {
-  const long steps = EnvLong("LB_SOAK_STEPS", 1500);
+  const long steps = EnvLong("LB_SOAK_STEPS", 3000);
   const uint64_t seed = static_cast<uint64_t>(EnvLong("LB_SOAK_SEED", 20261124));
   Rand r(seed);
   long done = 0;
