@@ -13,8 +13,8 @@ namespace {
 constexpr int kSide = 1024;
 
 // A smooth photo-like picture: colour waves across the image.
-coltest::ImageSpec Photo() {
-  coltest::ImageSpec im;
+coltest::ImageRecipe Photo() {
+  coltest::ImageRecipe im;
   im.width = im.height = kSide;
   im.matrix = {1, 0, 0, 1, 0, kSide};
   im.pixels.resize(size_t(kSide) * kSide * 3);
@@ -30,7 +30,7 @@ coltest::ImageSpec Photo() {
 
 void Capture(benchmark::State &state, bool edge) {
   const int n = static_cast<int>(state.range(0));
-  coltest::MeshSpec mesh;
+  coltest::MeshRecipe mesh;
   mesh.I = mesh.J = n;
   mesh.whole = true;
   // Inside the image, a little away from its edges.
@@ -38,7 +38,7 @@ void Capture(benchmark::State &state, bool edge) {
   mesh.at = [step](int i, int j) { return std::pair<double, double>{10.0 + step * i, 10.0 + step * j}; };
   mesh.color = [](int, int) { return nlohmann::json{{"gray", 0.5}}; };
   mesh.opacity = [](int, int) { return 1.0; };
-  static const coltest::ImageSpec photo = Photo();
+  static const coltest::ImageRecipe photo = Photo();
   coltest::Session session({coltest::MeshJson(mesh), coltest::ImageJson(photo)});
   for (auto _ : state) session.run(kCmdColorCapture, false, !edge, true, true);
   const double nodes = double(n + 1) * double(n + 1);

@@ -7,7 +7,7 @@
 #include "host/Document.h"
 #include "host/Host.h"
 #include "io/Lbdoc.h"
-#include "support/MeshSpec.h"
+#include "support/MeshRecipe.h"
 
 namespace {
 

@@ -409,14 +409,14 @@ void Document::transformArt(ArtObject* art, const AIRealMatrix& m) {
 
 // ---- matching -------------------------------------------------------------
 
-std::vector<ArtObject*> Document::matchingArt(const AIMatchingArtSpec* patterns, int numSpecs) const {
+std::vector<ArtObject*> Document::matchingArt(const AIMatchingArtSpec* patterns, int numPatterns) const {
   std::vector<ArtObject*> out;
-  if (!patterns || numSpecs <= 0) return out;
+  if (!patterns || numPatterns <= 0) return out;
   // inherited: hidden/locked bits of the enclosing groups and layer.
   std::function<void(ArtObject*, int32_t)> walk = [&](ArtObject* a, int32_t inherited) {
     const int32_t effective = (a->userAttr & kArtSelected) | ((a->userAttr | inherited) & (kArtHidden | kArtLocked));
     if (!a->isLayer) {
-      for (int k = 0; k < numSpecs; ++k) {
+      for (int k = 0; k < numPatterns; ++k) {
         const AIMatchingArtSpec& s = patterns[k];
         if (s.type != kAnyArt && s.type != a->type) continue;
         if ((effective & s.whichAttr) != (s.attr & s.whichAttr)) continue;

@@ -147,7 +147,7 @@ class Document {
   // document order from the top of the paint order down. The hidden and
   // locked bits of a pattern are tested against the art's effective state:
   // its own bit or that of any enclosing group or layer.
-  std::vector<ArtObject*> matchingArt(const AIMatchingArtSpec* patterns, int numSpecs) const;
+  std::vector<ArtObject*> matchingArt(const AIMatchingArtSpec* patterns, int numPatterns) const;
 
   // Selection. The selected attribute of a mesh drives its vertex selection
   // (off clears it, on selects the whole mesh); a path's anchor states are

@@ -354,10 +354,10 @@ int MakeMeshGridForBrush(long alt) {
 }
 
 int MakeMeshFromBrushGrid(long alt) {
-  AIMatchingArtSpec spec{kGroupArt, kArtSelected, kArtSelected};
+  AIMatchingArtSpec wanted{kGroupArt, kArtSelected, kArtSelected};
   AIArtHandle** matches = nullptr;
   int32_t count = 0;
-  if (lb::s::sAIMatchingArt->GetMatchingArt(&spec, 1, &matches, &count) != kNoErr || !matches) {
+  if (lb::s::sAIMatchingArt->GetMatchingArt(&wanted, 1, &matches, &count) != kNoErr || !matches) {
     if (matches) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(matches));
     return 0;
   }

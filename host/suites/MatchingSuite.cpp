@@ -23,13 +23,13 @@ AIErr handOut(const std::vector<ArtObject*>& found, AIArtHandle*** matches, int3
   return kNoErr;
 }
 
-AIErr GetMatchingArt(const AIMatchingArtSpec* patterns, int16_t numSpecs, AIArtHandle*** matches,
+AIErr GetMatchingArt(const AIMatchingArtSpec* patterns, int16_t numPatterns, AIArtHandle*** matches,
                      int32_t* numMatches) {
   if (!matches || !numMatches) return kBadParameterErr;
   *matches = nullptr;
   *numMatches = 0;
-  if (numSpecs < 0 || (numSpecs > 0 && !patterns)) return kBadParameterErr;
-  return handOut(doc().matchingArt(patterns, numSpecs), matches, numMatches);
+  if (numPatterns < 0 || (numPatterns > 0 && !patterns)) return kBadParameterErr;
+  return handOut(doc().matchingArt(patterns, numPatterns), matches, numMatches);
 }
 
 AIErr GetSelectedArt(AIArtHandle*** matches, int32_t* numMatches) {

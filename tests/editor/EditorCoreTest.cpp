@@ -5,7 +5,7 @@
 
 #include "app/editor/EditorCore.h"
 #include "io/Lbdoc.h"
-#include "support/MeshSpec.h"
+#include "support/MeshRecipe.h"
 
 namespace {
 using lb::editor::Hit;
@@ -15,7 +15,7 @@ using lb::host::GradientMesh;
 // A 2 x 1 mesh of 100-unit cells at (0, 0), nothing selected, and a square
 // path beside it.
 std::unique_ptr<Document> MeshAndPath() {
-  lbtest::MeshSpec m = lbtest::Coded(2, 1);
+  lbtest::MeshRecipe m = lbtest::Coded(2, 1);
   m.artSelected = false;
   m.dx = m.dy = 100;
   nlohmann::json doc = lbtest::DocJson(m);

@@ -28,7 +28,7 @@
 #include "LBModule.h"
 #include "io/Lbdoc.h"
 #include "render/Render.h"
-#include "support/MeshSpec.h"
+#include "support/MeshRecipe.h"
 
 // Last: Xlib's macros (None, Bool, ...) clash with names above.
 #ifdef LB_HAVE_X11
@@ -91,7 +91,7 @@ class EditorWindow : public ::testing::Test {
     fs::create_directories(dir);
     // A 2 x 1 mesh of 100-unit cells, each node's paint naming it, nothing
     // selected.
-    lbtest::MeshSpec m = lbtest::Coded(2, 1);
+    lbtest::MeshRecipe m = lbtest::Coded(2, 1);
     m.artSelected = false;
     m.dx = m.dy = 100;
     mesh = m;
@@ -206,7 +206,7 @@ class EditorWindow : public ::testing::Test {
   pid_t pid = -1;
   State state;
   std::string xid;
-  lbtest::MeshSpec mesh;
+  lbtest::MeshRecipe mesh;
 };
 
 TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {

@@ -173,10 +173,10 @@ TEST_F(Suites, MatchingArtHandsOutCountedMemory) {
   EXPECT_EQ(memory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(h)), kBadParameterErr);
 
   // No match: null handle, zero count, nothing to dispose.
-  const AIMatchingArtSpec placedSpec{kPlacedArt, kArtSelected, kArtSelected};
+  const AIMatchingArtSpec placedPattern{kPlacedArt, kArtSelected, kArtSelected};
   h = reinterpret_cast<AIArtHandle**>(1);
   n = 7;
-  ASSERT_EQ(matching->GetMatchingArt(&placedSpec, 1, &h, &n), kNoErr);
+  ASSERT_EQ(matching->GetMatchingArt(&placedPattern, 1, &h, &n), kNoErr);
   EXPECT_EQ(h, nullptr);
   EXPECT_EQ(n, 0);
   EXPECT_EQ(host.counters().memoryHandles, before);

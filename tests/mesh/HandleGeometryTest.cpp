@@ -20,8 +20,8 @@ constexpr double kTol = 1e-9;
 using lb::host::GradientMesh;
 
 // The default mesh of these tests: 2 x 2 cells of 30 x 24.
-MeshSpec Cells30x24() {
-  MeshSpec d;
+MeshRecipe Cells30x24() {
+  MeshRecipe d;
   d.dx = 30, d.dy = 24;
   return d;
 }
@@ -76,7 +76,7 @@ TEST_F(DirectTest, PathCornerFlagsFollowTheHandleLine) {
 }
 
 TEST_F(DirectTest, MeshSmoothCheckUsesItsToleranceAndSkipsMissingAxes) {
-  MeshSpec d = Cells30x24();
+  MeshRecipe d = Cells30x24();
   d.smooth = Smooth::All;
   d.handle[{1, 1, IF}] = Polar(d.P(1, 1), 5, 1e-4);           // within 0.000152587890625
   d.handle[{1, 1, JF}] = Polar(d.P(1, 1), 5, kPi / 2 + 3e-4);  // beyond it
@@ -90,7 +90,7 @@ TEST_F(DirectTest, MeshSmoothCheckUsesItsToleranceAndSkipsMissingAxes) {
 }
 
 TEST_F(DirectTest, ZeroRowWalkCrossesNonNodeVertices) {
-  MeshSpec d = Cells30x24();
+  MeshRecipe d = Cells30x24();
   d.I = 1, d.J = 2, d.dx = d.dy = 10;
   d.moved[{0, 1}] = d.P(0, 0);
   d.moved[{1, 1}] = d.P(1, 0);
@@ -123,7 +123,7 @@ AIErr FailingGetNode(AIArtHandle m, int32_t i, int32_t j, AIMeshVertexIterator* 
 }
 
 TEST_F(DirectTest, HandleWorkersReleaseEverythingWhenTheHostFails) {
-  MeshSpec d = Cells30x24();
+  MeshRecipe d = Cells30x24();
   d.I = d.J = 3;
   Load(d);
   gRealNext = vertex().Next;
@@ -142,7 +142,7 @@ TEST_F(DirectTest, HandleWorkersReleaseEverythingWhenTheHostFails) {
 }
 
 TEST_F(DirectTest, FailedInsertionKeepsTheLinesMadeAndSelectsNothingNew) {
-  MeshSpec d = Cells30x24();
+  MeshRecipe d = Cells30x24();
   d.I = 4, d.dx = 10;
   d.selected = {{0, 0}, {4, 0}};
   Load(d);

@@ -41,8 +41,8 @@ MeshContent SubMesh(const MeshContent& m, int i0, int i1, int j0, int j1) {
   return s;
 }
 
-MeshSpec Plain(int I, int J, double originH) {
-  MeshSpec layout = MeshSpec::Varied();
+MeshRecipe Plain(int I, int J, double originH) {
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = I;
   layout.J = J;
   layout.knots = false;
@@ -52,7 +52,7 @@ MeshSpec Plain(int I, int J, double originH) {
 }
 
 TEST_F(PartCopy, InvalidWindowsChangeNothing) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   load(DocJson({MeshJson(layout), MeshJson(Plain(3, 2, 300))}));
   const json before = written();
   ZS_RestoreMeshData good{0, 0, 0, 1, 0, 0, 3, 2};
@@ -77,7 +77,7 @@ TEST_F(PartCopy, InvalidWindowsChangeNothing) {
 // the copy stops, keeps what it wrote and leaves no iterator behind (the
 // fixture checks the counters).
 TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
-  MeshSpec layout = MeshSpec::Varied();  // 3 x 2
+  MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
   load(DocJson({MeshJson(layout), MeshJson(Plain(2, 2, 300))}));
   const MeshContent src = content(0);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 3, 2};
@@ -89,7 +89,7 @@ TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
 }
 
 TEST_F(PartCopy, IdentityWindowCopiesEverythingButSelectionExactly) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 3;
   load(DocJson({MeshJson(layout), MeshJson(Plain(4, 3, 500))}));
@@ -123,7 +123,7 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshSpec layout = MeshSpec::Varied();  // 3 x 2
+    MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
     load(DocJson({MeshJson(layout), MeshJson(Plain(c.dstI, c.dstJ, 300))}));
     const MeshContent src = content(0);
     ZS_RestoreMeshData s{0, 0, 0, 1, 0, 0, 3, 2};
@@ -134,7 +134,7 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
 }
 
 TEST_F(PartCopy, ShiftedWindowCopiesPartOfTheSource) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 3;
   load(DocJson({MeshJson(layout), MeshJson(Plain(2, 1, 400))}));
@@ -158,7 +158,7 @@ json SelectedPartly(json mesh) {
 }
 
 TEST_F(PartCopy, CuttingTheWholeGridGivesTheSameMeshAndSelection) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 2;
   layout.artOpacity = 0.75;
@@ -177,7 +177,7 @@ TEST_F(PartCopy, CuttingTheWholeGridGivesTheSameMeshAndSelection) {
 }
 
 TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 2;
   load(DocJson({SelectedPartly(MeshJson(layout))}));
@@ -189,7 +189,7 @@ TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
 }
 
 TEST_F(PartCopy, RectangleWithoutACellOrOutsideTheGridIsRefused) {
-  MeshSpec layout = MeshSpec::Varied();  // 3 x 2
+  MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
   load(DocJson({MeshJson(layout)}));
   const json before = written();
   const int bad[][4] = {{1, 1, 0, 2}, {0, 3, 2, 2}, {-1, 2, 0, 1}, {0, 4, 0, 1}, {0, 3, 0, 3}, {2, 1, 0, 2}};

@@ -68,7 +68,7 @@ std::array<int, 4> A(const int* v) { return {v[0], v[1], v[2], v[3]}; }
 // all its selected vertices (GetMeshRegIncVert) and the line marks.
 struct RegionCase {
   const char* what;
-  MeshSpec mesh;
+  MeshRecipe mesh;
   Region nodes, vertices;
   std::vector<int> li, lj;  // marks of lines i = 0..I and j = 0..J
   bool empty;               // the nodes-only count (bNodesOnly) is empty
@@ -130,7 +130,7 @@ TEST_F(MeshSelectionTest, NothingSelectedGivesAnEmptyRegionAndNoMarks) {
 
 struct SidesCase {
   const char* what;
-  MeshSpec mesh;
+  MeshRecipe mesh;
   std::array<int, 4> sides, corners;
 };
 

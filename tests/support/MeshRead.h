@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/MeshSpec.h"
+#include "support/MeshRecipe.h"
 
 namespace lbtest {
 

@@ -1,6 +1,6 @@
 // Tests: a document in the stand-in host with the plug-in running, driven command by command.
 //
-//   Session s(DocJson(spec));          // loads the plug-in module
+//   Session s(DocJson(recipe));          // loads the plug-in module
 //   s.run(CmdSelectRegion, alt, ctrl);  // as a click on the panel would
 //   MeshState m = s.mesh(0);           // the first mesh as written back
 //
@@ -28,7 +28,7 @@
 #include "host/Host.h"
 #include "host/mesh/GradientMesh.h"
 #include "support/MeshRead.h"
-#include "support/MeshSpec.h"
+#include "support/MeshRecipe.h"
 
 namespace lbtest {
 
@@ -36,8 +36,8 @@ class Session {
  public:
   enum Mode { Module, Linked, Bare };
   explicit Session(const json& doc, Mode mode = Module);
-  explicit Session(const MeshSpec& m, Mode mode = Module) : Session(DocJson(m), mode) {}
-  explicit Session(const std::vector<MeshSpec>& ms, Mode mode = Module) : Session(DocJson(MeshJsons(ms)), mode) {}
+  explicit Session(const MeshRecipe& m, Mode mode = Module) : Session(DocJson(m), mode) {}
+  explicit Session(const std::vector<MeshRecipe>& ms, Mode mode = Module) : Session(DocJson(MeshJsons(ms)), mode) {}
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -85,8 +85,8 @@ class LinkedTest : public ::testing::Test {
     session.reset();
     session = std::make_unique<Session>(doc, Session::Linked);
   }
-  void Load(const std::vector<MeshSpec>& meshes) { Load(DocJson(MeshJsons(meshes))); }
-  void Load(const MeshSpec& m) { Load(DocJson(m)); }
+  void Load(const std::vector<MeshRecipe>& meshes) { Load(DocJson(MeshJsons(meshes))); }
+  void Load(const MeshRecipe& m) { Load(DocJson(m)); }
   void TearDown() override { session.reset(); }
   AIArtHandle Mesh(size_t k) { return session->art(k); }
   MeshState State(size_t k) { return session->mesh(k); }

@@ -20,11 +20,11 @@ struct AlignCase {
 
 // Mesh A: nodes (0, 0) and (2, 0) selected at h = 10 and 30, v = 5;
 // mesh B: node (0, 0) selected at h = 50, v = 45 and (0, 1) at v = 55.
-std::vector<MeshSpec> TwoMeshes() {
-  MeshSpec a;
+std::vector<MeshRecipe> TwoMeshes() {
+  MeshRecipe a;
   a.x0 = 10, a.y0 = 5;
   a.selected = {{0, 0}, {2, 0}};
-  MeshSpec b;
+  MeshRecipe b;
   b.x0 = 50, b.y0 = 45;
   b.selected = {{0, 0}, {0, 1}};
   return {a, b};
@@ -38,13 +38,13 @@ TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
   };
   for (const AlignCase& c : cases) {
     SCOPED_TRACE(c.name);
-    const auto specs = TwoMeshes();
-    Session s(specs);
+    const auto recipes = TwoMeshes();
+    Session s(recipes);
     s.run(c.id, c.alt, c.ctrl);
     const bool h = c.id == kCmdAlignVert;
     for (size_t k = 0; k < 2; ++k) {
       const GradientMesh& m = s.engine(k);
-      const MeshSpec& d = specs[k];
+      const MeshRecipe& d = recipes[k];
       for (int i = 0; i <= 2; ++i)
         for (int j = 0; j <= 2; ++j) {
           const AIRealPoint p0 = d.P(i, j), p = NodeP(m, i, j);
@@ -80,7 +80,7 @@ TEST(AlignTest, CtrlAltDoesNothing) {
 
 TEST(AlignTest, HandlesKeepTheirShape) {
   // Handles at p + (5, 0) and p - (5, 0), node moved by (0, 20).
-  MeshSpec d;
+  MeshRecipe d;
   d.selected = {{1, 1}, {1, 0}};
   d.moved[{1, 1}] = {10, -10};
   d.handle[{1, 1, IF}] = {15, -10};
@@ -100,7 +100,7 @@ TEST(AlignTest, HandlesKeepTheirShape) {
 }
 
 TEST(AlignTest, NonNodeVerticesMoveToo) {
-  MeshSpec d;
+  MeshRecipe d;
   d.selected = {{2, 2}};
   d.inner[{0, 0, 'I'}] = true;  // at (5, 0)
   Session s(d);
@@ -118,9 +118,9 @@ TEST(AlignTest, NonNodeVerticesMoveToo) {
 }
 
 TEST(AlignTest, MeshWithoutSelectedVertexAddsNothingToTheRange) {
-  MeshSpec a;
+  MeshRecipe a;
   a.selected = {{0, 0}, {2, 0}};  // h = 0 and 20
-  MeshSpec b;
+  MeshRecipe b;
   b.x0 = 100;
   b.whole = false;  // art selected, no vertex
   Session s({a, b});
@@ -130,7 +130,7 @@ TEST(AlignTest, MeshWithoutSelectedVertexAddsNothingToTheRange) {
 }
 
 TEST(AlignTest, NoSelectedMeshChangesNothing) {
-  MeshSpec a;
+  MeshRecipe a;
   a.artSelected = false;
   Session s(a);
   s.run(kCmdAlignVert);
@@ -158,7 +158,7 @@ TEST(Turn180Test, OnlyHandlesCrossingASelectedSingleLine) {
   };
   for (const TurnCase& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshSpec d;
+    MeshRecipe d;
     d.I = c.I, d.J = c.J;
     d.warped = true;
     d.selected = c.selected;

@@ -72,7 +72,7 @@ TEST(SpreadAlongPathTest, RowNodesLandOnTheirAnchorsAndRunsFollowThePath) {
   };
   for (const RowCase& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshSpec d;
+    MeshRecipe d;
     d.I = c.nodes - 1, d.J = 1;
     d.selected = Rect(0, d.I, 0, 0);
     const auto wave = Wave(c.anchors, 40.0 / (c.anchors - 1));
@@ -92,7 +92,7 @@ TEST(SpreadAlongPathTest, RowNodesLandOnTheirAnchorsAndRunsFollowThePath) {
 }
 
 TEST(SpreadAlongPathTest, ShortPathGetsAnchorsAtTheMiddleOfItsPieces) {
-  MeshSpec d;
+  MeshRecipe d;
   d.I = 4, d.J = 1;
   d.selected = Rect(0, 4, 0, 0);
   const auto wave = Wave(3, 20);
@@ -127,7 +127,7 @@ TEST(SpreadAlongPathTest, WalkDirectionFollowsTheNearerEndsAndAltReversesIt) {
   };
   for (const DirectionCase& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshSpec d;
+    MeshRecipe d;
     d.I = 4, d.J = 1;
     d.selected = Rect(0, 4, 0, 0);
     const auto wave = Wave(5, 10, c.backwards);
@@ -139,7 +139,7 @@ TEST(SpreadAlongPathTest, WalkDirectionFollowsTheNearerEndsAndAltReversesIt) {
 }
 
 TEST(SpreadAlongPathTest, ColumnWithVerticesAndKnotsBecomesThePath) {
-  MeshSpec d;
+  MeshRecipe d;
   d.I = 1, d.J = 2;
   d.selected = Rect(1, 1, 0, 2);
   d.inner[{1, 0, 'J'}] = false;  // a non-node vertex on the column
@@ -158,7 +158,7 @@ TEST(SpreadAlongPathTest, ColumnWithVerticesAndKnotsBecomesThePath) {
 }
 
 TEST(SpreadAlongPathTest, RectangleUsesItsSideNearestToThePath) {
-  MeshSpec d = CodedWhole(3, 2);  // 3 x 2 cells of 10 at the origin
+  MeshRecipe d = CodedWhole(3, 2);  // 3 x 2 cells of 10 at the origin
   // A path beside side 1 (i = 3), drawn downwards.
   std::vector<Anchor> path;
   for (int k = 0; k < 3; ++k) {
@@ -174,7 +174,7 @@ TEST(SpreadAlongPathTest, RectangleUsesItsSideNearestToThePath) {
 }
 
 TEST(SpreadAlongPathTest, CtrlTurnsTheCrossingHandlesToTheOtherSide) {
-  MeshSpec d;
+  MeshRecipe d;
   d.I = 4, d.J = 1;
   d.selected = Rect(0, 4, 0, 0);
   std::vector<AIRealPoint> plain, turned;
@@ -194,7 +194,7 @@ TEST(SpreadAlongPathTest, CtrlTurnsTheCrossingHandlesToTheOtherSide) {
 }
 
 TEST(SpreadAlongPathTest, UnsuitableSelectionsChangeNothing) {
-  MeshSpec d;
+  MeshRecipe d;
   d.I = 4, d.J = 1;
   struct Case {
     const char* name;

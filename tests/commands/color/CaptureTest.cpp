@@ -16,8 +16,8 @@ constexpr int kCapture = kCmdColorCapture;
 
 double Unit(int byte) { return static_cast<double>(static_cast<float>(byte) / 255.0f); }
 
-MeshSpec MeshAt(int tag, int I, int J, std::function<std::pair<double, double>(int, int)> at, NodeSet sel) {
-  MeshSpec s;
+MeshRecipe MeshAt(int tag, int I, int J, std::function<std::pair<double, double>(int, int)> at, NodeSet sel) {
+  MeshRecipe s;
   s.tag = tag;
   s.I = I;
   s.J = J;
@@ -27,7 +27,7 @@ MeshSpec MeshAt(int tag, int I, int J, std::function<std::pair<double, double>(i
 }
 
 // A mesh whose node (i, j) lies at the centre of pixel (col0 + i, row0 - j).
-MeshSpec OnPixels(int tag, const ImageSpec &im, int I, int J, int col0, int row0, NodeSet sel) {
+MeshRecipe OnPixels(int tag, const ImageRecipe &im, int I, int J, int col0, int row0, NodeSet sel) {
   return MeshAt(
       tag, I, J, [=](int i, int j) { return im.Centre(col0 + i, row0 - j); }, std::move(sel));
 }
@@ -43,8 +43,8 @@ void ExpectUnchanged(const MeshOut &m, int tag, int i, int j) {
   EXPECT_EQ(m.opacityCode(i, j), Code(tag, i, j)) << "node (" << i << ", " << j << ")";
 }
 
-ImageSpec Rgb(int w, int h, std::vector<double> matrix) {
-  ImageSpec im;
+ImageRecipe Rgb(int w, int h, std::vector<double> matrix) {
+  ImageRecipe im;
   im.width = w;
   im.height = h;
   im.matrix = std::move(matrix);
@@ -57,15 +57,15 @@ ImageSpec Rgb(int w, int h, std::vector<double> matrix) {
 
 TEST(CaptureFromRaster, PixelExactThroughATurnedScaledImageIntoSeveralMeshes) {
   // Turned a quarter, scaled by 8 and moved: pixel space to document.
-  const ImageSpec im = Rgb(5, 4, {0, 8, -8, 0, 50, 20});
+  const ImageRecipe im = Rgb(5, 4, {0, 8, -8, 0, 50, 20});
   for (bool ctrl : {false, true}) {
     SCOPED_TRACE(ctrl ? "no edge correction" : "edge correction");
     // A: 2 x 1 cells over pixels (1..3, rows 3..2), all selected. B: 1 x 2
     // over pixels (0..1, rows 2..0), two nodes selected. C: node (0, 0) on
     // pixel (4, 3), its other nodes beyond the image's right edge.
-    const MeshSpec a = OnPixels(0, im, 2, 1, 1, 3, Rect(0, 2, 0, 1));
-    const MeshSpec b = OnPixels(1, im, 1, 2, 0, 2, {{0, 1}, {1, 2}});
-    const MeshSpec c = MeshAt(
+    const MeshRecipe a = OnPixels(0, im, 2, 1, 1, 3, Rect(0, 2, 0, 1));
+    const MeshRecipe b = OnPixels(1, im, 1, 2, 0, 2, {{0, 1}, {1, 2}});
+    const MeshRecipe c = MeshAt(
         2, 1, 1, [&](int i, int j) { return im.Centre(4 + i, 3 + j); }, Rect(0, 1, 0, 1));
     Session s({MeshJson(a), MeshJson(b), MeshJson(c), ImageJson(im)});
     s.run(kCapture, false, ctrl, true, true);
@@ -139,7 +139,7 @@ std::pair<json, double> Expected(const Kind &k, const std::vector<uint8_t> &px) 
 TEST(CaptureFromRaster, EveryColourSpaceWithAndWithoutAlpha) {
   for (const Kind &k : kKinds) {
     SCOPED_TRACE(k.name);
-    ImageSpec im;
+    ImageRecipe im;
     im.width = 3;
     im.height = 2;
     im.space = k.space;
@@ -147,7 +147,7 @@ TEST(CaptureFromRaster, EveryColourSpaceWithAndWithoutAlpha) {
     im.fill = k.fill;
     im.matrix = {4, 0, 0, 4, 10, 10};
     im.pixels = Numbered(im);
-    const MeshSpec m = OnPixels(0, im, 2, 1, 0, 1, Rect(0, 2, 0, 1));
+    const MeshRecipe m = OnPixels(0, im, 2, 1, 0, 1, Rect(0, 2, 0, 1));
     Session s({MeshJson(m), ImageJson(im)});
     s.run(kCapture, false, true, true, true);
     const MeshOut out(s.art(0));
@@ -165,18 +165,18 @@ TEST(CaptureFromRaster, EveryColourSpaceWithAndWithoutAlpha) {
 TEST(CaptureFromRaster, GrayExtremesAndTheCheckboxes) {
   // Black and white pixels: an uncoloured gray image gives gray 1 and 0;
   // an RGB fill gives the fill colour and white.
-  ImageSpec im;
+  ImageRecipe im;
   im.width = 2;
   im.space = "gray";
   im.pixels = {0, 255};
   im.matrix = {10, 0, 0, 10, 0, 10};
-  const MeshSpec m = OnPixels(0, im, 1, 1, 0, 0, {{0, 0}, {1, 0}});
+  const MeshRecipe m = OnPixels(0, im, 1, 1, 0, 0, {{0, 0}, {1, 0}});
   struct Box {
     bool color, opacity;
   };
   for (Box b : {Box{true, false}, Box{false, true}, Box{false, false}}) {
     SCOPED_TRACE(testing::Message() << b.color << b.opacity);
-    ImageSpec tinted = im;
+    ImageRecipe tinted = im;
     tinted.fill = {{"color", {{"rgb", {0.2, 0.4, 0.6}}}}};
     tinted.alpha = true;
     tinted.pixels = {0, 51, 255, 102};
@@ -215,8 +215,8 @@ TEST(CaptureFromRaster, GrayExtremesAndTheCheckboxes) {
 TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
   // A 3 x 3 pixel image over document 0..30 x 0..30 (row 0 at the top) and
   // a 2 x 2 mesh exactly on its outline.
-  const ImageSpec im = Rgb(3, 3, {10, 0, 0, 10, 0, 30});
-  const MeshSpec m = MeshAt(
+  const ImageRecipe im = Rgb(3, 3, {10, 0, 0, 10, 0, 30});
+  const MeshRecipe m = MeshAt(
       0, 2, 2,
       [](int i, int j) {
         return std::pair<double, double>{15.0 * i, 15.0 * j};
@@ -253,8 +253,8 @@ TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
 
 // ---- Which image ----------------------------------------------------------
 
-ImageSpec Plain(uint8_t r, uint8_t g, uint8_t b, bool selected) {
-  ImageSpec im;
+ImageRecipe Plain(uint8_t r, uint8_t g, uint8_t b, bool selected) {
+  ImageRecipe im;
   im.width = im.height = 2;
   im.matrix = {20, 0, 0, 20, -5, 35};
   im.pixels = {r, g, b, r, g, b, r, g, b, r, g, b};
@@ -263,7 +263,7 @@ ImageSpec Plain(uint8_t r, uint8_t g, uint8_t b, bool selected) {
 }
 
 TEST(CaptureFromRaster, TheTopmostSelectedImageWins) {
-  const MeshSpec m = MeshAt(
+  const MeshRecipe m = MeshAt(
       0, 1, 1,
       [](int i, int j) {
         return std::pair<double, double>{10.0 * i, 10.0 * j};
@@ -279,13 +279,13 @@ TEST(CaptureFromRaster, TheTopmostSelectedImageWins) {
 }
 
 TEST(CaptureFromRaster, NothingSelectedToCaptureChangesNothing) {
-  const MeshSpec m = MeshAt(
+  const MeshRecipe m = MeshAt(
       0, 1, 1,
       [](int i, int j) {
         return std::pair<double, double>{10.0 * i, 10.0 * j};
       },
       Rect(0, 1, 0, 1));
-  MeshSpec unselected = m;
+  MeshRecipe unselected = m;
   unselected.selected = {};
   unselected.artSelected = false;
   const std::vector<std::pair<const char *, std::vector<json>>> docs = {
@@ -305,16 +305,16 @@ TEST(CaptureFromRaster, NothingSelectedToCaptureChangesNothing) {
 // ---- Placed images --------------------------------------------------------
 
 TEST(CaptureFromRaster, PlacedImageKeepsTheSelectionAndLeavesNoArt) {
-  ImageSpec im = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
+  ImageRecipe im = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
   im.type = "placed";
   // A: few nodes selected, one of them beyond the image. B: most selected.
   auto grid = [](double x0) {
     return [x0](int i, int j) { return std::pair<double, double>{x0 + 10.0 * i, 5.0 + 10.0 * j}; };
   };
-  const MeshSpec a = MeshAt(0, 3, 2, grid(15), {{0, 0}, {3, 1}});
+  const MeshRecipe a = MeshAt(0, 3, 2, grid(15), {{0, 0}, {3, 1}});
   NodeSet most = Rect(0, 2, 0, 2);
   most.erase({1, 1});
-  const MeshSpec b = MeshAt(1, 2, 2, grid(5), most);
+  const MeshRecipe b = MeshAt(1, 2, 2, grid(5), most);
   for (bool ctrl : {false, true}) {
     SCOPED_TRACE(ctrl);
     Session s({MeshJson(a), MeshJson(b), ImageJson(im)});
@@ -334,10 +334,10 @@ TEST(CaptureFromRaster, PlacedImageKeepsTheSelectionAndLeavesNoArt) {
 }
 
 TEST(CaptureFromRaster, PlacedArtOfAnotherKindIsRefused) {
-  ImageSpec im = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
+  ImageRecipe im = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
   im.type = "placed";
   im.placedType = 2;
-  const MeshSpec m = MeshAt(
+  const MeshRecipe m = MeshAt(
       0, 1, 1,
       [](int i, int j) {
         return std::pair<double, double>{10.0 * i, 10.0 * j};
@@ -357,8 +357,8 @@ std::function<std::pair<double, double>(int, int)> Square(double x0, double y0) 
 }
 
 TEST(CaptureFromMesh, SameOutlineTakesTheNodesOrSamplesInside) {
-  const MeshSpec top = MeshAt(0, 2, 2, Square(0, 0), Rect(0, 2, 0, 2));
-  const MeshSpec bottom = MeshAt(1, 2, 2, Square(0, 0), {{1, 1}});
+  const MeshRecipe top = MeshAt(0, 2, 2, Square(0, 0), Rect(0, 2, 0, 2));
+  const MeshRecipe bottom = MeshAt(1, 2, 2, Square(0, 0), {{1, 1}});
   {
     Session s({MeshJson(top), MeshJson(bottom)});
     s.run(kCapture, true, true, true, true);
@@ -408,9 +408,9 @@ TEST(CaptureFromMesh, SameOutlineTakesTheNodesOrSamplesInside) {
 TEST(CaptureFromMesh, SeveralTargetsAndNodesOffTheSource) {
   // Top: shifted by half a cell, so its right column lies beyond the
   // source. Middle: far away, nothing overlaps.
-  const MeshSpec top = MeshAt(0, 2, 2, Square(30, 0), Rect(0, 2, 0, 2));
-  const MeshSpec away = MeshAt(1, 2, 2, Square(200, 200), Rect(0, 1, 0, 1));
-  const MeshSpec bottom = MeshAt(2, 2, 2, Square(0, 0), {});
+  const MeshRecipe top = MeshAt(0, 2, 2, Square(30, 0), Rect(0, 2, 0, 2));
+  const MeshRecipe away = MeshAt(1, 2, 2, Square(200, 200), Rect(0, 1, 0, 1));
+  const MeshRecipe bottom = MeshAt(2, 2, 2, Square(0, 0), {});
   Session s({MeshJson(top), MeshJson(away), MeshJson(bottom)});
   s.run(kCapture, true, true);
   const MeshOut t(s.art(0)), a(s.art(1));
@@ -431,7 +431,7 @@ TEST(CaptureFromMesh, SeveralTargetsAndNodesOffTheSource) {
 }
 
 TEST(CaptureFromMesh, OneMeshChangesNothing) {
-  const MeshSpec only = MeshAt(0, 2, 2, Square(0, 0), Rect(0, 2, 0, 2));
+  const MeshRecipe only = MeshAt(0, 2, 2, Square(0, 0), Rect(0, 2, 0, 2));
   for (bool ctrl : {false, true}) {
     Session s({MeshJson(only)});
     const std::string before = lb::io::writeDocument(s.host->document());

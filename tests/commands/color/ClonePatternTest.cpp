@@ -12,8 +12,8 @@ namespace {
 
 constexpr int kClone = kCmdColorClone, kPattern = kCmdColorPattern;
 
-MeshSpec Mesh(int tag, int I, int J, NodeSet sel, std::string id = "") {
-  MeshSpec s;
+MeshRecipe Mesh(int tag, int I, int J, NodeSet sel, std::string id = "") {
+  MeshRecipe s;
   s.tag = tag;
   s.I = I;
   s.J = J;
@@ -176,7 +176,7 @@ TEST(CloneColors, OneSelectedMeshOrAnEmptyRegionChangesNothing) {
   }
   {
     // The second mesh is selected as art with no node selected.
-    MeshSpec empty = Mesh(1, 2, 2, {});
+    MeshRecipe empty = Mesh(1, 2, 2, {});
     Session s({MeshJson(Mesh(0, 2, 2, Rect(0, 1, 0, 1))), MeshJson(empty)});
     s.run(kClone, false, false);
     ExpectPaint(MeshOut(s.art(1)), 1, [](int i, int j) { return Code(1, i, j); }, {true, true});
@@ -231,7 +231,7 @@ TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
 }
 
 TEST(PatternFill, WholeRegionSelectsEverythingAndKeepsPaint) {
-  MeshSpec w = Mesh(0, 3, 2, {});
+  MeshRecipe w = Mesh(0, 3, 2, {});
   w.whole = true;
   Session s({MeshJson(w)});
   s.run(kPattern, false, false, true, true);

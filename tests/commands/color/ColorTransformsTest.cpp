@@ -45,7 +45,7 @@ struct Case {
   const char* what;
   int id;
   bool alt, ctrl;
-  MeshSpec mesh;
+  MeshRecipe mesh;
   Source src;
   NodeSet selectedAfter;
 };
@@ -180,9 +180,9 @@ TEST(ColorTransforms, MeshWithoutSelectedNodesIsLeftAsItWas) {
 }
 
 TEST(ColorTransforms, SeveralMeshesEachUseTheirOwnRegion) {
-  MeshSpec off = CodedWhole(3, 1);
+  MeshRecipe off = CodedWhole(3, 1);
   off.artSelected = false;
-  MeshSpec second = Coded(2, 2, {{0, 1}, {2, 1}});
+  MeshRecipe second = Coded(2, 2, {{0, 1}, {2, 1}});
   second.x0 = 40;
   Session s({Coded(3, 1, {{1, 0}, {3, 0}}), off, second});
   s.run(kCmdColorReflect, false, false, true, true);

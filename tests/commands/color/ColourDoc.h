@@ -17,7 +17,7 @@
 #include "host/Document.h"
 #include "host/Host.h"
 #include "io/Lbdoc.h"
-#include "support/MeshSpec.h"
+#include "support/MeshRecipe.h"
 
 namespace coltest {
 
@@ -32,7 +32,7 @@ inline int Code(int m, int i, int j) { return 100 * m + i + 10 * j; }
 inline double GrayOfCode(int c) { return (c + 1) / 1000.0; }
 inline double OpacityOfCode(int c) { return 1.0 - (c + 1) / 2000.0; }
 
-struct MeshSpec {
+struct MeshRecipe {
   int I = 2, J = 2;
   int tag = 0;         // the m of Code()
   NodeSet selected;    // selected nodes
@@ -47,7 +47,7 @@ struct MeshSpec {
   std::function<double(int, int)> opacity;
 };
 
-inline json MeshJson(const MeshSpec &s) {
+inline json MeshJson(const MeshRecipe &s) {
   json nodes = json::array();
   for (int j = 0; j <= s.J; ++j)
     for (int i = 0; i <= s.I; ++i) {
@@ -78,7 +78,7 @@ inline std::string Base64(const std::vector<uint8_t> &in) {
   return out;
 }
 
-struct ImageSpec {
+struct ImageRecipe {
   std::string type = "raster";  // or "placed"
   int width = 1, height = 1;
   std::string space = "rgb";
@@ -110,13 +110,13 @@ struct ImageSpec {
 
 // Pixels numbered so that every byte differs: byte k of the image is
 // (37 k + 11) mod 256.
-inline std::vector<uint8_t> Numbered(const ImageSpec &s) {
+inline std::vector<uint8_t> Numbered(const ImageRecipe &s) {
   std::vector<uint8_t> p(size_t(s.width) * s.height * s.Channels());
   for (size_t k = 0; k < p.size(); ++k) p[k] = uint8_t((37 * k + 11) % 256);
   return p;
 }
 
-inline json ImageJson(const ImageSpec &s) {
+inline json ImageJson(const ImageRecipe &s) {
   json a = {{"type", s.type},        {"width", s.width},           {"height", s.height},
             {"space", s.space},      {"alpha", s.alpha},           {"bits", 8},
             {"matrix", s.matrix},    {"pixels", Base64(s.pixels)}, {"fill", s.fill},

@@ -81,8 +81,8 @@ class ColourFailure : public ::testing::Test {
   lb::host::Counters before;
 };
 
-MeshSpec Full(int tag, int I, int J, double x0 = 0) {
-  MeshSpec s;
+MeshRecipe Full(int tag, int I, int J, double x0 = 0) {
+  MeshRecipe s;
   s.tag = tag;
   s.I = I;
   s.J = J;
@@ -108,9 +108,9 @@ TEST_F(ColourFailure, CloneGivesUpOneTargetAndFillsTheNext) {
 }
 
 TEST_F(ColourFailure, PatternGoesOnWithTheNextMesh) {
-  MeshSpec a = Full(0, 3, 1);
+  MeshRecipe a = Full(0, 3, 1);
   a.selected = {{0, 0}};
-  MeshSpec b = a;
+  MeshRecipe b = a;
   b.tag = 1;
   Load({MeshJson(a), MeshJson(b)});
   gFailMesh = Art(0);
@@ -122,7 +122,7 @@ TEST_F(ColourFailure, PatternGoesOnWithTheNextMesh) {
 }
 
 TEST_F(ColourFailure, CaptureGoesOnWithTheNextMesh) {
-  ImageSpec im;
+  ImageRecipe im;
   im.width = im.height = 2;
   im.matrix = {20, 0, 0, 20, -5, 35};
   im.pixels = {10, 20, 30, 10, 20, 30, 10, 20, 30, 10, 20, 30};

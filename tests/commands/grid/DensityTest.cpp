@@ -13,8 +13,8 @@ namespace {
 constexpr double kTol = 1e-9;
 using lb::host::GradientMesh;
 
-MeshSpec Grid(int I, int J, NodeSet sel) {
-  MeshSpec d;
+MeshRecipe Grid(int I, int J, NodeSet sel) {
+  MeshRecipe d;
   d.I = I, d.J = J, d.dx = d.dy = 10;
   d.selected = std::move(sel);
   return d;
@@ -74,7 +74,7 @@ TEST(DensityTest, SizesLinesAndSelection) {
 }
 
 TEST(DensityTest, NewNodesTakeTheMeanOpacityWhateverTheCheckboxes) {
-  MeshSpec d = Grid(3, 2, {{1, 0}, {2, 2}});
+  MeshRecipe d = Grid(3, 2, {{1, 0}, {2, 2}});
   for (int j = 0; j <= 2; ++j) d.opacity[{1, j}] = 0.2, d.opacity[{2, j}] = 0.8 - 0.1 * j;
   std::unique_ptr<GradientMesh> inserted;  // the host's own insertion, for colours
   {
@@ -104,7 +104,7 @@ TEST(DensityTest, NewNodesTakeTheMeanOpacityWhateverTheCheckboxes) {
 TEST(DensityTest, EverySelectedMeshChangesOthersStay) {
   std::vector<json> arts;
   for (const char* id : {"a", "b", "c"}) {
-    MeshSpec d = Grid(2, 1, {});
+    MeshRecipe d = Grid(2, 1, {});
     d.id = id, d.x0 = 100.0 * double(arts.size()), d.artSelected = d.id != "c";
     arts.push_back(MeshJson(d));
   }
@@ -117,8 +117,8 @@ TEST(DensityTest, EverySelectedMeshChangesOthersStay) {
 
 // A 4 x 3 grid whose row along `side` has zero width (or width `gap`):
 // the grid line next to that side lies on it.
-MeshSpec ZeroRowGrid(int side, double gap = 0.0) {
-  MeshSpec d = Grid(4, 3, {});
+MeshRecipe ZeroRowGrid(int side, double gap = 0.0) {
+  MeshRecipe d = Grid(4, 3, {});
   for (int k = 0; k <= (side % 2 == 0 ? d.I : d.J); ++k) {
     if (side == 0) d.moved[{k, 1}] = {10.0 * k, gap};
     if (side == 1) d.moved[{3, k}] = {40.0 - gap, 10.0 * k};
@@ -130,16 +130,16 @@ MeshSpec ZeroRowGrid(int side, double gap = 0.0) {
 
 TEST(DensityZeroRowTest, BorderZeroRowsAreNeitherSplitNorMerged) {
   struct Case {
-    MeshSpec doc;
+    MeshRecipe doc;
     int id;
     bool alt, ctrl;
     std::vector<double> h, v;
   };
-  MeshSpec notZero = ZeroRowGrid(3);
+  MeshRecipe notZero = ZeroRowGrid(3);
   notZero.moved[{1, 2}] = {0.5, 20};  // one node's run across the row has length
-  MeshSpec awayFromSide = ZeroRowGrid(3);
+  MeshRecipe awayFromSide = ZeroRowGrid(3);
   awayFromSide.selected = {{2, 0}, {4, 1}};
-  MeshSpec onlyTheRow = ZeroRowGrid(3);
+  MeshRecipe onlyTheRow = ZeroRowGrid(3);
   onlyTheRow.selected = {{0, 0}, {1, 0}};
   const Case cases[] = {
       {ZeroRowGrid(3), kCmdDensityInc, true, false, {0, 0, 10, 20, 25, 30, 35, 40}, {0, 10, 20, 30}},

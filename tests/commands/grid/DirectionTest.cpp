@@ -38,7 +38,7 @@ class EachTurn : public ::testing::TestWithParam<Turn> {};
 
 TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
   const Turn& turn = GetParam();
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 3;
   layout.J = 2;
   layout.u = {0, 0.2, 0.45, 1};
@@ -76,7 +76,7 @@ TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
 // opacities are interpolated from the same nodes and line positions.
 TEST_P(EachTurn, PictureStaysTheSame) {
   const Turn& turn = GetParam();
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.u = {0, 0.2, 0.45, 1};
   layout.v = {0, 0.3, 1};
   layout.paint = Paint::Rgb;  // mixed kinds are blended in the kind of node (0, 0)
@@ -127,7 +127,7 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
       {"four clockwise turns", {{false, false}, {false, false}, {false, false}, {false, false}}},
       {"two turns equal reflecting both ways", {{false, false}, {false, false}, {false, true}, {true, true}}},
   };
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 3;
   layout.u = {0, 0.15, 0.5, 0.55, 1};
@@ -150,7 +150,7 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
 // opacity and blending mode, and ends selected as a whole; art around it
 // and meshes that are not selected are left alone.
 TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
-  MeshSpec top = MeshSpec::Varied(), mid = MeshSpec::Varied(), low = MeshSpec::Varied();
+  MeshRecipe top = MeshRecipe::Varied(), mid = MeshRecipe::Varied(), low = MeshRecipe::Varied();
   top.id = "top";
   top.artSelected = false;
   mid.id = "mid";
@@ -188,7 +188,7 @@ TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
 }
 
 TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
-  MeshSpec a = MeshSpec::Varied(), b = MeshSpec::Varied();
+  MeshRecipe a = MeshRecipe::Varied(), b = MeshRecipe::Varied();
   a.id = "a";
   b.id = "b";
   b.I = 2;
@@ -209,7 +209,7 @@ TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
 }
 
 TEST(GridDirection, NothingSelectedChangesNothing) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.artSelected = false;
   layout.id = "m";
   Session s(DocJson({MeshJson(layout)}));

@@ -40,7 +40,7 @@ json RowsMesh(const std::vector<double>& row0, const std::vector<double>& row1) 
 }
 
 TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 1;
   layout.u = {0, 0.1, 0.2, 0.6, 1};
@@ -57,7 +57,7 @@ TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
 // the same size: every point, knot, vertex, flag and paint must come out
 // bit for bit.
 TEST(DumbReset, CopiesTheMeshExactly) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 3;
   layout.J = 3;
   layout.u = {0, 0.2, 0.3, 1};
@@ -110,7 +110,7 @@ TEST(SmartReset, MeasuresRunsThroughKnotsAndVertices) {
 }
 
 TEST(SmartReset, KeepsContentPaintAndArtAttributes) {
-  MeshSpec layout = MeshSpec::Varied();
+  MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 3;
   layout.J = 2;
   layout.artOpacity = 0.5;

@@ -13,14 +13,14 @@ using lb::host::GradientMesh;
 using lb::host::VertexId;
 
 // The default mesh of these tests: 2 x 2 cells of 30 x 24.
-MeshSpec Cells30x24() {
-  MeshSpec d;
+MeshRecipe Cells30x24() {
+  MeshRecipe d;
   d.dx = 30, d.dy = 24;
   return d;
 }
 
-MeshSpec Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
-  MeshSpec d = Cells30x24();
+MeshRecipe Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
+  MeshRecipe d = Cells30x24();
   d.selected = std::move(sel);
   for (auto [dir, la] : handles) d.handle[{1, 1, dir}] = Polar(d.P(1, 1), la.first, la.second);
   return d;
@@ -41,7 +41,7 @@ void ExpectUnchanged(const std::vector<AIRealPoint>& before, const GradientMesh&
 TEST(SmoothTest, PairsTurnAboutTheirMeanAngleOnTheChosenAxes) {
   // I handles at 0 and 1.4 rad, J handles at 2.0 and -0.9: the larger
   // angle of a pair ends at mean + pi/2, each handle keeps its length.
-  const MeshSpec d = Centre({{IF, {8, 0.0}}, {IB, {5, 1.4}}, {JF, {6, 2.0}}, {JB, {7, -0.9}}});
+  const MeshRecipe d = Centre({{IF, {8, 0.0}}, {IB, {5, 1.4}}, {JF, {6, 2.0}}, {JB, {7, -0.9}}});
   for (auto [alt, ctrl] : {std::pair{false, false}, {true, false}, {false, true}}) {
     Session s(d);
     s.run(kCmdHandlesSmooth, alt, ctrl);
@@ -57,7 +57,7 @@ TEST(SmoothTest, PairsTurnAboutTheirMeanAngleOnTheChosenAxes) {
 }
 
 TEST(SmoothTest, CornerNodesOnlyWithCtrlAlt) {
-  MeshSpec d = Centre({}, {{0, 0}, {2, 2}});
+  MeshRecipe d = Centre({}, {{0, 0}, {2, 2}});
   d.handle[{0, 2, IF}] = Polar(d.P(0, 2), 3, 0.4);  // unselected corner
   {
     Session plain(d);
@@ -83,7 +83,7 @@ TEST(SmoothTest, CornerNodesOnlyWithCtrlAlt) {
 TEST(OneThirdTest, HandlesGetAThirdOfTheChordToTheirNeighbour) {
   // I forward long at 0.3 rad; I backward retracted; J backward within 0.5
   // (counts as retracted); the I-forward run strongly curved.
-  MeshSpec d = Centre({{IF, {25, 0.3}}, {IB, {0, 0}}, {JB, {0.2, 2.5}}});
+  MeshRecipe d = Centre({{IF, {25, 0.3}}, {IB, {0, 0}}, {JB, {0.2, 2.5}}});
   d.handle[{2, 1, IB}] = Polar(d.P(2, 1), 25, 2.0);
   Session s(d);
   s.run(kCmdHandles1_3);
@@ -107,7 +107,7 @@ TEST(OneThirdTest, BetweenVariantsNeedBothEndsSelectedAndTheirAxis) {
   }
   const NodeSet sel{{1, 1}, {2, 1}, {1, 2}};
   for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) {
-    MeshSpec d = Centre(handles, sel);
+    MeshRecipe d = Centre(handles, sel);
     d.handle[{2, 1, IB}] = Polar(d.P(2, 1), 4, kPi - 0.2);
     Session s(d);
     s.run(kCmdHandles1_3, alt, ctrl);
@@ -120,7 +120,7 @@ TEST(OneThirdTest, BetweenVariantsNeedBothEndsSelectedAndTheirAxis) {
 }
 
 TEST(OneThirdTest, NonNodeVertexMeasuresToItsAdjacentVertices) {
-  MeshSpec d = Centre({}, {});
+  MeshRecipe d = Centre({}, {});
   d.inner[{0, 0, 'I'}] = true;  // vertex at (15, 0) on side 0
   Session s(d);
   const auto& m = s.engine();
@@ -133,7 +133,7 @@ TEST(OneThirdTest, NonNodeVertexMeasuresToItsAdjacentVertices) {
 }
 
 TEST(HandlesZeroTest, RetractsAndClearsFlagsOnTheChosenSegments) {
-  MeshSpec d = Centre({});
+  MeshRecipe d = Centre({});
   d.smooth = Smooth::All;
   {
     Session s(d);
@@ -188,7 +188,7 @@ TEST(RightAngleTest, AxesTurnUntilPerpendicular) {
 
 TEST(RightAngleTest, SeamCornersAndBorders) {
   // J 80 degrees counterclockwise of I across the seam: 5 degrees each way.
-  MeshSpec d = Centre({{IF, {8, 170 * kDeg}}, {IB, {6, -10 * kDeg}}, {JF, {5, -110 * kDeg}}, {JB, {7, 70 * kDeg}}},
+  MeshRecipe d = Centre({{IF, {8, 170 * kDeg}}, {IB, {6, -10 * kDeg}}, {JF, {5, -110 * kDeg}}, {JB, {7, 70 * kDeg}}},
                      {{1, 1}, {2, 2}, {1, 0}});
   // Corner (2, 2) has only backward handles: axis directions 0 and 60 deg.
   d.handle[{2, 2, IB}] = Polar(d.P(2, 2), 4, kPi);

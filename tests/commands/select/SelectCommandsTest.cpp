@@ -26,7 +26,7 @@ struct Case {
   const char* what;
   int id;
   bool alt, ctrl;
-  MeshSpec mesh;
+  MeshRecipe mesh;
   NodeSet nodes;
   std::map<Inner, bool> inner;
 };
@@ -39,14 +39,14 @@ NodeSet Join(NodeSet a, const NodeSet& b) {
 // Region (1..3, 1..3) of a 4 x 4 mesh; a vertex on row j = 1 between
 // i = 1 and 2, one on column i = 3 between j = 2 and 3, and a selected one
 // inside the ring.
-const MeshSpec kRing =
+const MeshRecipe kRing =
     Coded(4, 4, {{1, 1}, {3, 3}, {2, 2}}, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, true}});
 const NodeSet kRingRows = Join(Rect(1, 3, 1, 1), Rect(1, 3, 3, 3)),
               kRingCols = Join(Rect(1, 1, 1, 3), Rect(3, 3, 1, 3));
 // Node (2, 3) of a 4 x 4 mesh with vertices on its column, on its row and elsewhere.
-const MeshSpec kCross = Coded(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}});
+const MeshRecipe kCross = Coded(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}});
 // I = 3, J = 2; (3, 0) and (1, 2) selected, vertices that shifting never reads.
-const MeshSpec kShift = Coded(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}});
+const MeshRecipe kShift = Coded(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}});
 const std::map<Inner, bool> kShiftInner{{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}};
 const std::map<Inner, bool> kMixed{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
 const std::map<Inner, bool> kAroundFilled{{{2, 1, 'J'}, true},  {{1, 1, 'J'}, true},  {{1, 2, 'I'}, true},
@@ -123,7 +123,7 @@ TEST(SelectCommands, EveryCase) {
 TEST(SelectRegion, EmptySelectionStaysEmptyAndWholeMeshStaysWhole) {
   // Nothing selected leaves nothing selected; a whole-mesh selection
   // stays whole.
-  MeshSpec whole = Coded(2, 2, {});
+  MeshRecipe whole = Coded(2, 2, {});
   whole.whole = true;
   Session s({Coded(3, 3, {}, {{{1, 1, 'I'}, true}}), whole});
   s.run(kCmdSel, false, false);  // keeps nodes only: nothing is left in the top mesh
@@ -169,9 +169,9 @@ TEST(SelectNodesOrVertices, InvertTwiceRestoresAndCtrlAltDoesNothing) {
 }
 
 TEST(SelectSeveralMeshes, EachSelectedMeshUsesItsOwnRegionAndOthersAreLeftAlone) {
-  MeshSpec off = Coded(2, 2, {});
+  MeshRecipe off = Coded(2, 2, {});
   off.artSelected = false;
-  MeshSpec b = Coded(3, 3, {{0, 2}, {1, 3}});
+  MeshRecipe b = Coded(3, 3, {{0, 2}, {1, 3}});
   b.x0 = 50;
   Session s({Coded(3, 3, {{1, 0}, {2, 1}}), off, b});
   s.run(kCmdSelRegion, false, false);

@@ -42,7 +42,7 @@ json MeshPaint(int m) { return RgbPaint(0.1 * (m % 10), 0.5, 1.0 - 0.1 * (m % 10
 std::vector<json> Arrange(const Block& b, double gap = 0.0) {
   std::vector<json> art;
   for (int m : b.order) {
-    MeshSpec g = Cells(1, 1);
+    MeshRecipe g = Cells(1, 1);
     g.I = b.I;
     g.J = b.J;
     g.dx = g.dy = kCell;

@@ -43,7 +43,7 @@ json SecondMesh(const Case& c) {
   const double S[4][2] = {{0, 0}, {kI1 * kStep, 0}, {0, kJ1 * kStep}, {0, 0}};
   const double U[4][2] = {{1, 0}, {0, 1}, {1, 0}, {0, 1}};
   const double N[4][2] = {{0, -1}, {1, 0}, {0, 1}, {-1, 0}};
-  MeshSpec g = Cells(1, 1);
+  MeshRecipe g = Cells(1, 1);
   g.I = I;
   g.J = J;
   g.id = "b";
@@ -70,7 +70,7 @@ class EachSidePair : public ::testing::TestWithParam<Case> {};
 
 TEST_P(EachSidePair, SewnMeshIsTheLatticeOfBoth) {
   const Case& c = GetParam();
-  MeshSpec a = Cells(1, 1);
+  MeshRecipe a = Cells(1, 1);
   a.I = kI1;
   a.J = kJ1;
   a.id = "a";

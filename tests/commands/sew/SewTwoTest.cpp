@@ -12,8 +12,8 @@ namespace {
 
 using P = std::pair<double, double>;
 
-MeshSpec Lower() {
-  MeshSpec g = Cells(1, 1);
+MeshRecipe Lower() {
+  MeshRecipe g = Cells(1, 1);
   g.id = "a";
   g.colorAt = [](int i, int j) { return GrayPaint(0.1 * ((i + 2 * j) % 10)); };
   g.opacityAt = [](int i, int j) { return 0.2 + 0.2 * (i % 2) + 0.4 * (j % 2); };
@@ -21,8 +21,8 @@ MeshSpec Lower() {
 }
 
 // Mesh b docked on top of mesh a (its side 0 on a's side 2).
-MeshSpec Upper() {
-  MeshSpec g = Cells(1, 1);
+MeshRecipe Upper() {
+  MeshRecipe g = Cells(1, 1);
   g.id = "b";
   g.y0 = 10;
   g.colorAt = [](int i, int j) { return RgbPaint(0.2 * (i % 5), 0.3 * (j % 3), 0.5); };
@@ -130,7 +130,7 @@ class EachBlend : public ::testing::TestWithParam<Blend> {};
 
 TEST_P(EachBlend, SeamColour) {
   const Blend& b = GetParam();
-  MeshSpec a = Lower(), c = Upper();
+  MeshRecipe a = Lower(), c = Upper();
   a.colorAt = [&](int, int j) { return j == 1 ? b.first : GrayPaint(0); };
   c.colorAt = [&](int, int j) { return j == 0 ? b.second : GrayPaint(0); };
   Session s(DocJson({MeshJson(a), MeshJson(c)}));
@@ -160,7 +160,7 @@ class EachSplit : public ::testing::TestWithParam<Split> {};
 
 TEST_P(EachSplit, InsertsGridLinesWhereTheCountsSay) {
   const Split& sp = GetParam();
-  MeshSpec small = Lower(), big = Upper();
+  MeshRecipe small = Lower(), big = Upper();
   small.I = sp.small;
   small.dx = 30.0 / sp.small;
   small.opacityAt = [](int i, int) { return 0.1 * (i % 4); };
@@ -189,7 +189,7 @@ INSTANTIATE_TEST_SUITE_P(Sew, EachSplit, ::testing::ValuesIn(kSplits),
 // is split and t = (r - 1) / r of each insertion, so a cell split in three
 // gets A + (B - A) / 2 and A + (B - A) 2 / 3 on its inner lines.
 TEST(SewEqualise, InsertedLinesOpacity) {
-  MeshSpec small = Lower(), big = Upper();
+  MeshRecipe small = Lower(), big = Upper();
   small.I = 3;
   small.opacityAt = [](int i, int) { return 0.1 + 0.3 * i; };  // 0.1, 0.4, 0.7, 1.0
   big.I = 8;
@@ -203,7 +203,7 @@ TEST(SewEqualise, InsertedLinesOpacity) {
 }
 
 TEST(SewEqualise, EqualCountsInsertNothing) {
-  MeshSpec a = Lower(), b = Upper();
+  MeshRecipe a = Lower(), b = Upper();
   a.I = b.I = 4;
   Session s(DocJson({MeshJson(a), MeshJson(b)}));
   const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
@@ -251,7 +251,7 @@ INSTANTIATE_TEST_SUITE_P(Sew, SeamKnots, ::testing::Bool(),
 
 // Moving vertices: handles across the seam move with their node.
 TEST(SewMove, HandlesAcrossTheSeamMoveWithTheNode) {
-  MeshSpec b = Upper();
+  MeshRecipe b = Upper();
   b.y0 = 12;  // seam nodes meet at v = 11
   Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
   const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
@@ -272,7 +272,7 @@ TEST(SewMove, HandlesAcrossTheSeamMoveWithTheNode) {
 // Adding a row: each crossing segment gets handles a third of the node
 // distance long, continuing the lines of both meshes.
 TEST(SewAddRow, CrossingHandlesContinueBothMeshes) {
-  MeshSpec b = Upper();
+  MeshRecipe b = Upper();
   b.y0 = 16;
   Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
   const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
@@ -297,7 +297,7 @@ TEST(SewAddRow, CrossingHandlesContinueBothMeshes) {
 // the seam runs along J. Selecting the bottom corners of both meshes sews
 // their bottom sides instead (b turned half round below a).
 TEST(SewSides, SelectedCornersChooseTheSides) {
-  MeshSpec a = Lower(), b = Lower();
+  MeshRecipe a = Lower(), b = Lower();
   b.id = "b";
   b.x0 = 10;
   {
@@ -318,10 +318,10 @@ TEST(SewSides, SelectedCornersChooseTheSides) {
 // Sides along different axes: b lies to the right of a turned a quarter,
 // its side 0 facing a's side 1; b is copied with its axes exchanged.
 TEST(SewSides, RowToColumn) {
-  MeshSpec a = Lower();
+  MeshRecipe a = Lower();
   a.J = 2;
   a.dy = 5;
-  MeshSpec b = Upper();
+  MeshRecipe b = Upper();
   b.y0 = 0;
   b.x0 = 10;
   b.I = 2;
@@ -338,7 +338,7 @@ TEST(SewSides, RowToColumn) {
 }
 
 TEST(SewResult, PaintOrderSelectionOpacityAndBlend) {
-  MeshSpec a = Lower(), b = Upper(), c = Lower();
+  MeshRecipe a = Lower(), b = Upper(), c = Lower();
   a.artOpacity = 0.5;
   a.blend = "multiply";
   b.artOpacity = 0.9;
@@ -360,7 +360,7 @@ TEST(SewResult, PaintOrderSelectionOpacityAndBlend) {
 }
 
 TEST(SewResult, ThirdSelectedMeshStaysSelected) {
-  MeshSpec c = Lower();
+  MeshRecipe c = Lower();
   c.id = "c";
   c.x0 = 100;
   Session s(DocJson({MeshJson(Lower()), MeshJson(Upper()), MeshJson(c)}));
@@ -374,7 +374,7 @@ TEST(SewResult, ThirdSelectedMeshStaysSelected) {
 class FewerThanTwo : public ::testing::TestWithParam<int> {};
 
 TEST_P(FewerThanTwo, ChangesNothing) {
-  MeshSpec b = Upper();
+  MeshRecipe b = Upper();
   b.artSelected = false;
   Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
   const json before = s.written();

@@ -27,7 +27,7 @@ json Path(const std::vector<AIRealPoint>& anchors, int selectedEnd = -1) {
 }
 
 // A 2 x 2 mesh of 10-unit cells at the origin, the whole mesh selected.
-MeshSpec Mesh() { return CodedWhole(2, 2); }
+MeshRecipe Mesh() { return CodedWhole(2, 2); }
 
 struct SewCase {
   const char* name;
@@ -104,7 +104,7 @@ TEST(SewWithPathTest, RefusalsChangeNothing) {
     EXPECT_EQ(s.engine(0).sizeJ(), 2);
   }
   {  // two meshes
-    MeshSpec other = Mesh();
+    MeshRecipe other = Mesh();
     other.x0 = 100;
     Session s(DocJson({MeshJson(Mesh()), MeshJson(other), Path({{0, -10}, {20, -10}})}));
     s.run(kCmdSewPath);

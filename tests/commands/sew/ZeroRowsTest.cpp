@@ -30,7 +30,7 @@ std::vector<SideCase> Sides() {
 TEST(ZeroRowTest, AddedRowHasZeroWidthAndCarriesTheSideAtEachSide) {
   for (const SideCase& c : Sides()) {
     SCOPED_TRACE(c.side);
-    MeshSpec d = Coded(3, 2, c.selected);
+    MeshRecipe d = Coded(3, 2, c.selected);
     d.warped = true;
     Session s(d);
     s.run(kCmdSew0);
@@ -69,7 +69,7 @@ TEST(ZeroRowTest, AddedRowHasZeroWidthAndCarriesTheSideAtEachSide) {
 TEST(ZeroRowTest, AddingThenRemovingGivesBackTheMesh) {
   for (const SideCase& c : Sides()) {
     SCOPED_TRACE(c.side);
-    MeshSpec d = MeshSpec::Varied(3, 2);
+    MeshRecipe d = MeshRecipe::Varied(3, 2);
     d.selected = c.selected;
     d.whole.reset();
     Session s(d);
@@ -96,7 +96,7 @@ TEST(ZeroRowTest, AddingThenRemovingGivesBackTheMesh) {
 }
 
 TEST(ZeroRowTest, SecondAddAtTheSameSideRepaintsTheBorderFromInside) {
-  MeshSpec d = Coded(2, 2, Rect(0, 2, 0, 0));
+  MeshRecipe d = Coded(2, 2, Rect(0, 2, 0, 0));
   Session s(d);
   s.run(kCmdSew0);
   ASSERT_EQ(s.engine(0).sizeJ(), 3);
@@ -157,7 +157,7 @@ TEST(ZeroRowTest, OnlyTheSideThatGotTheRowTestsAsZeroWidth) {
 }
 
 TEST(ZeroRowTest, WholeSelectionGrowsEverySideAndShrinksBack) {
-  MeshSpec d = MeshSpec::Varied(3, 2);
+  MeshRecipe d = MeshRecipe::Varied(3, 2);
   d.selected.clear();
   d.whole = true;
   Session s(d);

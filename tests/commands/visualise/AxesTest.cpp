@@ -67,7 +67,7 @@ TEST(Axes, OneCellAxesCoverWholeSides) {
 }
 
 TEST(Axes, VerticesDoNotCountTowardsTheLength) {
-  MeshSpec m = Cells(2, 3);
+  MeshRecipe m = Cells(2, 3);
   m.runs.push_back(SplitRun(m, 0, 0, 'I', {{"kind", "vertex"}}));
   m.runs.push_back(SplitRun(m, 0, 1, 'J', {{"kind", "knot"}}));
   Session s(MeshDoc({m}));
@@ -78,9 +78,9 @@ TEST(Axes, VerticesDoNotCountTowardsTheLength) {
 }
 
 TEST(Axes, MeshMarkedWholeWhateverItsVertexSelection) {
-  MeshSpec m = Cells(2, 2);
+  MeshRecipe m = Cells(2, 2);
   m.whole = false;  // art selected, no vertex selected
-  MeshSpec off = Cells(1, 1);
+  MeshRecipe off = Cells(1, 1);
   off.artSelected = false;
   off.x0 = 50;
   Session s(MeshDoc({m, off}));

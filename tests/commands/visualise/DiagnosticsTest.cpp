@@ -7,7 +7,7 @@ namespace {
 
 struct UvCase {
   const char* title;
-  std::vector<MeshSpec> meshes;
+  std::vector<MeshRecipe> meshes;
   std::string text;
 };
 
@@ -23,14 +23,14 @@ TEST_P(UvReport, OneBoxWithTheExactText) {
   EXPECT_EQ(before, after);  // the diagnostic changes nothing
 }
 
-MeshSpec Unselected() {
-  MeshSpec m = Cells(1, 1);
+MeshRecipe Unselected() {
+  MeshRecipe m = Cells(1, 1);
   m.artSelected = false;
   return m;
 }
 
-MeshSpec Uneven() {
-  MeshSpec m = Cells(3, 2);
+MeshRecipe Uneven() {
+  MeshRecipe m = Cells(3, 2);
   m.u = {0, 0.125, 0.7, 1};
   m.v = {0, 0.3333333333, 1};
   return m;

@@ -12,7 +12,7 @@ json RunDots(Session& s) { return s.runLayer(kGrid, true, true); }
 std::vector<std::string> ChildNames(const json& art) { return Names(art.at("children")); }
 
 TEST(Dots, WholeMeshWithoutKnots) {
-  MeshSpec m = Cells(1, 1);
+  MeshRecipe m = Cells(1, 1);
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
   ASSERT_EQ(Names(kids), (std::vector<std::string>{"MeshPoints", ""}));
@@ -56,7 +56,7 @@ TEST(Dots, HandleCountsOfCornerSideAndInnerNodes) {
 }
 
 TEST(Dots, NonNodeVerticesAndTwoDigitNodeNames) {
-  MeshSpec m = Cells(10, 1);
+  MeshRecipe m = Cells(10, 1);
   m.runs.push_back(SplitRun(m, 9, 1, 'I', {{"kind", "vertex"}}));
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
@@ -73,7 +73,7 @@ TEST(Dots, NonNodeVerticesAndTwoDigitNodeNames) {
 }
 
 TEST(Dots, PartialSelectionDrawsOnlySelectedVertices) {
-  MeshSpec m = Cells(2, 1);
+  MeshRecipe m = Cells(2, 1);
   m.whole = false;
   m.selected = {{1, 0}, {2, 1}};
   Session s(MeshDoc({m}));
@@ -83,14 +83,14 @@ TEST(Dots, PartialSelectionDrawsOnlySelectedVertices) {
 }
 
 TEST(Dots, NoSelectedVertexLeavesNoArt) {
-  MeshSpec m = Cells(2, 1);
+  MeshRecipe m = Cells(2, 1);
   m.whole = false;
   Session s(MeshDoc({m}));
   EXPECT_EQ(Names(RunDots(s)), (std::vector<std::string>{""}));
 }
 
 TEST(Dots, KnotsDrawTrueControlsAndHideTheOthers) {
-  MeshSpec m = Cells(1, 1);
+  MeshRecipe m = Cells(1, 1);
   json run = {{"node", {0, 0}},
               {"axis", "I"},
               {"points", {{0, 0}, {1, 1}, {3, 2}, {5, 2}, {7, 2}, {9, 1}, {10, 0}}},
@@ -123,7 +123,7 @@ TEST(Dots, KnotsDrawTrueControlsAndHideTheOthers) {
 }
 
 TEST(Dots, KnotsOnAnUndrawnSegmentAreIgnored) {
-  MeshSpec m = Cells(1, 1);
+  MeshRecipe m = Cells(1, 1);
   m.whole = false;
   m.selected = {{0, 0}, {0, 1}, {1, 1}};  // (1, 0) unselected
   json run = {{"node", {0, 0}},
@@ -175,7 +175,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.title); });
 
 TEST(Dots, SeveralMeshesEachGetTheirOwnTree) {
-  MeshSpec a = Cells(1, 1), b = Cells(1, 1);
+  MeshRecipe a = Cells(1, 1), b = Cells(1, 1);
   b.x0 = 50;
   Session s(MeshDoc({a, b}));
   const json kids = RunDots(s);

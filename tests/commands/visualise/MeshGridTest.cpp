@@ -71,7 +71,7 @@ struct CutCase {
 class MeshGridCuts : public ::testing::TestWithParam<CutCase> {};
 
 TEST_P(MeshGridCuts, PathsEndWhereTheVariantSays) {
-  MeshSpec m = Cells(2, 1);
+  MeshRecipe m = Cells(2, 1);
   m.runs.push_back(SplitRun(m, 0, 0, 'I', {{"kind", "vertex"}}));
   Session s(MeshDoc({m}));
   const json kids = s.runLayer(kGrid, GetParam().alt, GetParam().ctrl);
@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.title); });
 
 TEST(MeshGrid, OneCellSelectedDrawsItsFourSides) {
-  MeshSpec m = Cells(3, 2);
+  MeshRecipe m = Cells(3, 2);
   m.whole = false;
   m.selected = {{1, 0}, {2, 0}, {1, 1}, {2, 1}};
   Session s(MeshDoc({m}));
@@ -104,7 +104,7 @@ TEST(MeshGrid, OneCellSelectedDrawsItsFourSides) {
 }
 
 TEST(MeshGrid, UnselectedVertexBreaksTheLineAndEmptyAxisGoes) {
-  MeshSpec m = Cells(4, 1);
+  MeshRecipe m = Cells(4, 1);
   m.whole = false;
   m.selected = {{0, 0}, {1, 0}, {3, 0}, {4, 0}};
   Session s(MeshDoc({m}));
@@ -116,7 +116,7 @@ TEST(MeshGrid, UnselectedVertexBreaksTheLineAndEmptyAxisGoes) {
 }
 
 TEST(MeshGrid, UnselectedNonNodeVertexBreaksTheRun) {
-  MeshSpec m = Cells(1, 1);
+  MeshRecipe m = Cells(1, 1);
   m.whole = false;
   m.selected = {{0, 0}, {1, 0}};
   m.runs.push_back(SplitRun(m, 0, 0, 'I', {{"kind", "vertex"}, {"selected", false}}));
@@ -127,7 +127,7 @@ TEST(MeshGrid, UnselectedNonNodeVertexBreaksTheRun) {
 }
 
 TEST(MeshGrid, NoSelectedVertexLeavesNoArt) {
-  MeshSpec m = Cells(2, 2);
+  MeshRecipe m = Cells(2, 2);
   m.whole = false;
   m.selected = {{1, 1}};  // a lone node: no segment has both ends selected
   Session s(MeshDoc({m}));
@@ -144,7 +144,7 @@ TEST(MeshGrid, TwoDigitLineNames) {
 }
 
 TEST(MeshGrid, EachMeshGetsItsGridDirectlyAboveItInsideItsGroup) {
-  MeshSpec a = Cells(1, 1), b = Cells(1, 1);
+  MeshRecipe a = Cells(1, 1), b = Cells(1, 1);
   b.x0 = 100;
   json other = {{"type", "path"}, {"name", "other"}, {"segments", {{{"p", {0, 0}}}}}};
   json group = {{"type", "group"}, {"name", "G"}, {"children", {MeshJson(a), other}}};
@@ -188,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.title); });
 
 TEST(MeshGrid, KnotsKeepTheirCurveAndCornerFlags) {
-  MeshSpec m = Cells(1, 1);
+  MeshRecipe m = Cells(1, 1);
   // Run (0,0)-I: a smooth knot at (5, 2); run (0,1)-I: a corner knot.
   json smooth = {{"node", {0, 0}},
                  {"axis", "I"},

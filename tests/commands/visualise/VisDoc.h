@@ -13,13 +13,13 @@ namespace vistest {
 using lbtest::Cells;
 using lbtest::DocJson;
 using lbtest::MeshJson;
-using lbtest::MeshSpec;
+using lbtest::MeshRecipe;
 using lbtest::Session;
 using nlohmann::json;
 
 // A straight run from node (i, j) along axis split in two pieces by one
 // inner anchor at its middle, a knot or a vertex (selected or not).
-inline json SplitRun(const MeshSpec& m, int i, int j, char axis, const json& inner) {
+inline json SplitRun(const MeshRecipe& m, int i, int j, char axis, const json& inner) {
   const AIRealPoint a = m.P(i, j), b = m.P(i + (axis == 'I'), j + (axis == 'J'));
   json pts = json::array();
   for (int k = 0; k <= 6; ++k) pts.push_back({a.h + (b.h - a.h) * k / 6.0, a.v + (b.v - a.v) * k / 6.0});
@@ -38,7 +38,7 @@ inline json StyledDoc(const std::vector<json>& children, const json& styles = js
   return doc;
 }
 
-inline json MeshDoc(const std::vector<MeshSpec>& meshes, const json& styles = json::array()) {
+inline json MeshDoc(const std::vector<MeshRecipe>& meshes, const json& styles = json::array()) {
   return StyledDoc(lbtest::MeshJsons(meshes), styles);
 }
 

@@ -1,5 +1,5 @@
 // Tests: the document builder's JSON writer.
-#include "support/MeshSpec.h"
+#include "support/MeshRecipe.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,8 +41,8 @@ json BentPoints(AIRealPoint a, AIRealPoint b, int pieces, double bend) {
 
 }  // namespace
 
-MeshSpec MeshSpec::Varied(int I, int J) {
-  MeshSpec m;
+MeshRecipe MeshRecipe::Varied(int I, int J) {
+  MeshRecipe m;
   m.I = I, m.J = J, m.dx = 40, m.dy = 30;
   m.warped = m.curved = m.knots = true;
   m.paint = Paint::Mixed;
@@ -50,25 +50,25 @@ MeshSpec MeshSpec::Varied(int I, int J) {
   return m;
 }
 
-AIRealPoint MeshSpec::P(int i, int j) const {
+AIRealPoint MeshRecipe::P(int i, int j) const {
   if (auto it = moved.find({i, j}); it != moved.end()) return it->second;
   AIRealPoint p{x0 + dx * i, y0 + dy * j};
   if (warped) p.h += 3.0 * std::sin(1.3 * j + 0.2 * i), p.v += 2.5 * std::cos(0.7 * i + 0.5 * j);
   return p;
 }
 
-AIRealPoint MeshSpec::H(int i, int j, int d) const {
+AIRealPoint MeshRecipe::H(int i, int j, int d) const {
   if (auto it = handle.find({i, j, d}); it != handle.end()) return it->second;
   const AIRealPoint p = P(i, j), q = P(i + (d == IF) - (d == IB), j + (d == JF) - (d == JB));
   return {p.h + (q.h - p.h) / 3.0, p.v + (q.v - p.v) / 3.0};
 }
 
-bool MeshSpec::wholeSelected() const {
+bool MeshRecipe::wholeSelected() const {
   if (whole) return *whole;
   return selected.empty() && std::none_of(inner.begin(), inner.end(), [](const auto& e) { return e.second; });
 }
 
-json MeshJson(const MeshSpec& m) {
+json MeshJson(const MeshRecipe& m) {
   const bool flags = !m.wholeSelected();
   const int N = NodeCount(m.I, m.J);
   json art = {{"type", "mesh"}, {"size", {m.I, m.J}}, {"selected", m.artSelected}};
@@ -160,19 +160,19 @@ json DocJson(const std::vector<json>& arts) {
   return {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", arts}}}}};
 }
 
-std::vector<json> MeshJsons(const std::vector<MeshSpec>& meshes) {
+std::vector<json> MeshJsons(const std::vector<MeshRecipe>& meshes) {
   std::vector<json> arts;
-  for (const MeshSpec& m : meshes) arts.push_back(MeshJson(m));
+  for (const MeshRecipe& m : meshes) arts.push_back(MeshJson(m));
   return arts;
 }
 
-json DocJson(std::initializer_list<MeshSpec> meshes) { return DocJson(MeshJsons(meshes)); }
-json DocJson(const MeshSpec& m) { return DocJson(std::vector<json>{MeshJson(m)}); }
+json DocJson(std::initializer_list<MeshRecipe> meshes) { return DocJson(MeshJsons(meshes)); }
+json DocJson(const MeshRecipe& m) { return DocJson(std::vector<json>{MeshJson(m)}); }
 
 const json& Children(const json& doc) { return doc.at("layers").at(0).at("children"); }
 
-MeshSpec Coded(int I, int J, NodeSet selected, std::map<Inner, bool> inner) {
-  MeshSpec m;
+MeshRecipe Coded(int I, int J, NodeSet selected, std::map<Inner, bool> inner) {
+  MeshRecipe m;
   m.I = I, m.J = J;
   m.paint = Paint::Coded;
   m.selected = std::move(selected);
@@ -181,14 +181,14 @@ MeshSpec Coded(int I, int J, NodeSet selected, std::map<Inner, bool> inner) {
   return m;
 }
 
-MeshSpec CodedWhole(int I, int J) {
-  MeshSpec m = Coded(I, J);
+MeshRecipe CodedWhole(int I, int J) {
+  MeshRecipe m = Coded(I, J);
   m.whole = true;
   return m;
 }
 
-MeshSpec Cells(int I, int J) {
-  MeshSpec m;
+MeshRecipe Cells(int I, int J) {
+  MeshRecipe m;
   m.I = I, m.J = J;
   m.colorAt = [](int, int) { return GrayPaint(0.5); };
   return m;

@@ -1,6 +1,6 @@
 // Tests: the document builder — .lbdoc JSON of gradient meshes described by a few fields.
 //
-//   MeshSpec m;                 // 2 x 2 cells of 10 x 10, straight runs, whole mesh selected
+//   MeshRecipe m;                 // 2 x 2 cells of 10 x 10, straight runs, whole mesh selected
 //   m.I = 4; m.J = 3;
 //   m.selected = Rect(1, 2, 0, 1);            // node selection (flags written)
 //   m.inner[{1, 1, 'I'}] = true;               // a selected vertex in the middle of a run
@@ -11,7 +11,7 @@
 // (`warped` adds a small wobble so that no two nodes share a coordinate).
 // Straight runs carry their handles at one and two thirds unless `handle`
 // sets one; `curved` bends every run and `knots` puts knots and non-node
-// vertices on two runs in three. MeshSpec::Varied() turns on everything at
+// vertices on two runs in three. MeshRecipe::Varied() turns on everything at
 // once (warped, curved, knots, mixed paints and smooth flags).
 #pragma once
 
@@ -49,8 +49,8 @@ enum class Paint {
 };
 enum class Smooth { None, All, Mixed };
 
-struct MeshSpec {
-  MeshSpec() = default;  // not an aggregate: a brace list of JSON never makes one
+struct MeshRecipe {
+  MeshRecipe() = default;  // not an aggregate: a brace list of JSON never makes one
   int I = 2, J = 2;
   std::string id;  // empty: none written
   bool artSelected = true;
@@ -82,28 +82,28 @@ struct MeshSpec {
 
   // Everything switched on: warped 40 x 30 cells, curved runs with knots
   // and inner vertices, mixed paints, mixed smooth flags.
-  static MeshSpec Varied(int I = 3, int J = 2);
+  static MeshRecipe Varied(int I = 3, int J = 2);
 
   AIRealPoint P(int i, int j) const;              // node position
   AIRealPoint H(int i, int j, int dir) const;     // handle of a straight run
   bool wholeSelected() const;
 };
 
-json MeshJson(const MeshSpec& m);
+json MeshJson(const MeshRecipe& m);
 // A document with one layer holding the arts, the first on top.
 json DocJson(const std::vector<json>& arts);
-json DocJson(std::initializer_list<MeshSpec> meshes);
-json DocJson(const MeshSpec& m);
-std::vector<json> MeshJsons(const std::vector<MeshSpec>& meshes);
+json DocJson(std::initializer_list<MeshRecipe> meshes);
+json DocJson(const MeshRecipe& m);
+std::vector<json> MeshJsons(const std::vector<MeshRecipe>& meshes);
 // The children of the first layer of a document.
 const json& Children(const json& doc);
 
 // An I x J mesh of Paint::Coded nodes with the given node and inner-vertex
 // selection, flags always written; CodedWhole: the whole mesh selected.
-MeshSpec Coded(int I, int J, NodeSet selected = {}, std::map<Inner, bool> inner = {});
-MeshSpec CodedWhole(int I, int J);
+MeshRecipe Coded(int I, int J, NodeSet selected = {}, std::map<Inner, bool> inner = {});
+MeshRecipe CodedWhole(int I, int J);
 // An I x J mesh of straight 10 x 10 cells, every node gray 0.5.
-MeshSpec Cells(int I, int J);
+MeshRecipe Cells(int I, int J);
 
 NodeSet Rect(int i0, int i1, int j0, int j1);
 std::vector<double> Even(int n);
