@@ -84,3 +84,30 @@ inline SelectionRef GetSelectionRef(AIArtHandle mesh) {
   ThrowIfErr(lb::s::sMesh->GetSelection(mesh, s.put()));
   return s;
 }
+
+// The document's selected art of one type, topmost first, from the
+// matching-art query; the host's array is disposed when the list goes out of
+// scope. A failed query reads as an empty list.
+class SelectedArt {
+ public:
+  explicit SelectedArt(int16_t type) {
+    AIMatchingArtSpec wanted{type, kArtSelected, kArtSelected};
+    if (lb::s::sAIMatchingArt->GetMatchingArt(&wanted, 1, &m_hArt, &m_nCount) != kNoErr || !m_hArt) {
+      if (m_hArt) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hArt));
+      m_hArt = nullptr;
+      m_nCount = 0;
+    }
+  }
+  ~SelectedArt() {
+    if (m_hArt) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hArt));
+  }
+  SelectedArt(const SelectedArt&) = delete;
+  SelectedArt& operator=(const SelectedArt&) = delete;
+  int32_t size() const { return m_nCount; }
+  AIArtHandle* data() const { return m_hArt ? *m_hArt : nullptr; }
+  AIArtHandle operator[](int32_t k) const { return (*m_hArt)[k]; }
+
+ private:
+  AIArtHandle** m_hArt = nullptr;
+  int32_t m_nCount = 0;
+};

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <vector>
 
+#include "HostRefs.h"
 #include "HandleGeometry.h"
 #include "MeshSelection.h"
 #include "Operations.h"
@@ -24,30 +25,6 @@ namespace lb::align {
 namespace {
 
 constexpr double kPi = 3.141592653589793;
-
-// The selected art of one type; the host's array is disposed when the list
-// goes out of scope.
-class SelectedArt {
- public:
-  explicit SelectedArt(int16_t type) {
-    AIMatchingArtSpec wanted{type, kArtSelected, kArtSelected};
-    if (lb::s::sAIMatchingArt->GetMatchingArt(&wanted, 1, &m_hArt, &m_nCount) != kNoErr || !m_hArt) {
-      m_hArt = nullptr;
-      m_nCount = 0;
-    }
-  }
-  ~SelectedArt() {
-    if (m_hArt) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hArt));
-  }
-  SelectedArt(const SelectedArt&) = delete;
-  SelectedArt& operator=(const SelectedArt&) = delete;
-  int32_t size() const { return m_nCount; }
-  AIArtHandle operator[](int32_t k) const { return (*m_hArt)[k]; }
-
- private:
-  AIArtHandle** m_hArt = nullptr;
-  int32_t m_nCount = 0;
-};
 
 SegmentRef SegmentAlong(AIMeshVertexIterator v, AIMeshAxis axis, AIMeshAxisSense sense) {
   const int32_t k = sMeshVertexIterator->GetSegmentIndex(v, axis, sense);

@@ -25,30 +25,6 @@ namespace {
 // Light gray of a path with neither stroke nor fill (single-precision 0.8).
 constexpr double kPathGray = 0.800000011920929;
 
-// The selected paths of the document; the host's array is disposed when
-// the list goes out of scope.
-class SelectedPaths {
- public:
-  SelectedPaths() {
-    AIMatchingArtSpec wanted{kPathArt, kArtSelected, kArtSelected};
-    if (lb::s::sAIMatchingArt->GetMatchingArt(&wanted, 1, &m_hPaths, &m_nCount) != kNoErr || !m_hPaths) {
-      m_hPaths = nullptr;
-      m_nCount = 0;
-    }
-  }
-  ~SelectedPaths() {
-    if (m_hPaths) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hPaths));
-  }
-  SelectedPaths(const SelectedPaths&) = delete;
-  SelectedPaths& operator=(const SelectedPaths&) = delete;
-  int32_t size() const { return m_nCount; }
-  AIArtHandle operator[](int32_t k) const { return (*m_hPaths)[k]; }
-
- private:
-  AIArtHandle** m_hPaths = nullptr;
-  int32_t m_nCount = 0;
-};
-
 std::vector<AIPathSegment> ReadAnchors(AIArtHandle path) {
   int16_t count = 0;
   ThrowIfErr(sPath->GetPathSegmentCount(path, &count));
@@ -159,7 +135,7 @@ void ColorizeFromTwoPathes(AIArtHandle mesh, AIArtHandle path1, AIArtHandle path
 }
 
 int Sew2Pathes(long reverse) {
-  SelectedPaths paths;
+  SelectedArt paths(kPathArt);
   if (paths.size() < 2) return 0;
   const AIArtHandle p1 = paths[0], p2 = paths[1];
   try {
@@ -223,7 +199,7 @@ int SearchPoint(AIRealPoint& point, std::vector<CCommonPoint>& points) {
 }
 
 int SewPathesNew() {
-  SelectedPaths paths;
+  SelectedArt paths(kPathArt);
   std::vector<CCommonPoint> points;
   try {
     for (int32_t k = 0; k < paths.size(); ++k) {

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "HostRefs.h"
 #include "MeshPartCopy.h"
 #include "MeshSelection.h"
 #include "Operations.h"
@@ -21,30 +22,6 @@ using lb::s::sMeshVertexIterator;
 using lb::s::sPath;
 
 namespace {
-
-// The selected art of one type; the host's array is disposed when the
-// list goes out of scope.
-class SelectedArt {
- public:
-  explicit SelectedArt(int16_t type) {
-    AIMatchingArtSpec wanted{type, kArtSelected, kArtSelected};
-    if (lb::s::sAIMatchingArt->GetMatchingArt(&wanted, 1, &m_hArt, &m_nCount) != kNoErr || !m_hArt) {
-      m_hArt = nullptr;
-      m_nCount = 0;
-    }
-  }
-  ~SelectedArt() {
-    if (m_hArt) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hArt));
-  }
-  SelectedArt(const SelectedArt&) = delete;
-  SelectedArt& operator=(const SelectedArt&) = delete;
-  int32_t size() const { return m_nCount; }
-  AIArtHandle operator[](int32_t k) const { return (*m_hArt)[k]; }
-
- private:
-  AIArtHandle** m_hArt = nullptr;
-  int32_t m_nCount = 0;
-};
 
 // Light gray of an unpainted path, or of any path when colours are off.
 constexpr double kPathGray = 0.800000011920929;

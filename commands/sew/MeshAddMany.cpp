@@ -9,32 +9,6 @@
 
 namespace {
 
-// The selected art of one type, disposed when it goes out of scope. A
-// failed query reads as none.
-class SelectedArt {
- public:
-  explicit SelectedArt(int16_t type) {
-    AIMatchingArtSpec wanted{type, kArtSelected, kArtSelected};
-    if (lb::s::sAIMatchingArt->GetMatchingArt(&wanted, 1, &m_hArt, &m_nCount) != kNoErr || !m_hArt) {
-      Dispose();
-      m_nCount = 0;
-    }
-  }
-  ~SelectedArt() { Dispose(); }
-  SelectedArt(const SelectedArt&) = delete;
-  SelectedArt& operator=(const SelectedArt&) = delete;
-  int32_t size() const { return m_nCount; }
-  AIArtHandle* data() const { return m_hArt ? *m_hArt : nullptr; }
-
- private:
-  void Dispose() {
-    if (m_hArt) lb::s::sMdMemory->MdMemoryDisposeHandle(reinterpret_cast<AIMdMemoryHandle>(m_hArt));
-    m_hArt = nullptr;
-  }
-  AIArtHandle** m_hArt = nullptr;
-  int32_t m_nCount = 0;
-};
-
 }  // namespace
 
 int MeshAddMany(int mode) {
