@@ -110,7 +110,13 @@ bool Document::ownsStyle(const GraphicStyle* style) const {
 
 // ---- tree bookkeeping -----------------------------------------------------
 
-bool Document::contains(const ArtObject* art) const { return art && live_.count(art) != 0; }
+bool Document::contains(const ArtObject* art) const {
+  if (!art) return false;
+  if (art == lastFound_) return true;
+  if (live_.count(art) == 0) return false;
+  lastFound_ = art;
+  return true;
+}
 
 ArtObject* Document::findById(const std::string& id) const {
   if (id.empty()) return nullptr;
@@ -129,6 +135,7 @@ void Document::registerTree(ArtObject* art) {
 
 void Document::unregisterTree(const ArtObject* art) {
   live_.erase(art);
+  if (art == lastFound_) lastFound_ = nullptr;
   for (const auto& c : art->children) unregisterTree(c.get());
 }
 

@@ -182,6 +182,9 @@ class Document {
   std::vector<std::unique_ptr<ArtObject>> layers_;
   std::vector<std::unique_ptr<GraphicStyle>> styles_;
   std::unordered_set<const ArtObject*> live_;
+  // The art found by the last successful `contains`: suite calls ask about
+  // the same mesh over and over while a command walks it.
+  mutable const ArtObject* lastFound_ = nullptr;
 };
 
 }  // namespace lb::host

@@ -86,7 +86,9 @@ void CopyRun(AIMeshVertexIterator srcNode, int32_t srcAxis, int32_t srcSense, AI
     }
   }
 
-  std::vector<AIRealPoint> points;
+  // One buffer for every run copied on this thread: copying a big mesh
+  // would otherwise allocate once per run.
+  thread_local std::vector<AIRealPoint> points;
   for (;;) {
     int32_t knots = sMeshSegmentIterator->CountKnots(srcSeg);
     int32_t have = sMeshSegmentIterator->CountKnots(dstSeg);

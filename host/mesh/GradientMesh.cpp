@@ -5,6 +5,7 @@
 #include "host/mesh/GradientMesh.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "host/mesh/MeshImpl_p.h"
@@ -87,7 +88,11 @@ bool GradientMesh::Impl::span(SegmentRef s, Span* out) const {
 }
 
 void GradientMesh::Impl::setNodePoint(int i, int j, P p) {
-  nodeAt(i, j).p = p;
+  Node& n = nodeAt(i, j);
+  // The ends of the runs at a node always equal its point, so setting the
+  // point it already has changes nothing (copies set each node once per run).
+  if (n.p.h == p.h && n.p.v == p.v) return;
+  n.p = p;
   if (runExists(0, i, j)) runAt(0, i, j).pts.front() = p;
   if (runExists(0, i - 1, j)) runAt(0, i - 1, j).pts.back() = p;
   if (runExists(1, i, j)) runAt(1, i, j).pts.front() = p;
@@ -179,32 +184,33 @@ VertexId GradientMesh::nextVertex(VertexId v) const {
 
 VertexId GradientMesh::neighbour(VertexId v, int dir) const { return segmentEnd(SegmentRef{v, dir}); }
 
+// The directions in which a vertex has a segment, one bit per direction:
+// a node has those that stay inside the grid, a non-node vertex the two
+// along its run.
+unsigned GradientMesh::Impl::segmentMask(VertexId v) const {
+  const Where l = loc(v);
+  if (!l) return 0;
+  if (l.kind == kInnerLoc)
+    return l.axis == 0 ? (1u << kDirIFwd) | (1u << kDirIBack) : (1u << kDirJFwd) | (1u << kDirJBack);
+  return (l.i > 0 ? 1u << kDirIBack : 0u) | (l.j > 0 ? 1u << kDirJBack : 0u) | (l.i < I ? 1u << kDirIFwd : 0u) |
+         (l.j < J ? 1u << kDirJFwd : 0u);
+}
+
 bool GradientMesh::hasSegment(VertexId v, int dir) const {
-  const Where l = impl_->loc(v);
-  if (!l || dir < 0 || dir > 3) return false;
-  if (l.kind == kInnerLoc) return dirAxis(dir) == l.axis;
-  switch (dir) {
-    case kDirIBack: return l.i > 0;
-    case kDirJBack: return l.j > 0;
-    case kDirIFwd: return l.i < impl_->I;
-    default: return l.j < impl_->J;
-  }
+  return dir >= 0 && dir <= 3 && ((impl_->segmentMask(v) >> dir) & 1u);
 }
-int GradientMesh::segmentCount(VertexId v) const {
-  int n = 0;
-  for (int d = 0; d < 4; ++d) n += hasSegment(v, d);
-  return n;
-}
+int GradientMesh::segmentCount(VertexId v) const { return std::popcount(impl_->segmentMask(v)); }
 int GradientMesh::segmentIndex(VertexId v, int dir) const {
-  if (!hasSegment(v, dir)) return -1;
-  int n = 0;
-  for (int d = 0; d < dir; ++d) n += hasSegment(v, d);
-  return n;
+  if (dir < 0 || dir > 3) return -1;
+  const unsigned mask = impl_->segmentMask(v);
+  if (!((mask >> dir) & 1u)) return -1;
+  return std::popcount(mask & ((1u << dir) - 1u));
 }
 int GradientMesh::segmentDir(VertexId v, int index) const {
   if (index < 0) return -1;
+  const unsigned mask = impl_->segmentMask(v);
   for (int d = 0; d < 4; ++d)
-    if (hasSegment(v, d) && index-- == 0) return d;
+    if (((mask >> d) & 1u) && index-- == 0) return d;
   return -1;
 }
 
@@ -444,20 +450,21 @@ bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
   if (n == 0) return true;
   Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
   const int piece = sp.fwd ? sp.a0 + m : sp.a0 + (K - m);
-  std::vector<AIRealPoint> chain;
+  // The piece is cut into n + 1 equal-parameter parts in place: room for
+  // 3n points opens after its start, then every part is written over it.
   P rest[4];
   std::copy(&r.pts[3 * piece], &r.pts[3 * piece] + 4, rest);
-  chain.push_back(rest[0]);
+  const P end = rest[3];
+  r.pts.insert(r.pts.begin() + 3 * piece + 1, static_cast<size_t>(3 * n), P{});
+  P* out = &r.pts[3 * piece + 1];
   for (int c = n + 1; c > 1; --c) {
     P L[4], R[4];
     bez::split(rest, 1.0 / c, L, R);
-    chain.insert(chain.end(), L + 1, L + 4);
+    out = std::copy(L + 1, L + 4, out);
     std::copy(R, R + 4, rest);
   }
-  chain.insert(chain.end(), rest + 1, rest + 4);
-  chain.back() = r.pts[3 * piece + 3];
-  r.pts.erase(r.pts.begin() + 3 * piece, r.pts.begin() + 3 * piece + 4);
-  r.pts.insert(r.pts.begin() + 3 * piece, chain.begin(), chain.end());
+  out = std::copy(rest + 1, rest + 3, out);
+  *out = end;
   r.joints.insert(r.joints.begin() + piece, static_cast<size_t>(n), Joint{});
   impl_->reindexRun(sp.axis, sp.i, sp.j);
   return true;

@@ -150,6 +150,9 @@ struct GradientMesh::Impl {
   // Marks every vertex inside a run dead.
   void killRun(const Run& r);
 
+  // Bit d set when vertex v has a segment in direction d.
+  unsigned segmentMask(VertexId v) const;
+
   // Calls f on every interior anchor of every run, in walk order of runs.
   template <class F>
   void forEachJoint(F f) const {

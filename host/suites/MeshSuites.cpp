@@ -84,15 +84,57 @@ namespace {
 
 MeshRef refOf(GradientMesh* mesh) { return MeshRef{mesh, mesh->lifeToken()}; }
 
+// Vertex and segment iterators are made and released by the million when a
+// command walks a big mesh, so released ones are kept for reuse instead of
+// going back to the allocator. The address sanitizer build frees them at
+// once, so that a use after release is still reported.
+template <class T>
+class IterPool {
+ public:
+  ~IterPool() {
+    for (T* o : free_) delete o;
+  }
+  T* get() {
+    if (free_.empty()) return new T;
+    T* o = free_.back();
+    free_.pop_back();
+    o->refs = 1;
+    return o;
+  }
+  void put(T* o) {
+#if defined(__SANITIZE_ADDRESS__)
+    delete o;
+#else
+    if (free_.size() >= kKeep) {
+      delete o;
+      return;
+    }
+    *o = T{};  // drops the mesh's life token now, not at reuse
+    o->refs = 0;  // a second release of a kept iterator does nothing
+    free_.push_back(o);
+#endif
+  }
+
+ private:
+  static constexpr size_t kKeep = 1024;
+  std::vector<T*> free_;
+};
+
+template <class T>
+IterPool<T>& poolOf() {
+  thread_local IterPool<T> pool;
+  return pool;
+}
+
 AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) {
-  auto* it = new _AIMeshVertexIterator;
+  auto* it = poolOf<_AIMeshVertexIterator>().get();
   it->m = m;
   it->id = id;
   ++liveCounters().vertexIterators;
   return it;
 }
 AIMeshSegmentIterator newSegment(const MeshRef& m, SegmentRef s) {
-  auto* it = new _AIMeshSegmentIterator;
+  auto* it = poolOf<_AIMeshSegmentIterator>().get();
   it->m = m;
   it->seg = s;
   ++liveCounters().segmentIterators;
@@ -118,12 +160,19 @@ int32_t addRef(T* o) {
   return o ? ++o->refs : 0;
 }
 template <class T>
+void dispose(T* o) {
+  delete o;
+}
+void dispose(_AIMeshVertexIterator* o) { poolOf<_AIMeshVertexIterator>().put(o); }
+void dispose(_AIMeshSegmentIterator* o) { poolOf<_AIMeshSegmentIterator>().put(o); }
+
+template <class T>
 int32_t release(T* o, long Counters::*counter) {
   if (!o || o->refs <= 0) return 0;
   const int32_t left = --o->refs;
   if (left == 0) {
     --(liveCounters().*counter);
-    delete o;
+    dispose(o);
   }
   return left;
 }
