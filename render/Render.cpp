@@ -289,37 +289,8 @@ class Renderer {
     if (im.width <= 0 || im.height <= 0 || im.pixels.size() < im.expectedBytes()) return;
     if (!drawableMatrix(im.matrix)) return;
     if (const auto b = doc_.bounds(&art); b && (!finiteRect(*b) || !overlapsPicture(*b))) return;
-    Surface surf(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, im.width, im.height), cairo_surface_destroy);
-    if (cairo_surface_status(surf.get()) != CAIRO_STATUS_SUCCESS) return;
-    cairo_surface_flush(surf.get());
-    unsigned char* data = cairo_image_surface_get_data(surf.get());
-    const int stride = cairo_image_surface_get_stride(surf.get());
-    const int colour = im.channels() - (im.alpha ? 1 : 0);
-    const bool colourise = im.space == kGrayColorSpace && art.style.fillPaint && art.style.fill.color.kind != kNoneColor;
-    double fr = 0, fg = 0, fb = 0;
-    if (colourise) lb::host::colorToRGB(art.style.fill.color, &fr, &fg, &fb);
-    for (int y = 0; y < im.height; ++y) {
-      auto* row = reinterpret_cast<uint32_t*>(data + static_cast<size_t>(y) * stride);
-      for (int x = 0; x < im.width; ++x) {
-        double r, g, b;
-        if (colour >= 4) {
-          const double c = im.channel(x, y, 0), m = im.channel(x, y, 1), yy = im.channel(x, y, 2), k = im.channel(x, y, 3);
-          r = (1 - c) * (1 - k), g = (1 - m) * (1 - k), b = (1 - yy) * (1 - k);
-        } else if (colour == 3) {
-          r = im.channel(x, y, 0), g = im.channel(x, y, 1), b = im.channel(x, y, 2);
-        } else {
-          const double l = im.channel(x, y, 0);
-          if (colourise)
-            r = fr + (1 - fr) * l, g = fg + (1 - fg) * l, b = fb + (1 - fb) * l;
-          else
-            r = g = b = l;
-        }
-        const double a = im.alpha ? im.channel(x, y, im.channels() - 1) : 1.0;
-        auto q = [&](double v) { return static_cast<uint32_t>(std::lround(std::clamp(v * a, 0.0, 1.0) * 255)); };
-        row[x] = (static_cast<uint32_t>(std::lround(a * 255)) << 24) | (q(r) << 16) | (q(g) << 8) | q(b);
-      }
-    }
-    cairo_surface_mark_dirty(surf.get());
+    Surface surf(imageSurface(art), cairo_surface_destroy);
+    if (!surf) return;
     // Image space: column x spans x..x+1, row r spans -(r+1)..-r.
     cairo_save(cr_);
     const AIRealMatrix& m = im.matrix;
@@ -678,6 +649,46 @@ constexpr int kMaxSide = 16384;
 constexpr double kMaxPixels = 64.0 * 1024 * 1024;
 constexpr double kMinScale = 1e-4, kMaxScale = 1e4;
 }  // namespace
+
+cairo_surface_t* imageSurface(const ArtObject& art) {
+  const ArtImage& im = art.image;
+  if (im.width <= 0 || im.height <= 0 || im.pixels.size() < im.expectedBytes()) return nullptr;
+  cairo_surface_t* surf = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, im.width, im.height);
+  if (cairo_surface_status(surf) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(surf);
+    return nullptr;
+  }
+  cairo_surface_flush(surf);
+  unsigned char* data = cairo_image_surface_get_data(surf);
+  const int stride = cairo_image_surface_get_stride(surf);
+  const int colour = im.channels() - (im.alpha ? 1 : 0);
+  const bool colourise = im.space == kGrayColorSpace && art.style.fillPaint && art.style.fill.color.kind != kNoneColor;
+  double fr = 0, fg = 0, fb = 0;
+  if (colourise) lb::host::colorToRGB(art.style.fill.color, &fr, &fg, &fb);
+  for (int y = 0; y < im.height; ++y) {
+    auto* row = reinterpret_cast<uint32_t*>(data + static_cast<size_t>(y) * stride);
+    for (int x = 0; x < im.width; ++x) {
+      double r, g, b;
+      if (colour >= 4) {
+        const double c = im.channel(x, y, 0), m = im.channel(x, y, 1), yy = im.channel(x, y, 2), k = im.channel(x, y, 3);
+        r = (1 - c) * (1 - k), g = (1 - m) * (1 - k), b = (1 - yy) * (1 - k);
+      } else if (colour == 3) {
+        r = im.channel(x, y, 0), g = im.channel(x, y, 1), b = im.channel(x, y, 2);
+      } else {
+        const double l = im.channel(x, y, 0);
+        if (colourise)
+          r = fr + (1 - fr) * l, g = fg + (1 - fg) * l, b = fb + (1 - fb) * l;
+        else
+          r = g = b = l;
+      }
+      const double a = im.alpha ? im.channel(x, y, im.channels() - 1) : 1.0;
+      auto q = [&](double v) { return static_cast<uint32_t>(std::lround(std::clamp(v * a, 0.0, 1.0) * 255)); };
+      row[x] = (static_cast<uint32_t>(std::lround(a * 255)) << 24) | (q(r) << 16) | (q(g) << 8) | q(b);
+    }
+  }
+  cairo_surface_mark_dirty(surf);
+  return surf;
+}
 
 AIRealRect renderArea(const Document& doc) {
   if (doc.artboard) return *doc.artboard;

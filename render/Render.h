@@ -10,6 +10,7 @@
 #include "host/Document.h"
 
 typedef struct _cairo cairo_t;
+typedef struct _cairo_surface cairo_surface_t;
 
 namespace lb::render {
 
@@ -38,6 +39,12 @@ struct Image {
   // Device pixel of a document point.
   void toPixel(AIRealPoint p, double scale, double* x, double* y) const;
 };
+
+// The pixels of raster art as a new cairo ARGB32 surface (premultiplied):
+// CMYK, RGB or grey, with its alpha channel, grey tinted by the art's fill
+// colour when it has one. Null when the art has no complete pixel data or
+// cairo cannot make a surface that size. The caller destroys the surface.
+cairo_surface_t* imageSurface(const ArtObject& art);
 
 // The area drawn: the artboard, or the bounds of all visible art.
 AIRealRect renderArea(const lb::host::Document& doc);

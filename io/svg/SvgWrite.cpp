@@ -15,6 +15,7 @@
 #include "io/svg/MeshGrid.h"
 #include "io/svg/Svg.h"
 #include "io/svg/SvgCommon.h"
+#include "render/Render.h"
 
 namespace lb::io::svg {
 
@@ -306,41 +307,11 @@ class Writer {
       losses_->add("images without pixel data");
       return;
     }
-    const bool colourise = im.space == kGrayColorSpace && a.style.fillPaint && a.style.fill.color.kind != kNoneColor;
-    double fr = 0, fg = 0, fb = 0;
-    if (colourise) lb::host::colorToRGB(a.style.fill.color, &fr, &fg, &fb);
-    cairo_surface_t* surf = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, im.width, im.height);
-    if (cairo_surface_status(surf) != CAIRO_STATUS_SUCCESS) {
-      cairo_surface_destroy(surf);
+    cairo_surface_t* surf = lb::render::imageSurface(a);
+    if (!surf) {
       losses_->add("images too large to encode");
       return;
     }
-    cairo_surface_flush(surf);
-    unsigned char* data = cairo_image_surface_get_data(surf);
-    const int stride = cairo_image_surface_get_stride(surf);
-    const int colour = im.channels() - (im.alpha ? 1 : 0);
-    for (int y = 0; y < im.height; ++y) {
-      auto* row = reinterpret_cast<uint32_t*>(data + static_cast<size_t>(y) * stride);
-      for (int x = 0; x < im.width; ++x) {
-        double r, g, b;
-        if (colour >= 4) {
-          const double c = im.channel(x, y, 0), m = im.channel(x, y, 1), yy = im.channel(x, y, 2), k = im.channel(x, y, 3);
-          r = (1 - c) * (1 - k), g = (1 - m) * (1 - k), b = (1 - yy) * (1 - k);
-        } else if (colour == 3) {
-          r = im.channel(x, y, 0), g = im.channel(x, y, 1), b = im.channel(x, y, 2);
-        } else {
-          const double l = im.channel(x, y, 0);
-          if (colourise)
-            r = fr + (1 - fr) * l, g = fg + (1 - fg) * l, b = fb + (1 - fb) * l;
-          else
-            r = g = b = l;
-        }
-        const double al = im.alpha ? im.channel(x, y, im.channels() - 1) : 1.0;
-        auto q = [&](double v) { return static_cast<uint32_t>(std::lround(std::clamp(v * al, 0.0, 1.0) * 255)); };
-        row[x] = (static_cast<uint32_t>(std::lround(al * 255)) << 24) | (q(r) << 16) | (q(g) << 8) | q(b);
-      }
-    }
-    cairo_surface_mark_dirty(surf);
     std::string png;
     cairo_surface_write_to_png_stream(
         surf,
