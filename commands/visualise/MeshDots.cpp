@@ -115,6 +115,29 @@ struct NodeCounter {
   }
 };
 
+// Calls f(v, p, isNode, name) for every selected vertex of the mesh in walk
+// order, with its point and its name: the node's name, or "lbVertex".
+template <class F>
+void ForEachSelectedVertex(AIArtHandle mesh, AIMeshSelection sel, int32_t I, F f) {
+  char nodeName[24];
+  VertexRef v;
+  ThrowIfErr(sMesh->GetStartVertex(mesh, v.put()));
+  NodeCounter at(I);
+  for (; !sMeshVertexIterator->AtEnd(v); ThrowIfErr(sMeshVertexIterator->Next(v))) {
+    const bool isNode = sMeshVertexIterator->IsNode(v);
+    if (isNode) at.Step();
+    if (!sMeshSelection->ContainsVertex(sel, v)) continue;
+    AIRealPoint p{};
+    sMeshVertexIterator->GetPoint(v, &p);
+    const char* name = "lbVertex";
+    if (isNode) {
+      MakeNodeName(at.i, at.j, nodeName);
+      name = nodeName;
+    }
+    f(v.get(), p, isNode, name);
+  }
+}
+
 // Direction of segment k of a vertex; a later match wins.
 int DirOf(AIMeshVertexIterator v, int32_t k) {
   int dir = -1;
@@ -180,38 +203,19 @@ int _MakeMeshDotsGroup(AIArtHandle mesh) {
     SelectionRef sel = GetSelectionRef(mesh);
     int32_t I = 0, J = 0;
     ThrowIfErr(sMesh->GetSize(mesh, &I, &J));
-    char nodeName[24];
 
     // First pass: vertex points and the handles the host reports.
-    {
-      VertexRef v;
-      ThrowIfErr(sMesh->GetStartVertex(mesh, v.put()));
-      NodeCounter at(I);
-      for (; !sMeshVertexIterator->AtEnd(v); ThrowIfErr(sMeshVertexIterator->Next(v))) {
-        const bool isNode = sMeshVertexIterator->IsNode(v);
-        if (isNode) at.Step();
-        if (!sMeshSelection->ContainsVertex(sel, v)) continue;
-        AIRealPoint p{};
-        sMeshVertexIterator->GetPoint(v, &p);
-        const char* name = "lbVertex";
-        if (isNode) {
-          MakeNodeName(at.i, at.j, nodeName);
-          name = nodeName;
-          MakePoint(&p, t.nodes, name, st.node);
-        } else {
-          MakePoint(&p, t.vertices, name, st.vertex);
-        }
-        AIArtHandle ctlGroup = ZF_NewGroup(kPlaceInsideOnBottom, isNode ? t.ctlNodes : t.ctlVertices, name);
-        AIArtHandle lineGroup =
-            ZF_NewGroup(kPlaceInsideOnBottom, isNode ? t.linesNodes : t.linesVertices, name);
-        const int32_t count = sMeshVertexIterator->CountSegments(v);
-        for (int32_t k = 0; k < count; ++k) {
-          AIRealPoint h{};
-          sMeshVertexIterator->GetTangent(v, k, &h);
-          HandleMark(p, h, DirOf(v, k), ctlGroup, lineGroup, st, false);
-        }
+    ForEachSelectedVertex(mesh, sel, I, [&](AIMeshVertexIterator v, AIRealPoint p, bool isNode, const char* name) {
+      MakePoint(&p, isNode ? t.nodes : t.vertices, name, isNode ? st.node : st.vertex);
+      AIArtHandle ctlGroup = ZF_NewGroup(kPlaceInsideOnBottom, isNode ? t.ctlNodes : t.ctlVertices, name);
+      AIArtHandle lineGroup = ZF_NewGroup(kPlaceInsideOnBottom, isNode ? t.linesNodes : t.linesVertices, name);
+      const int32_t count = sMeshVertexIterator->CountSegments(v);
+      for (int32_t k = 0; k < count; ++k) {
+        AIRealPoint h{};
+        sMeshVertexIterator->GetTangent(v, k, &h);
+        HandleMark(p, h, DirOf(v, k), ctlGroup, lineGroup, st, false);
       }
-    }
+    });
 
     // Knot test: a segment with both ends selected that carries knots.
     bool knots = false;
@@ -229,22 +233,8 @@ int _MakeMeshDotsGroup(AIArtHandle mesh) {
 
     // Second pass: the true Bezier controls and the knots.
     if (knots) {
-      VertexRef v;
-      ThrowIfErr(sMesh->GetStartVertex(mesh, v.put()));
-      NodeCounter at(I);
-      for (; !sMeshVertexIterator->AtEnd(v); ThrowIfErr(sMeshVertexIterator->Next(v))) {
-        const bool isNode = sMeshVertexIterator->IsNode(v);
-        if (isNode) at.Step();
-        if (!sMeshSelection->ContainsVertex(sel, v)) continue;
-        AIRealPoint p{};
-        sMeshVertexIterator->GetPoint(v, &p);
-        const char* name = "lbVertex";
-        if (isNode) {
-          MakeNodeName(at.i, at.j, nodeName);
-          name = nodeName;
-        }
-        AIArtHandle ctlGroup =
-            ZF_NewGroup(kPlaceInsideOnBottom, isNode ? t.trueCtlNodes : t.trueCtlVertices, name);
+      ForEachSelectedVertex(mesh, sel, I, [&](AIMeshVertexIterator v, AIRealPoint p, bool isNode, const char* name) {
+        AIArtHandle ctlGroup = ZF_NewGroup(kPlaceInsideOnBottom, isNode ? t.trueCtlNodes : t.trueCtlVertices, name);
         AIArtHandle lineGroup =
             ZF_NewGroup(kPlaceInsideOnBottom, isNode ? t.trueLinesNodes : t.trueLinesVertices, name);
         const int32_t count = sMeshVertexIterator->CountSegments(v);
@@ -257,7 +247,7 @@ int _MakeMeshDotsGroup(AIArtHandle mesh) {
         }
         DrawKnots(v, sel, kAIMeshIAxis, t, st);
         DrawKnots(v, sel, kAIMeshJAxis, t, st);
-      }
+      });
     }
   } catch (int) {
     return 1;
