@@ -434,10 +434,15 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
   if (!impl_->span(s, &sp)) return false;
   const int n = 3 * (sp.a1 - sp.a0) + 1;
   if (start < 0 || count < 0 || start + count > n) return false;
+  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  const int last = static_cast<int>(r.pts.size()) - 1;
   for (int k = 0; k < count; ++k) {
     const int p = start + k;
     const int idx = sp.fwd ? 3 * sp.a0 + p : 3 * sp.a1 - p;
-    impl_->setRunPoint(sp.axis, sp.i, sp.j, idx, pts[k]);
+    if (idx > 0 && idx < last)
+      r.pts[idx] = pts[k];  // inside the run: no other run shares it
+    else
+      impl_->setRunPoint(sp.axis, sp.i, sp.j, idx, pts[k]);
   }
   return true;
 }
