@@ -52,6 +52,16 @@ VertexId GradientMesh::Impl::firstInner(const Run& r, int after) {
 }
 
 bool GradientMesh::Impl::span(SegmentRef s, Span* out) const {
+  if (memo.structure != structure || memo.seg.start != s.start || memo.seg.dir != s.dir) {
+    memo.ok = computeSpan(s, &memo.span);
+    memo.seg = s;
+    memo.structure = structure;
+  }
+  if (memo.ok) *out = memo.span;
+  return memo.ok;
+}
+
+bool GradientMesh::Impl::computeSpan(SegmentRef s, Span* out) const {
   const Where l = loc(s.start);
   if (!l || s.dir < 0 || s.dir > 3) return false;
   Span sp;
@@ -448,6 +458,7 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
 }
 
 bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
+  const Impl::Restructuring restructuring(*impl_);
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return false;
   const int K = sp.a1 - sp.a0 - 1;
@@ -476,6 +487,7 @@ bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
 }
 
 bool GradientMesh::deleteKnots(SegmentRef s, int m, int n) {
+  const Impl::Restructuring restructuring(*impl_);
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return false;
   const int K = sp.a1 - sp.a0 - 1;
@@ -491,6 +503,7 @@ bool GradientMesh::deleteKnots(SegmentRef s, int m, int n) {
 }
 
 VertexId GradientMesh::split(SegmentRef s, int k) {
+  const Impl::Restructuring restructuring(*impl_);
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return kNoVertex;
   const int K = sp.a1 - sp.a0 - 1;
@@ -507,6 +520,7 @@ VertexId GradientMesh::split(SegmentRef s, int k) {
 }
 
 int GradientMesh::join(SegmentRef s) {
+  const Impl::Restructuring restructuring(*impl_);
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return -1;
   Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
@@ -585,6 +599,7 @@ MeshRunData GradientMesh::runData(int axis, int i, int j) const {
   return d;
 }
 bool GradientMesh::setRunData(int axis, int i, int j, const MeshRunData& d) {
+  const Impl::Restructuring restructuring(*impl_);
   if (!impl_->runExists(axis, i, j)) return false;
   if (d.points.size() < 4 || (d.points.size() - 1) % 3 != 0 || d.inner.size() != (d.points.size() - 1) / 3 - 1)
     return false;

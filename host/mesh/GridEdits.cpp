@@ -136,6 +136,7 @@ Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f) {
 }  // namespace
 
 void GradientMesh::Impl::reindexRun(int axis, int i, int j) {
+  restructured();
   const Run& r = runAt(axis, i, j);
   const int32_t cs = col[i], rs = row[j];
   for (size_t k = 0; k < r.joints.size(); ++k)
@@ -144,11 +145,13 @@ void GradientMesh::Impl::reindexRun(int axis, int i, int j) {
 }
 
 void GradientMesh::Impl::killRun(const Run& r) {
+  restructured();
   for (const Joint& jt : r.joints)
     if (jt.id != kNoVertex) locs[jt.id].kind = kDead;
 }
 
 void GradientMesh::Impl::init(int i, int j) {
+  const Restructuring restructuring(*this);
   I = i, J = j;
   locs.clear();
   col.resize(I + 1), colPos.resize(I + 1), row.resize(J + 1), rowPos.resize(J + 1);
@@ -180,6 +183,7 @@ int GradientMesh::Impl::deadSlots() const {
 }
 
 void GradientMesh::Impl::compact() {
+  const Restructuring restructuring(*this);
   std::vector<std::vector<Cell>> fresh(static_cast<size_t>(I + 1));
   for (int i = 0; i <= I; ++i) {
     fresh[i].reserve(static_cast<size_t>(J + 1));
@@ -198,6 +202,7 @@ void GradientMesh::Impl::compact() {
 }
 
 int GradientMesh::Impl::insertLine(int axis, double at) {
+  const Restructuring restructuring(*this);
   const int n = count(axis), m = count(1 - axis);
   if (!(at > 0 && at < n)) return -1;
   const int k = static_cast<int>(std::floor(at));
@@ -282,6 +287,7 @@ int GradientMesh::Impl::insertLine(int axis, double at) {
 }
 
 void GradientMesh::Impl::deleteLine(int axis, int k) {
+  const Restructuring restructuring(*this);
   const int m = count(1 - axis);
   const int back = axis, fwd = axis + 2;
   for (int b = 0; b <= m; ++b) {

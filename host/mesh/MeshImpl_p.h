@@ -136,6 +136,7 @@ struct GradientMesh::Impl {
 
   // ---- vertex ids ----
   VertexId newId(const Loc& l) {
+    restructured();
     locs.push_back(l);
     return static_cast<VertexId>(locs.size() - 1);
   }
@@ -144,7 +145,10 @@ struct GradientMesh::Impl {
     const Loc& l = locs[id];
     return Where{l.kind, l.axis, colPos[l.cs], rowPos[l.rs], l.a};
   }
-  void setNodeLoc(VertexId id, int i, int j) { locs[id] = Loc{kNodeLoc, 0, col[i], row[j], 0}; }
+  void setNodeLoc(VertexId id, int i, int j) {
+    restructured();
+    locs[id] = Loc{kNodeLoc, 0, col[i], row[j], 0};
+  }
   // Records the location of every vertex inside run (axis, i, j).
   void reindexRun(int axis, int i, int j);
   // Marks every vertex inside a run dead.
@@ -180,6 +184,31 @@ struct GradientMesh::Impl {
     bool fwd = true;
   };
   bool span(SegmentRef s, Span* out) const;
+  bool computeSpan(SegmentRef s, Span* out) const;
+
+  // Structure stamp: changes whenever vertex ids, runs' anchors or the grid
+  // lines change, so that a span found earlier can be reused while the stamp
+  // is the same. A suite call on a segment asks for its span twice (the
+  // validity check, then the work), and walks ask for it again and again.
+  // Like the colour field cache, the memo assumes one thread per mesh.
+  uint64_t structure = 0;
+  void restructured() { ++structure; }
+  struct SpanMemo {
+    SegmentRef seg{kNoVertex, -1};
+    uint64_t structure = ~uint64_t{0};
+    bool ok = false;
+    Span span;
+  };
+  mutable SpanMemo memo;
+  // Marks the structure changed when made and again when gone, so that no
+  // span found half-way through an edit outlives it.
+  struct Restructuring {
+    Impl& m;
+    explicit Restructuring(Impl& impl) : m(impl) { m.restructured(); }
+    ~Restructuring() { m.restructured(); }
+    Restructuring(const Restructuring&) = delete;
+    Restructuring& operator=(const Restructuring&) = delete;
+  };
 
   void setNodePoint(int i, int j, P p);
   void setRunPoint(int axis, int i, int j, int idx, P p);
