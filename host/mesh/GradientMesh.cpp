@@ -16,7 +16,9 @@ using namespace bez;
 
 bool collinear(P in, P anchor, P out) {
   const P a = in - anchor, b = out - anchor;
-  const double la = std::hypot(a.h, a.v), lb = std::hypot(b.h, b.v);
+  // sqrt rather than hypot: coordinates are bounded far below overflow, and
+  // hypot's extra care is slow; line insertions call this for every new node.
+  const double la = std::sqrt(a.h * a.h + a.v * a.v), lb = std::sqrt(b.h * b.h + b.v * b.v);
   if (la < 1e-12 || lb < 1e-12) return false;
   const double cross = a.h * b.v - a.v * b.h, dot = a.h * b.h + a.v * b.v;
   return std::abs(cross) <= 1e-9 * la * lb && dot < 0;
@@ -122,12 +124,12 @@ void GradientMesh::Impl::setRunPoint(int axis, int i, int j, int idx, P p) {
 }
 
 
-GradientMesh::GradientMesh() : impl_(std::make_unique<Impl>()), life_(std::make_shared<int>(0)) {
+GradientMesh::GradientMesh() : impl_(std::make_unique<Impl>()), life_(std::make_shared<int>(0)), lifeToken_(life_) {
   impl_->init(1, 1);
 }
 GradientMesh::~GradientMesh() = default;
 GradientMesh::GradientMesh(const GradientMesh& o)
-    : impl_(std::make_unique<Impl>(*o.impl_)), life_(std::make_shared<int>(0)) {
+    : impl_(std::make_unique<Impl>(*o.impl_)), life_(std::make_shared<int>(0)), lifeToken_(life_) {
   if (impl_->deadSlots() > 0) impl_->compact();
 }
 GradientMesh& GradientMesh::operator=(const GradientMesh& o) {
@@ -135,13 +137,13 @@ GradientMesh& GradientMesh::operator=(const GradientMesh& o) {
     *impl_ = *o.impl_;
     if (impl_->deadSlots() > 0) impl_->compact();
     life_ = std::make_shared<int>(0);
+    lifeToken_ = life_;
   }
   return *this;
 }
 
 int GradientMesh::sizeI() const { return impl_->I; }
 int GradientMesh::sizeJ() const { return impl_->J; }
-std::weak_ptr<const void> GradientMesh::lifeToken() const { return std::static_pointer_cast<const void>(life_); }
 
 // ---- vertices --------------------------------------------------------------
 

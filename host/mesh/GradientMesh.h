@@ -96,7 +96,7 @@ class GradientMesh {
   int sizeJ() const;
 
   // Token that expires when this mesh object is destroyed or assigned to.
-  std::weak_ptr<const void> lifeToken() const;
+  const std::weak_ptr<const void>& lifeToken() const { return lifeToken_; }
 
   // ---- vertices -------------------------------------------------------
   size_t nodeCount() const;
@@ -242,7 +242,8 @@ class GradientMesh {
 
  private:
   std::unique_ptr<Impl> impl_;
-  std::shared_ptr<int> life_;
+  std::shared_ptr<const void> life_;
+  std::weak_ptr<const void> lifeToken_;  // handed out by reference: no shared count touched
 };
 
 }  // namespace lb::host
