@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,6 +45,16 @@ std::vector<std::string> names(const std::vector<ArtObject*>& arts) {
 using Names = std::vector<std::string>;
 
 AIPathSegment seg(double h, double v) { return AIPathSegment{{h, v}, {h, v}, {h, v}, 1}; }
+
+// Bounds as (left, bottom, right, top) within 1e-12.
+::testing::AssertionResult BoundsAre(const std::optional<AIRealRect>& r, std::vector<double> lbrt) {
+  if (!r) return ::testing::AssertionFailure() << "no bounds";
+  const std::vector<double> got{r->left, r->bottom, r->right, r->top};
+  for (size_t k = 0; k < 4; ++k)
+    if (std::fabs(got[k] - lbrt[k]) > 1e-12)
+      return ::testing::AssertionFailure() << got[0] << " " << got[1] << " " << got[2] << " " << got[3];
+  return ::testing::AssertionSuccess();
+}
 
 }  // namespace
 
@@ -283,29 +295,20 @@ TEST(Selection, PathAnchorStates) {
   EXPECT_EQ(d.anchorSelection(p, -1), kSegmentNotSelected);
 }
 
-TEST(Selection, GroupSelectsContents) {
+// A group selects its contents; a mesh's attribute drives its vertex selection.
+TEST(Selection, GroupSelectsContentsAndMeshVertices) {
   Document d;
   d.addLayer("L");
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* a = make(d, kPathArt, kPlaceInsideOnTop, g, "a");
   ArtObject* m = make(d, kMeshArt, kPlaceInsideOnTop, g, "m");
+  m->mesh->initCartesian(2, 2);
   d.setSelected(g, true);
   EXPECT_TRUE(g->selected() && a->selected() && m->selected());
+  EXPECT_FALSE(m->mesh->isSelectionEmpty());
   d.setSelected(g, false);
   EXPECT_FALSE(g->selected() || a->selected() || m->selected());
-}
-
-TEST(Selection, MeshAttributeDrivesVertexSelection) {
-  Document d;
-  d.addLayer("L");
-  ArtObject* m = make(d, kMeshArt, kPlaceAboveAll, nullptr, "m");
-  m->mesh->initCartesian(2, 2);
-  d.setSelected(m, true);
-  EXPECT_TRUE(m->selected());
-  EXPECT_FALSE(m->mesh->isSelectionEmpty());
-  d.setSelected(m, false);
   EXPECT_TRUE(m->mesh->isSelectionEmpty());
-  EXPECT_FALSE(m->selected());
 }
 
 TEST(Geometry, PathBoundsFollowTheCurveNotTheHandles) {
@@ -315,40 +318,24 @@ TEST(Geometry, PathBoundsFollowTheCurveNotTheHandles) {
   // One piece from (0,0) to (3,0) with both handles at height 3: the curve
   // peaks at 0.75 * 3 = 2.25, not at the handles' 3.
   p->segments = {AIPathSegment{{0, 0}, {0, 0}, {0, 3}, 0}, AIPathSegment{{3, 0}, {3, 3}, {3, 0}, 0}};
-  auto b = d.bounds(p);
-  ASSERT_TRUE(b);
-  EXPECT_DOUBLE_EQ(b->left, 0);
-  EXPECT_DOUBLE_EQ(b->right, 3);
-  EXPECT_DOUBLE_EQ(b->bottom, 0);
-  EXPECT_NEAR(b->top, 2.25, 1e-12);
+  EXPECT_TRUE(BoundsAre(d.bounds(p), {0, 0, 3, 2.25}));
   // Closing the path adds the piece back to the start (same curve reversed here).
   p->closed = true;
-  b = d.bounds(p);
-  EXPECT_NEAR(b->top, 2.25, 1e-12);
+  EXPECT_TRUE(BoundsAre(d.bounds(p), {0, 0, 3, 2.25}));
 
   // A raster: image space x right, y up, rows downward from 0.
   ArtObject* r = make(d, kRasterArt, kPlaceAboveAll, nullptr, "r");
   r->image.width = 4;
   r->image.height = 2;
   r->image.matrix = {2, 0, 0, 2, 10, 20};
-  auto rb = d.bounds(r);
-  ASSERT_TRUE(rb);
-  EXPECT_DOUBLE_EQ(rb->left, 10);
-  EXPECT_DOUBLE_EQ(rb->right, 18);
-  EXPECT_DOUBLE_EQ(rb->top, 20);
-  EXPECT_DOUBLE_EQ(rb->bottom, 16);
+  EXPECT_TRUE(BoundsAre(d.bounds(r), {10, 16, 18, 20}));
 
   // A group unites its children; an empty group has none.
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   EXPECT_FALSE(d.bounds(g));
   ASSERT_EQ(d.reorderArt(p, kPlaceInsideOnTop, g), kNoErr);
   ASSERT_EQ(d.reorderArt(r, kPlaceInsideOnTop, g), kNoErr);
-  auto gb = d.bounds(g);
-  ASSERT_TRUE(gb);
-  EXPECT_DOUBLE_EQ(gb->left, 0);
-  EXPECT_DOUBLE_EQ(gb->right, 18);
-  EXPECT_DOUBLE_EQ(gb->top, 20);
-  EXPECT_DOUBLE_EQ(gb->bottom, 0);
+  EXPECT_TRUE(BoundsAre(d.bounds(g), {0, 0, 18, 20}));
 }
 
 TEST(Geometry, TransformMovesPathsAndImages) {
@@ -360,15 +347,11 @@ TEST(Geometry, TransformMovesPathsAndImages) {
   ArtObject* r = make(d, kRasterArt, kPlaceInsideOnTop, g, "r");
   r->image.matrix = {1, 0, 0, 1, 5, 5};
   d.transformArt(g, AIRealMatrix{2, 0, 0, 3, 1, 1});
-  EXPECT_EQ(p->segments[0].p.h, 3);
-  EXPECT_EQ(p->segments[0].p.v, 7);
-  EXPECT_EQ(p->segments[0].in.h, 1);
-  EXPECT_EQ(p->segments[0].out.h, 5);
+  const AIPathSegment& s = p->segments[0];
+  EXPECT_EQ(std::vector<double>({s.p.h, s.p.v, s.in.h, s.out.h}), std::vector<double>({3, 7, 1, 5}));
   // The image matrix maps image space first, then the transform.
-  EXPECT_EQ(r->image.matrix.a, 2);
-  EXPECT_EQ(r->image.matrix.d, 3);
-  EXPECT_EQ(r->image.matrix.tx, 11);
-  EXPECT_EQ(r->image.matrix.ty, 16);
+  const AIRealMatrix& m = r->image.matrix;
+  EXPECT_EQ(std::vector<double>({m.a, m.d, m.tx, m.ty}), std::vector<double>({2, 3, 11, 16}));
 }
 
 TEST(Image, ChannelsAndSizes) {

@@ -13,6 +13,7 @@
 #include "host/Host.h"
 #include "host/SuiteRegistry.h"
 #include "io/Lbdoc.h"
+#include "support/MeshRecipe.h"
 
 using lb::host::Document;
 using lb::host::Host;
@@ -69,14 +70,11 @@ using Names = std::vector<std::string>;
 
 // A flat I x J mesh art object as .lbdoc JSON.
 std::string mesh(const std::string& name, bool selected, int I, int J) {
-  std::string nodes;
-  for (int j = 0; j <= J; ++j)
-    for (int i = 0; i <= I; ++i) {
-      if (!nodes.empty()) nodes += ", ";
-      nodes += "{\"p\": [" + std::to_string(i * 10) + ", " + std::to_string(j * 10) + "]}";
-    }
-  return R"({"type": "mesh", "name": ")" + name + R"(", "selected": )" + (selected ? "true" : "false") +
-         R"(, "size": [)" + std::to_string(I) + ", " + std::to_string(J) + R"(], "nodes": [)" + nodes + "]}";
+  lbtest::MeshRecipe r;
+  r.I = I, r.J = J, r.artSelected = selected;
+  lbtest::json art = lbtest::MeshJson(r);
+  art["name"] = name;
+  return art.dump();
 }
 
 }  // namespace
@@ -331,10 +329,7 @@ TEST_F(Suites, BoundsKeyArtAndTransform) {
   EXPECT_EQ(k->id, "k");
   AIRealRect r{};
   ASSERT_EQ(art->GetArtBounds(k, &r), kNoErr);
-  EXPECT_EQ(r.left, 1);
-  EXPECT_EQ(r.top, 2);
-  EXPECT_EQ(r.right, 5);
-  EXPECT_EQ(r.bottom, -3);
+  EXPECT_EQ(std::vector<double>({r.left, r.top, r.right, r.bottom}), std::vector<double>({1, 2, 5, -3}));
   const AIRealMatrix shift{1, 0, 0, 1, 10, 0};
   ASSERT_EQ(art->TransformArt(k, &shift), kNoErr);
   ASSERT_EQ(art->GetArtBounds(k, &r), kNoErr);
@@ -425,10 +420,7 @@ TEST_F(Suites, BezierEvaluateDivideLengthBounds) {
   EXPECT_LE(std::fabs(fine - M_PI / 2), std::fabs(coarse - M_PI / 2) + 1e-12);
   AIRealRect bb{};
   bezier->Bounds(&b, &bb);
-  EXPECT_DOUBLE_EQ(bb.top, 0.75);
-  EXPECT_DOUBLE_EQ(bb.bottom, 0);
-  EXPECT_DOUBLE_EQ(bb.left, 0);
-  EXPECT_DOUBLE_EQ(bb.right, 1);
+  EXPECT_EQ(std::vector<double>({bb.left, bb.top, bb.right, bb.bottom}), std::vector<double>({0, 0.75, 1, 0}));
 }
 
 TEST_F(Suites, RandomIsDeterministic) {
@@ -456,17 +448,11 @@ TEST_F(Suites, RasterAndPlacedPixels) {
   AIArtHandle r = doc().layers()[0]->children[1].get();
   AIRasterRecord rec{};
   ASSERT_EQ(placed->GetPlacedInfo(pl, &rec), kNoErr);
-  EXPECT_EQ(rec.width, 2);
-  EXPECT_EQ(rec.height, 1);
-  EXPECT_EQ(rec.colorSpace, kRGBColorSpace);
-  EXPECT_EQ(rec.bitsPerPixel, 32);
-  EXPECT_EQ(rec.hasAlpha, 1);
+  EXPECT_EQ(std::vector<int>({rec.width, rec.height, rec.colorSpace, rec.bitsPerPixel, rec.hasAlpha}),
+            std::vector<int>({2, 1, kRGBColorSpace, 32, 1}));
   AIReal ch[4] = {};
   ASSERT_EQ(placed->GetPlacedPixel(pl, 0, 0, ch), kNoErr);
-  EXPECT_EQ(ch[0], 1.0);
-  EXPECT_EQ(ch[1], 0.0);
-  EXPECT_DOUBLE_EQ(ch[2], 51 / 255.0);
-  EXPECT_DOUBLE_EQ(ch[3], 128 / 255.0);
+  EXPECT_EQ(std::vector<AIReal>(ch, ch + 4), std::vector<AIReal>({1.0, 0.0, 51 / 255.0, 128 / 255.0}));
   EXPECT_EQ(placed->GetPlacedPixel(pl, 2, 0, ch), kBadParameterErr);
   EXPECT_EQ(placed->GetPlacedPixel(pl, 0, -1, ch), kBadParameterErr);
   int16_t ptype = 0;
