@@ -17,10 +17,13 @@
 #include "host/Document.h"
 #include "io/Describe.h"
 #include "io/Lbdoc.h"
+#include "IoTest.h"
 
 using lb::io::FormatError;
 using lb::io::readDocument;
 using lb::io::writeDocument;
+using iotest::ReadError;
+using iotest::Slurp;
 
 namespace {
 
@@ -69,16 +72,6 @@ const char* kFull = R"({
   ]
 })";
 
-FormatError readError(const std::string& text) {
-  try {
-    readDocument(text);
-  } catch (const FormatError& e) {
-    return e;
-  }
-  ADD_FAILURE() << "no error for: " << text;
-  return FormatError("", "");
-}
-
 // A one-layer document around one art object.
 std::string withArt(const std::string& art) {
   return R"({"latticebender": 1, "layers": [{"name": "L", "children": [)" + art + "]}]}";
@@ -103,11 +96,14 @@ std::set<std::string> listDir(const std::string& dir) {
   return names;
 }
 
-std::string slurp(const std::string& path) {
-  std::ifstream in(path);
-  std::stringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
+// A 2 x 1 mesh of flat nodes; extra goes into the art, nodeExtra into node (1, 1).
+std::string flatMesh(const std::string& extra, const std::string& nodeExtra = "") {
+  std::string nodes;
+  for (int j = 0; j <= 1; ++j)
+    for (int i = 0; i <= 2; ++i)
+      nodes += std::string(nodes.empty() ? "" : ", ") + "{\"p\": [" + std::to_string(i) + ", " + std::to_string(j) + "]" +
+               (i == 1 && j == 1 ? nodeExtra : std::string()) + "}";
+  return withArt(R"({"type": "mesh", "size": [2, 1], "nodes": [)" + nodes + "]" + extra + "}");
 }
 
 }  // namespace
@@ -115,10 +111,8 @@ std::string slurp(const std::string& path) {
 TEST(LbdocRead, EveryKeyLandsInTheModel) {
   auto doc = readDocument(kFull);
   ASSERT_TRUE(doc->artboard);
-  EXPECT_EQ(doc->artboard->left, -10);
-  EXPECT_EQ(doc->artboard->bottom, -20);
-  EXPECT_EQ(doc->artboard->right, 110.5);
-  EXPECT_EQ(doc->artboard->top, 220.25);
+  const AIRealRect& ab = *doc->artboard;
+  EXPECT_EQ(std::vector<double>({ab.left, ab.bottom, ab.right, ab.top}), std::vector<double>({-10, -20, 110.5, 220.25}));
   ASSERT_EQ(doc->styles().size(), 2u);
   const auto* axis = doc->styleByName("[LB][Axis]");
   ASSERT_NE(axis, nullptr);
@@ -379,23 +373,19 @@ TEST(LbdocErrors, EachNamesTheOffendingValue) {
       {withArt(R"({"type": "mesh", "size": [1, 1], "segments": []})"), "layers[0].children[0].segments",
        "unknown key"},
       {withArt(R"({"type": "mesh"})"), "layers[0].children[0].size", ""},
+      {withArt(R"({"type": "group", "children": [{"type": "mesh", "size": [1, 1], "nodes": []}]})"),
+       "layers[0].children[0].children[0].nodes", ""},
+      {flatMesh("", R"(, "color": {"gray": 2})"), "layers[0].children[0].nodes[4].color.gray", ""},
+      {"{\n  \"latticebender\": 1,\n  \"layers\": [,]\n}", "line 3, column 14", "malformed JSON"},
+      {"", "line 1, column 1", "malformed JSON"},
+      {"[1, 2]", "document", ""},
   };
   for (const Case& c : cases) {
-    const FormatError e = readError(c.text);
+    const FormatError e = ReadError(c.text);
     if (c.path.empty()) continue;  // only that it fails
     EXPECT_EQ(e.path(), c.path) << c.text << "\n" << e.what();
     EXPECT_NE(std::string(e.what()).find(c.words), std::string::npos) << e.what();
   }
-}
-
-TEST(LbdocErrors, MalformedJsonGivesLineAndColumn) {
-  const FormatError e = readError("{\n  \"latticebender\": 1,\n  \"layers\": [,]\n}");
-  EXPECT_EQ(e.path(), "line 3, column 14");
-  EXPECT_NE(std::string(e.what()).find("malformed JSON"), std::string::npos);
-  const FormatError empty = readError("");
-  EXPECT_NE(std::string(empty.what()).find("malformed JSON"), std::string::npos);
-  const FormatError notObject = readError("[1, 2]");
-  EXPECT_EQ(notObject.path(), "document");
 }
 
 TEST(LbdocFiles, ErrorsNameTheFile) {
@@ -405,19 +395,11 @@ TEST(LbdocFiles, ErrorsNameTheFile) {
     std::ofstream out(path);
     out << withArt(R"({"type": "path", "opacity": 7, "segments": []})");
   }
-  try {
-    lb::io::readDocumentFile(path);
-    ADD_FAILURE() << "no error";
-  } catch (const FormatError& e) {
-    EXPECT_EQ(e.path(), "layers[0].children[0].opacity");
-    EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
-  }
-  try {
-    lb::io::readDocumentFile(dir + "/missing.lbdoc");
-    ADD_FAILURE() << "no error";
-  } catch (const FormatError& e) {
-    EXPECT_NE(std::string(e.what()).find("missing.lbdoc"), std::string::npos) << e.what();
-  }
+  const FormatError e = ReadError(path, true);
+  EXPECT_EQ(e.path(), "layers[0].children[0].opacity");
+  EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
+  const std::string missing = ReadError(dir + "/missing.lbdoc", true).what();
+  EXPECT_NE(missing.find("missing.lbdoc"), std::string::npos) << missing;
   std::remove(path.c_str());
   rmdir(dir.c_str());
 }
@@ -431,7 +413,7 @@ TEST(LbdocFiles, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
     out << "old contents";
   }
   lb::io::writeDocumentFileAtomic(*doc, path);
-  EXPECT_EQ(slurp(path), writeDocument(*doc));
+  EXPECT_EQ(Slurp(path), writeDocument(*doc));
   EXPECT_EQ(listDir(dir), (std::set<std::string>{"doc.lbdoc"}));
   auto back = lb::io::readDocumentFile(path);
   EXPECT_EQ(writeDocument(*back), writeDocument(*doc));
@@ -445,15 +427,14 @@ TEST(LbdocFiles, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
   // A directory that does not exist: nothing is created.
   EXPECT_THROW(lb::io::writeDocumentFileAtomic(*doc, dir + "/no/such/dir/x.lbdoc"), std::runtime_error);
   EXPECT_EQ(listDir(dir), (std::set<std::string>{"doc.lbdoc", "blocked"}));
-  EXPECT_EQ(slurp(path), writeDocument(*doc));
+  EXPECT_EQ(Slurp(path), writeDocument(*doc));
   rmdir(blocked.c_str());
   std::remove(path.c_str());
   rmdir(dir.c_str());
 }
 
 TEST(LbdocExamples, ShippedExamplesReadAndRoundTrip) {
-  const char* src = std::getenv("LB_SOURCE_DIR");
-  const std::string root = src ? src : ".";
+  const std::string root = iotest::SourcePath("");
   const auto names = listDir(root + "/examples");
   int seen = 0;
   for (const std::string& n : names) {
@@ -474,34 +455,14 @@ TEST(LbdocExamples, ShippedExamplesReadAndRoundTrip) {
 TEST(Describe, SummarisesTreeAttributesAndMeshes) {
   auto doc = readDocument(kFull);
   const std::string text = lb::io::describeDocument(*doc);
-  EXPECT_NE(text.find("2 layers, 2 styles"), std::string::npos) << text;
-  EXPECT_NE(text.find("layer \"Top\""), std::string::npos) << text;
-  EXPECT_NE(text.find("  group \"Group\" #g hidden locked opacity=0.1 blend=luminosity (2 children)"),
-            std::string::npos)
-      << text;
-  EXPECT_NE(text.find("    path \"P\" #p selected style=\"[LB][Axis]\" 2 anchors closed, 1 selected"),
-            std::string::npos)
-      << text;
-  EXPECT_NE(text.find("raster #r 2x2 gray+alpha 8-bit"), std::string::npos) << text;
-  EXPECT_NE(text.find("placed #pl selected 1x1 cmyk 16-bit placedType=3"), std::string::npos) << text;
-  EXPECT_NE(text.find("mesh \"Mesh\" #m selected opacity=0.75 blend=multiply key 2x3 cells"), std::string::npos)
-      << text;
-  EXPECT_NE(text.find("2x3 cells, 12 vertices, 1 selected"), std::string::npos) << text;
-  EXPECT_NE(text.find("layer \"Bottom\" hidden locked (0 children)"), std::string::npos) << text;
+  for (const char* line : {"2 layers, 2 styles", "layer \"Top\"",
+                           "  group \"Group\" #g hidden locked opacity=0.1 blend=luminosity (2 children)",
+                           "    path \"P\" #p selected style=\"[LB][Axis]\" 2 anchors closed, 1 selected",
+                           "raster #r 2x2 gray+alpha 8-bit", "placed #pl selected 1x1 cmyk 16-bit placedType=3",
+                           "mesh \"Mesh\" #m selected opacity=0.75 blend=multiply key 2x3 cells",
+                           "2x3 cells, 12 vertices, 1 selected", "layer \"Bottom\" hidden locked (0 children)"})
+    EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
 }
-
-namespace {
-std::string flatMesh(const std::string& extra, const std::string& nodeExtra = "") {
-  std::string nodes;
-  for (int j = 0; j <= 1; ++j)
-    for (int i = 0; i <= 2; ++i) {
-      if (!nodes.empty()) nodes += ", ";
-      nodes += "{\"p\": [" + std::to_string(i) + ", " + std::to_string(j) + "]" +
-               (i == 1 && j == 1 ? nodeExtra : std::string()) + "}";
-    }
-  return withArt(R"({"type": "mesh", "size": [2, 1], "nodes": [)" + nodes + "]" + extra + "}");
-}
-}  // namespace
 
 TEST(LbdocMesh, SelectionRulesBetweenArtAndVertices) {
   // Selected art, no vertex flags: the whole mesh.
@@ -526,11 +487,4 @@ TEST(LbdocMesh, SelectionRulesBetweenArtAndVertices) {
   auto empty = readDocument(writeDocument(*partial));
   EXPECT_TRUE(empty->layers()[0]->children[0]->selected());
   EXPECT_TRUE(empty->layers()[0]->children[0]->mesh->isSelectionEmpty());
-}
-
-TEST(LbdocMesh, MeshErrorsCarryTheArtPath) {
-  const FormatError e = readError(withArt(R"({"type": "group", "children": [{"type": "mesh", "size": [1, 1], "nodes": []}]})"));
-  EXPECT_EQ(e.path(), "layers[0].children[0].children[0].nodes");
-  const FormatError c = readError(flatMesh("", R"(, "color": {"gray": 2})"));
-  EXPECT_EQ(c.path(), "layers[0].children[0].nodes[4].color.gray");
 }
