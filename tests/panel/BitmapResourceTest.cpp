@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "AIFrameSuites.h"
+#include "BmpBytes.h"
 #include "ZC_DIB.h"
 
 // The plug-in globals the loader reads; the real ones live in the module.
@@ -70,19 +71,9 @@ const AIDataFilterSuite kSuite = {
 // A 32-bit BMP of w x h pixels, all (b, g, r, a) = (1, 2, 3, 4), padded
 // with zero bytes to `total` when given.
 std::vector<unsigned char> Bmp32(int w, int h, size_t total = 0) {
-  std::vector<unsigned char> buf(54, 0);
-  buf[0] = 'B';
-  buf[1] = 'M';
-  uint32_t off = 54;
-  std::memcpy(&buf[10], &off, 4);
-  BITMAPINFOHEADER ih{};
-  ih.biSize = 40;
-  ih.biWidth = w;
-  ih.biHeight = h;
-  ih.biPlanes = 1;
-  ih.biBitCount = 32;
-  std::memcpy(&buf[14], &ih, 40);
-  for (int i = 0; i < w * h; ++i) buf.insert(buf.end(), {1, 2, 3, 4});
+  std::vector<unsigned char> px;
+  for (int i = 0; i < w * h; ++i) px.insert(px.end(), {1, 2, 3, 4});
+  auto buf = Bmp(w, h, 32, 54, px);
   if (buf.size() < total) buf.resize(total, 0);
   return buf;
 }

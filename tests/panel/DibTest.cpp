@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "BmpBytes.h"
 #include "ZC_DIB.h"
 #include "lbwin.h"
 
@@ -22,44 +23,16 @@ std::vector<int> Px(const ZC_DIB& d, int x, int y) {
   return {p[0], p[1], p[2]};
 }
 
-// A BMP file image: headers, then `rows` bottom-up at pixel offset `offset`.
-std::vector<unsigned char> Bmp(int w, int h, int bpp, uint32_t offset,
-                               const std::vector<unsigned char>& pixels) {
-  std::vector<unsigned char> buf(offset, 0);
-  BITMAPFILEHEADER fh{};
-  fh.bfType = 0x4D42;
-  fh.bfSize = static_cast<DWORD>(offset + pixels.size());
-  fh.bfOffBits = offset;
-  BITMAPINFOHEADER ih{};
-  ih.biSize = 40;
-  ih.biWidth = w;
-  ih.biHeight = h;
-  ih.biPlanes = 1;
-  ih.biBitCount = static_cast<WORD>(bpp);
-  std::memcpy(buf.data(), &fh, 14);
-  std::memcpy(buf.data() + 14, &ih, 40);
-  buf.insert(buf.end(), pixels.begin(), pixels.end());
-  return buf;
-}
-
 TEST(DibMake, EmptyAndSizedBitmaps) {
-  ZC_DIB empty;
-  EXPECT_EQ(empty.GetW(), 0);
-  EXPECT_EQ(empty.GetH(), 0);
-  ZC_DIB eight(10, 10, 8);
+  ZC_DIB eight(10, 10, 8);  // only 24 and 32 bits are made
   EXPECT_TRUE(eight.IsEmpty());
   EXPECT_EQ(eight.GetW(), 0);
 
   ZC_DIB d(5, 3, 24);
   EXPECT_EQ(d.GetW(), 5);
   EXPECT_EQ(d.GetH(), 3);
-  const BITMAPINFOHEADER& ih = d.InfoHeader();
-  EXPECT_EQ(ih.biSize, 40u);
-  EXPECT_EQ(ih.biPlanes, 1);
-  EXPECT_EQ(ih.biBitCount, 24);
-  EXPECT_EQ(ih.biSizeImage, 0u);
-  EXPECT_EQ(ih.biXPelsPerMeter, 1);
-  EXPECT_EQ(ih.biYPelsPerMeter, 1);
+  const auto header = Bmp(5, 3, 24, 54, {}, 0, 1);
+  EXPECT_EQ(std::memcmp(&d.InfoHeader(), header.data() + 14, 40), 0);
   // 24-bit rows are padded to 4 bytes: 15 -> 16.
   EXPECT_EQ(d.PixelAt(0, 1) - d.PixelAt(0, 2), 16);
 
@@ -265,13 +238,8 @@ TEST(DibLoad, BottomUpPixelsFromThePixelOffset) {
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 3, 3, 255}));
   EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{4, 4, 4, 128}));
   EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{1, 1, 1, 255}));
-}
-
-TEST(DibLoad, TwentyFourBitRowsArePadded) {
   // 1 x 2, 24 bits: 3 bytes of pixel and 1 of padding per row.
-  std::vector<unsigned char> px = {9, 8, 7, 0, 6, 5, 4, 0};
-  auto buf = Bmp(1, 2, 24, 54, px);
-  ZC_DIB d;
+  buf = Bmp(1, 2, 24, 54, {9, 8, 7, 0, 6, 5, 4, 0});
   d.LoadFromBuff(buf.data());
   ASSERT_EQ(d.GetH(), 2);
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{6, 5, 4}));
@@ -318,21 +286,21 @@ TEST_F(DibDraw, WholeBitmapLandsTopDown) {
 }
 
 TEST_F(DibDraw, SubRectangle) {
-  // Pixel (1, 1) alone, drawn at (0, 0).
-  dib.Draw(hdc, 0, 0, 1, 1, 1, 1);
-  EXPECT_EQ(lbwinGetPixel(wnd, 0, 0), RGB(11, 11, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 1, 0), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(wnd, 0, 1), RGB(255, 255, 255));
-  // Columns 1..2 of the top row.
-  dib.Draw(hdc, 10, 10, 1, 0, 2, 1);
-  EXPECT_EQ(lbwinGetPixel(wnd, 10, 10), RGB(11, 1, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 11, 10), RGB(21, 1, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 10, 11), RGB(255, 255, 255));
-  // Negative sizes run to the edges from (sx, sy).
-  dib.Draw(hdc, 15, 15, 2, 1, -1, -1);
-  EXPECT_EQ(lbwinGetPixel(wnd, 15, 15), RGB(21, 11, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 16, 15), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(wnd, 15, 16), RGB(255, 255, 255));
+  const struct {
+    int x, y, sx, sy, w, h;
+    COLORREF first, right, below;  // at (x, y), (x + 1, y), (x, y + 1)
+  } cases[] = {
+      {0, 0, 1, 1, 1, 1, RGB(11, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // pixel (1, 1) alone
+      {10, 10, 1, 0, 2, 1, RGB(11, 1, 0), RGB(21, 1, 0), RGB(255, 255, 255)},       // columns 1..2 of the top row
+      {15, 15, 2, 1, -1, -1, RGB(21, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // negative: to the edges
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.x);
+    dib.Draw(hdc, c.x, c.y, c.sx, c.sy, c.w, c.h);
+    EXPECT_EQ(lbwinGetPixel(wnd, c.x, c.y), c.first);
+    EXPECT_EQ(lbwinGetPixel(wnd, c.x + 1, c.y), c.right);
+    EXPECT_EQ(lbwinGetPixel(wnd, c.x, c.y + 1), c.below);
+  }
 }
 
 }  // namespace

@@ -18,7 +18,8 @@ struct Recorder {
   }
 };
 
-TEST(Lbwin, LinesExcludeTheirEndPixel) {
+// Lines leave out their end pixel; a rectangle without outline its last row and column.
+TEST(Lbwin, LinesAndRectanglesExcludeTheirEnds) {
   HWND w = lbwinCreateWindow(10, 10);
   HDC dc = GetDC(w);
   HPEN pen = CreatePen(PS_SOLID, 1, RGB(1, 2, 3));
@@ -36,13 +37,6 @@ TEST(Lbwin, LinesExcludeTheirEndPixel) {
   EXPECT_FALSE(DeleteObject(pen));
   SelectObject(dc, old);
   EXPECT_TRUE(DeleteObject(pen));
-  ReleaseDC(w, dc);
-  DestroyWindow(w);
-}
-
-TEST(Lbwin, RectangleWithoutOutlineLosesItsLastRowAndColumn) {
-  HWND w = lbwinCreateWindow(10, 10);
-  HDC dc = GetDC(w);
   HBRUSH brush = CreateSolidBrush(RGB(9, 9, 9));
   HGDIOBJ oldBrush = SelectObject(dc, brush);
   HGDIOBJ oldPen = SelectObject(dc, GetStockObject(NULL_PEN));

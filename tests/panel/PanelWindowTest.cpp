@@ -348,14 +348,10 @@ TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   EXPECT_TRUE(Framed(kCmdColorShift, kWhite, kShadow));
   Up(kEmptyX, kEmptyY);
   EXPECT_EQ(GetCapture(), nullptr);
+  EXPECT_EQ(ColorFrom(0, 0), 0);  // released away from the button: nothing ran
 }
 
-TEST_F(Panel, ReleaseAwayFromThePressedButtonRunsNothing) {
-  Down(kShiftX, kShiftY);
-  Move(kEmptyX, kEmptyY, MK_LBUTTON);
-  Up(kEmptyX, kEmptyY);
-  EXPECT_EQ(ColorFrom(0, 0), 0);
-  // Released over a different button: nothing either.
+TEST_F(Panel, ReleaseOverAnotherButtonRunsNothing) {
   Down(kShiftX, kShiftY);
   Move(kReflectX, kReflectY, MK_LBUTTON);
   Up(kReflectX, kReflectY);
@@ -404,8 +400,9 @@ TEST_F(Panel, OpacityCheckboxClearedLeavesOpacities) {
 }
 
 struct KeyCase {
+  int x, y;  // the button
   bool alt, ctrl;
-  int expected;  // whose colour node (0, 0) takes
+  int expected, expected20;  // whose colour nodes (0, 0) and (2, 0) take
 };
 
 class PanelKeys : public Panel, public ::testing::WithParamInterface<KeyCase> {};
@@ -415,27 +412,24 @@ TEST_P(PanelKeys, KeysAreReadAtTheRelease) {
   // Keys held at the press do not count...
   lbwinSetKeyState(VK_MENU, !k.alt);
   lbwinSetKeyState(VK_CONTROL, !k.ctrl);
-  Move(kShiftX, kShiftY);
-  Down(kShiftX, kShiftY);
+  Move(k.x, k.y);
+  Down(k.x, k.y);
   // ...those held at the release do.
   lbwinSetKeyState(VK_MENU, k.alt);
   lbwinSetKeyState(VK_CONTROL, k.ctrl);
-  Up(kShiftX, kShiftY);
+  Up(k.x, k.y);
   EXPECT_EQ(ColorFrom(0, 0), k.expected);
+  EXPECT_EQ(ColorFrom(2, 0), k.expected20);
 }
 
 // Shift colours moves each node's paint one node towards the higher index
-// (I forward, no key), the lower index (I backward, Alt) or along J (Ctrl).
-INSTANTIATE_TEST_SUITE_P(ShiftColors, PanelKeys,
-                         ::testing::Values(KeyCase{false, false, 2}, KeyCase{true, false, 1},
-                                           KeyCase{false, true, 3}));
-
-TEST_F(Panel, ReflectButtonRunsItsOwnCommand) {
-  lbwinSetKeyState(VK_CONTROL, TRUE);
-  Click(kReflectX, kReflectY);
-  EXPECT_EQ(ColorFrom(0, 0), 3);  // reflected along J
-  EXPECT_EQ(ColorFrom(2, 0), 5);
-}
+// (I forward, no key), the lower index (I backward, Alt) or along J (Ctrl);
+// the reflect button runs its own command (Ctrl: reflected along J).
+INSTANTIATE_TEST_SUITE_P(Buttons, PanelKeys,
+                         ::testing::Values(KeyCase{kShiftX, kShiftY, false, false, 2, 1},
+                                           KeyCase{kShiftX, kShiftY, true, false, 1, 0},
+                                           KeyCase{kShiftX, kShiftY, false, true, 3, 5},
+                                           KeyCase{kReflectX, kReflectY, false, true, 3, 5}));
 
 // ---- Theme and lifetime ------------------------------------------------------------------
 
