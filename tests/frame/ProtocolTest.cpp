@@ -28,11 +28,7 @@ TEST(Startup, AddsMenuItemAndThreeNotifiers) {
   EXPECT_EQ(host.menuItemOptions(item), 1);
   EXPECT_EQ(host.notifierTypes(), kNotifierTypes);
   for (size_t i = 0; i < 3; ++i) EXPECT_EQ(host.notifierOwner(i), "LatticeBender");
-}
-
-TEST(Startup, EveryMessageLeavesTheCountersWhereTheyWere) {
-  Host host;
-  host.loadPlugin();
+  // Every message leaves the counters where they were.
   const Counters before = host.counters();
   EXPECT_EQ(before.suiteAcquisitions, 0);
   EXPECT_EQ(host.sendMessage("SP Interface", "About"), kNoErr);
@@ -193,14 +189,11 @@ TEST(Commands, AContextSuiteFailureRunsNothing) {
   EXPECT_EQ(host.counters(), before);
 }
 
-TEST(Loader, RejectsWhatIsNotAPlugin) {
+// The loader rejects what is not a plug-in; there is one host at a time.
+TEST(Loader, RejectsWhatIsNotAPluginAndOneHostAtATime) {
   Host host;
   EXPECT_THROW(host.loadPlugin("/nonexistent/LatticeBender.so"), std::runtime_error);
   EXPECT_FALSE(host.pluginLoaded());
-}
-
-TEST(HostObject, OnlyOneAtATime) {
-  Host host;
   EXPECT_TRUE(Host::exists());
   EXPECT_EQ(&Host::current(), &host);
   EXPECT_THROW(Host second, std::logic_error);
