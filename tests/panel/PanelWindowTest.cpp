@@ -107,24 +107,28 @@ class Panel : public ::testing::Test {
       for (int x = 3; x < 224; ++x) out.push_back(At(x, y));
     return out;
   }
+  bool Dark(int x, int y) const {
+    const COLORREF c = At(x, y);
+    return GetRValue(c) + GetGValue(c) + GetBValue(c) < 300;
+  }
   // Columns holding text (dark) pixels inside the strip.
   std::pair<int, int> TextColumns() const {
     int lo = 1000, hi = -1;
     for (int y = 269; y < 409; ++y)
-      for (int x = 5; x < 222; ++x) {
-        COLORREF c = At(x, y);
-        if (GetRValue(c) + GetGValue(c) + GetBValue(c) < 300) {
-          lo = std::min(lo, x);
-          hi = std::max(hi, x);
-        }
-      }
+      for (int x = 5; x < 222; ++x)
+        if (Dark(x, y)) lo = std::min(lo, x), hi = std::max(hi, x);
     return {lo, hi};
   }
+  // The frame: light on the left column and top row but for their last
+  // pixels, dark on the whole right column and bottom row.
   bool Framed(int id, COLORREF light, COLORREF dark) const {
     Rect r = ButtonRect(id);
-    return At(r.x, r.y) == light && At(r.x, r.y + r.h - 2) == light && At(r.x + r.w - 2, r.y) == light &&
-           At(r.x + r.w - 1, r.y) == dark && At(r.x + r.w - 1, r.y + r.h - 1) == dark &&
-           At(r.x, r.y + r.h - 1) == dark;
+    bool ok = true;
+    for (int k = 0; k < r.h; ++k)
+      ok = ok && At(r.x + r.w - 1, r.y + k) == dark && (k == r.h - 1 || At(r.x, r.y + k) == light);
+    for (int k = 0; k < r.w; ++k)
+      ok = ok && At(r.x + k, r.y + r.h - 1) == dark && (k == r.w - 1 || At(r.x + k, r.y) == light);
+    return ok;
   }
   std::set<int> BlueButtons() const {
     std::set<int> out;
@@ -151,14 +155,11 @@ class Panel : public ::testing::Test {
 TEST_F(Panel, HostPanelAndWindow) {
   const lb::host::PanelInfo* info = lb::host::currentPanel();
   ASSERT_NE(info, nullptr);
-  EXPECT_EQ(info->id, "LatticeBender");
-  EXPECT_EQ(info->title, "LatticeBender");
-  EXPECT_EQ(info->minWidth, 200);
-  EXPECT_EQ(info->minHeight, 200);
+  EXPECT_EQ(info->id + " " + info->title, "LatticeBender LatticeBender");
+  EXPECT_EQ(std::make_pair(info->minWidth, info->minHeight), std::make_pair(200.0, 200.0));
   RECT rc;
   ASSERT_TRUE(GetClientRect(hwnd, &rc));
-  EXPECT_EQ(rc.right, 227);
-  EXPECT_EQ(rc.bottom, 414);
+  EXPECT_EQ(std::make_pair(rc.right, rc.bottom), std::make_pair(LONG(227), LONG(414)));
   EXPECT_NE(GetProp(hwnd, "TPNL"), nullptr);
   EXPECT_NE(GetWindowLongPtr(hwnd, GWLP_WNDPROC), reinterpret_cast<LONG_PTR>(&DefWindowProc));
   // A bright interface gets the white logo.
@@ -190,7 +191,10 @@ TEST_F(Panel, BackgroundBetweenAndAroundTheButtons) {
     EXPECT_EQ(At(39, y), kGrey) << y;   // between columns 0 and 1
     EXPECT_EQ(At(2, y), kGrey) << y;    // left margin
   }
-  for (int x = 0; x < 227; ++x) EXPECT_EQ(At(x, 39), kGrey) << x;  // between rows 0 and 1
+  for (int x = 0; x < 227; ++x) {
+    EXPECT_EQ(At(x, 39), kGrey) << x;  // between rows 0 and 1
+    EXPECT_EQ(At(x, 2), kGrey) << x;   // top margin
+  }
   // The empty cells of the last row have no frame.
   for (int x = 77; x < 224; ++x) EXPECT_EQ(At(x, 225), kGrey) << x;
 }
@@ -238,10 +242,7 @@ TEST_F(Panel, TextStripAndVersionText) {
   bool inText = false;
   for (int y = 269; y < 409; ++y) {
     bool any = false;
-    for (int x = 5; x < 222; ++x) {
-      const COLORREF c = At(x, y);
-      any = any || GetRValue(c) + GetGValue(c) + GetBValue(c) < 300;
-    }
+    for (int x = 5; x < 222; ++x) any = any || Dark(x, y);
     if (any && !inText) ++bands;
     inText = any;
   }
