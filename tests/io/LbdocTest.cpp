@@ -55,18 +55,10 @@ const char* kFull = R"({
        "pixels": "AAEAAgADAAQ=", "placedType": 3, "selected": true},
       {"type": "mesh", "id": "m", "name": "Mesh", "selected": true, "opacity": 0.75, "blend": "multiply", "size": [2, 3],
        "nodes": [
-         {"p": [0, 0]},
-         {"p": [10, 0]},
-         {"p": [20, 0]},
-         {"p": [0, 10]},
-         {"p": [10, 10], "selected": true},
-         {"p": [20, 10]},
-         {"p": [0, 20]},
-         {"p": [10, 20]},
-         {"p": [20, 20]},
-         {"p": [0, 30]},
-         {"p": [10, 30]},
-         {"p": [20, 30], "color": {"cmyk": [0.1, 0.2, 0.3, 0.4]}, "opacity": 0.5}]}
+         {"p": [0, 0]}, {"p": [10, 0]}, {"p": [20, 0]},
+         {"p": [0, 10]}, {"p": [10, 10], "selected": true}, {"p": [20, 10]},
+         {"p": [0, 20]}, {"p": [10, 20]}, {"p": [20, 20]},
+         {"p": [0, 30]}, {"p": [10, 30]}, {"p": [20, 30], "color": {"cmyk": [0.1, 0.2, 0.3, 0.4]}, "opacity": 0.5}]}
     ]},
     {"name": "Bottom", "hidden": true, "locked": true, "children": []}
   ]
@@ -187,8 +179,7 @@ TEST(LbdocRead, EveryKeyLandsInTheModel) {
   const ArtObject* m = top->children[3].get();
   EXPECT_EQ(m->type, kMeshArt);
   ASSERT_NE(m->mesh, nullptr);
-  EXPECT_EQ(m->mesh->sizeI(), 2);
-  EXPECT_EQ(m->mesh->sizeJ(), 3);
+  EXPECT_EQ(std::make_pair(m->mesh->sizeI(), m->mesh->sizeJ()), std::make_pair(2, 3));
   EXPECT_EQ(m->blendMode, kAIMultiplyBlendingMode);
   EXPECT_EQ(doc->keyArt(), m);
   EXPECT_TRUE(doc->contains(m) && doc->contains(p) && doc->contains(c->children[0].get()));
@@ -217,11 +208,7 @@ TEST(LbdocRead, DefaultsOfOptionalKeys) {
   EXPECT_EQ(s->layers()[0]->children[0]->style.stroke.width, 1);
 }
 
-TEST(LbdocRead, SelectedPathWithoutAnchorStatesHasEveryAnchorSelected) {
-  auto doc = readDocument(withArt(R"({"type": "path", "selected": true, "segments": [{"p": [0, 0]}, {"p": [1, 0]}]})"));
-  const ArtObject* p = doc->layers()[0]->children[0].get();
-  EXPECT_EQ(doc->anchorSelection(p, 0), kSegmentPointSelected);
-  EXPECT_EQ(doc->anchorSelection(p, 1), kSegmentPointSelected);
+TEST(LbdocRead, AnchorSelectionAsBools) {
   // A bool per anchor reads as 0 or 1.
   auto b = readDocument(withArt(R"({"type": "path", "segments": [{"p": [0, 0], "selected": true}, {"p": [1, 0], "selected": false}]})"));
   const ArtObject* q = b->layers()[0]->children[0].get();
@@ -243,8 +230,13 @@ TEST(LbdocRoundTrip, ReadWriteReadIsStable) {
   EXPECT_EQ(b->keyArtId, "m");
 }
 
+// A selected path without anchor states has every anchor selected, and is
+// written with every key spelled out.
 TEST(LbdocRoundTrip, WrittenFilesSpellOutEveryKey) {
   auto doc = readDocument(withArt(R"({"type": "path", "selected": true, "segments": [{"p": [0, 0]}, {"p": [1, 0]}]})"));
+  const ArtObject* path = doc->layers()[0]->children[0].get();
+  EXPECT_EQ(doc->anchorSelection(path, 0), kSegmentPointSelected);
+  EXPECT_EQ(doc->anchorSelection(path, 1), kSegmentPointSelected);
   const auto j = nlohmann::json::parse(writeDocument(*doc));
   EXPECT_EQ(j["latticebender"], 1);
   EXPECT_TRUE(j.contains("styles"));
@@ -286,8 +278,7 @@ TEST(LbdocRoundTrip, ModelEditsSurvive) {
   EXPECT_TRUE(p2->style.strokePaint);
   EXPECT_EQ(p2->style.stroke.color.c.g.gray, 1);
   const ArtObject* m2 = back->layers()[0]->children[1].get();
-  EXPECT_EQ(m2->mesh->sizeI(), 4);
-  EXPECT_EQ(m2->mesh->sizeJ(), 1);
+  EXPECT_EQ(std::make_pair(m2->mesh->sizeI(), m2->mesh->sizeJ()), std::make_pair(4, 1));
   EXPECT_EQ(writeDocument(*back), writeDocument(d));
 }
 
