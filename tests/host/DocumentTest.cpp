@@ -46,6 +46,13 @@ using Names = std::vector<std::string>;
 
 AIPathSegment seg(double h, double v) { return AIPathSegment{{h, v}, {h, v}, {h, v}, 1}; }
 
+// Selection state of every anchor of p.
+std::vector<int> anchors(const Document& d, const ArtObject* p) {
+  std::vector<int> out;
+  for (int k = 0; k < static_cast<int>(p->segments.size()); ++k) out.push_back(d.anchorSelection(p, k));
+  return out;
+}
+
 // Bounds as (left, bottom, right, top) within 1e-12.
 ::testing::AssertionResult BoundsAre(const std::optional<AIRealRect>& r, std::vector<double> lbrt) {
   if (!r) return ::testing::AssertionFailure() << "no bounds";
@@ -189,8 +196,7 @@ TEST(Duplicate, DeepCopyWithoutIdPlacedRelative) {
   EXPECT_EQ(d.anchorSelection(p2, 1), 0);
   ASSERT_NE(m2->mesh, nullptr);
   EXPECT_NE(m2->mesh.get(), m->mesh.get());
-  EXPECT_EQ(m2->mesh->sizeI(), 3);
-  EXPECT_EQ(m2->mesh->sizeJ(), 2);
+  EXPECT_EQ(std::make_pair(m2->mesh->sizeI(), m2->mesh->sizeJ()), std::make_pair(3, 2));
   // The copy is independent.
   p2->segments[0].p.h = 99;
   EXPECT_EQ(p->segments[0].p.h, 0);
@@ -209,9 +215,7 @@ TEST(Dispose, RemovesWholeSubtreeAndInvalidatesHandles) {
   d.keyArtId = "leaf";
   EXPECT_EQ(d.keyArt(), leaf);
   ASSERT_EQ(d.disposeArt(g), kNoErr);
-  EXPECT_FALSE(d.contains(g));
-  EXPECT_FALSE(d.contains(inner));
-  EXPECT_FALSE(d.contains(leaf));
+  EXPECT_FALSE(d.contains(g) || d.contains(inner) || d.contains(leaf));
   EXPECT_TRUE(d.contains(keep));
   EXPECT_EQ(walkDown(d, layer), (Names{"keep"}));
   EXPECT_EQ(d.keyArt(), nullptr);
@@ -266,12 +270,10 @@ TEST(Selection, PathAnchorStates) {
   EXPECT_EQ(d.anchorSelection(p, 0), kSegmentNotSelected);
   // Selected with no anchor state: every anchor selected.
   d.setSelected(p, true);
-  for (int k = 0; k < 3; ++k) EXPECT_EQ(d.anchorSelection(p, k), kSegmentPointSelected) << k;
+  EXPECT_EQ(anchors(d, p), std::vector<int>(3, kSegmentPointSelected));
   // Deselecting one anchor keeps the others selected.
   d.setAnchorSelection(p, 1, kSegmentNotSelected);
-  EXPECT_EQ(d.anchorSelection(p, 0), kSegmentPointSelected);
-  EXPECT_EQ(d.anchorSelection(p, 1), kSegmentNotSelected);
-  EXPECT_EQ(d.anchorSelection(p, 2), kSegmentPointSelected);
+  EXPECT_EQ(anchors(d, p), (std::vector<int>{kSegmentPointSelected, kSegmentNotSelected, kSegmentPointSelected}));
   EXPECT_TRUE(p->selected());
   // Re-selecting an already selected path keeps the partial state.
   d.setSelected(p, true);
@@ -283,8 +285,7 @@ TEST(Selection, PathAnchorStates) {
   // Selecting one anchor of an unselected path selects the path, that anchor only.
   d.setAnchorSelection(p, 2, kSegmentInAndOutSelected);
   EXPECT_TRUE(p->selected());
-  EXPECT_EQ(d.anchorSelection(p, 0), kSegmentNotSelected);
-  EXPECT_EQ(d.anchorSelection(p, 2), kSegmentInAndOutSelected);
+  EXPECT_EQ(anchors(d, p), (std::vector<int>{kSegmentNotSelected, kSegmentNotSelected, kSegmentInAndOutSelected}));
   // Deselecting the path clears the anchors; selecting it again means all.
   d.setSelected(p, false);
   EXPECT_EQ(d.anchorSelection(p, 2), kSegmentNotSelected);

@@ -13,6 +13,7 @@
 #include "host/Host.h"
 #include "host/SuiteRegistry.h"
 #include "io/Lbdoc.h"
+#include "support/Geometry.h"
 #include "support/MeshRecipe.h"
 
 using lb::host::Document;
@@ -293,6 +294,7 @@ TEST_F(Suites, NewPathLookAndGraphicStyles) {
 TEST_F(Suites, BlendStyle) {
   AIArtHandle p = newPath();
   EXPECT_EQ(blend->GetOpacity(p), 1.0);
+  EXPECT_EQ(blend->GetOpacity(nullptr), 1.0);
   EXPECT_EQ(blend->SetOpacity(p, 0.3), kNoErr);
   EXPECT_EQ(blend->GetOpacity(p), 0.3);
   EXPECT_EQ(blend->SetOpacity(p, 1.5), kBadParameterErr);
@@ -300,7 +302,6 @@ TEST_F(Suites, BlendStyle) {
   EXPECT_EQ(blend->SetBlendingMode(p, kAILuminosityBlendingMode), kNoErr);
   EXPECT_EQ(blend->GetBlendingMode(p), kAILuminosityBlendingMode);
   EXPECT_EQ(blend->SetBlendingMode(p, 16), kBadParameterErr);
-  EXPECT_EQ(blend->GetOpacity(nullptr), 1.0);
 }
 
 TEST_F(Suites, NamesGoThroughHostStrings) {
@@ -356,9 +357,8 @@ TEST_F(Suites, InterpolationIsMeasuredFromTheSecondPoint) {
 
 TEST_F(Suites, AnglesLengthsAndMatrices) {
   const AIRealPoint o{1, 1}, up{1, 3}, left{-1, 1}, down{1, 0};
-  EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &up), M_PI / 2);
-  EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &left), M_PI);
-  EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &down), -M_PI / 2);
+  for (auto [p, angle] : {std::pair{up, M_PI / 2}, std::pair{left, M_PI}, std::pair{down, -M_PI / 2}})
+    EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &p), angle);
   EXPECT_DOUBLE_EQ(math->AIRealPointLength(&o, &up), 2);
   AIRealPoint r{};
   math->AIRealPointSubtract(&up, &o, &r);
@@ -376,13 +376,11 @@ TEST_F(Suites, AnglesLengthsAndMatrices) {
   math->AIRealMatrixConcat(&rot, &tr, &both);  // rotate, then translate
   const AIRealPoint x{1, 0};
   math->AIRealMatrixXformPoint(&both, &x, &r);
-  EXPECT_NEAR(r.h, 10, 1e-15);
-  EXPECT_NEAR(r.v, 1, 1e-15);
+  EXPECT_PT_NEAR(r, (AIRealPoint{10, 1}), 1e-15);
   ASSERT_EQ(math->AIRealMatrixInvert(&both), kNoErr);
   AIRealPoint back{};
   math->AIRealMatrixXformPoint(&both, &r, &back);
-  EXPECT_NEAR(back.h, 1, 1e-15);
-  EXPECT_NEAR(back.v, 0, 1e-15);
+  EXPECT_PT_NEAR(back, x, 1e-15);
   AIRealMatrix singular{};
   math->AIRealMatrixSetScale(&singular, 0, 1);
   EXPECT_EQ(math->AIRealMatrixInvert(&singular), kBadParameterErr);
@@ -393,11 +391,9 @@ TEST_F(Suites, BezierEvaluateDivideLengthBounds) {
   const AIRealBezier b{{0, 0}, {0, 1}, {1, 1}, {1, 0}};
   AIRealPoint p{};
   bezier->Evaluate(&b, 0.5, &p);
-  EXPECT_DOUBLE_EQ(p.h, 0.5);
-  EXPECT_DOUBLE_EQ(p.v, 0.75);
+  EXPECT_PT_NEAR(p, (AIRealPoint{0.5, 0.75}), 1e-15);
   bezier->Tangent(&b, 0, &p);
-  EXPECT_DOUBLE_EQ(p.h, 0);
-  EXPECT_DOUBLE_EQ(p.v, 3);
+  EXPECT_PT_NEAR(p, (AIRealPoint{0, 3}), 1e-15);
   AIRealBezier l{}, r{};
   bezier->Divide(&b, 0.25, &l, &r);
   AIRealPoint q{};
@@ -406,8 +402,7 @@ TEST_F(Suites, BezierEvaluateDivideLengthBounds) {
   EXPECT_EQ(r.p0.v, p.v);
   bezier->Evaluate(&r, 0.5, &q);
   bezier->Evaluate(&b, 0.625, &p);
-  EXPECT_NEAR(q.h, p.h, 1e-15);
-  EXPECT_NEAR(q.v, p.v, 1e-15);
+  EXPECT_PT_NEAR(q, p, 1e-15);
   // A straight piece measures its chord whatever the flatness.
   const AIRealBezier line{{0, 0}, {1, 0}, {2, 0}, {3, 0}};
   EXPECT_DOUBLE_EQ(bezier->Length(&line, 1), 3);
