@@ -121,8 +121,7 @@ TEST(MeshGradientOnly, MovedMeshKeepsItsStructureEditedMeshIsReadAsWritten) {
   const std::string moved = svg.substr(0, at) + "<path transform=\"translate(10,20)\"" + svg.substr(at + 5);
   auto back = lb::io::svg::readSvg(moved, {}, nullptr);
   const ArtObject* m = firstOfType(*back, kMeshArt);
-  ASSERT_EQ(m->mesh->sizeI(), orig->mesh->sizeI());
-  ASSERT_EQ(m->mesh->sizeJ(), orig->mesh->sizeJ());
+  ASSERT_EQ(std::make_pair(m->mesh->sizeI(), m->mesh->sizeJ()), std::make_pair(orig->mesh->sizeI(), orig->mesh->sizeJ()));
   const AIRealPoint p0 = orig->mesh->nodeData(2, 3).p;
   EXPECT_PT_NEAR(m->mesh->nodeData(2, 3).p, (AIRealPoint{p0.h + 10, p0.v - 20}), 1e-9);
 
@@ -156,8 +155,7 @@ TEST(InkscapeMesh, NodesColoursAndSides) {
   ASSERT_NE(art, nullptr);
   EXPECT_EQ(art->id, "rect1298");
   const auto& mesh = *art->mesh;
-  ASSERT_EQ(mesh.sizeI(), 2);
-  ASSERT_EQ(mesh.sizeJ(), 2);
+  ASSERT_EQ(std::make_pair(mesh.sizeI(), mesh.sizeJ()), std::make_pair(2, 2));
   // Gradient corner (20 + 30 c, 30 + 30 r), moved by the gradientTransform
   // (5, 7) and the layer (10, 0); SVG row r is mesh row j = 2 - r.
   const NodeCase nodes[] = {
@@ -344,13 +342,9 @@ TEST(Colours, FormsAndNames) {
 }
 
 TEST(Lengths, Units) {
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("10"), 10);
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("10px"), 10);
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("1in"), 96);
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("72pt"), 96);
-  EXPECT_NEAR(*lb::io::svg::parseLength("25.4mm"), 96, 1e-12);
-  EXPECT_FALSE(lb::io::svg::parseLength("10%"));
-  EXPECT_FALSE(lb::io::svg::parseLength("abc"));
+  for (auto [text, px] : {std::pair{"10", 10.0}, {"10px", 10.0}, {"1in", 96.0}, {"72pt", 96.0}, {"25.4mm", 96.0}})
+    EXPECT_NEAR(*lb::io::svg::parseLength(text), px, 1e-12) << text;
+  EXPECT_FALSE(lb::io::svg::parseLength("10%") || lb::io::svg::parseLength("abc"));
 }
 
 // ---- bad files and losses ---------------------------------------------------
@@ -396,15 +390,14 @@ TEST(BadSvg, NamedErrors) {
 // Hidden groups keep their children's own state; fill-opacity of art
 // painted only with a fill becomes its opacity.
 TEST(ReadSvg, HiddenGroupsAndFillOpacity) {
+  Losses losses;
   auto doc = lb::io::svg::readSvg(
       "<svg><g id='g' style='display:none'><rect id='r' width='2' height='2' fill='red' fill-opacity='0.5' "
       "opacity='0.5'/></g><rect id='s' width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>",
-      {}, nullptr);
+      {}, &losses);
   EXPECT_TRUE(doc->findById("g")->hidden());
   EXPECT_FALSE(doc->findById("r")->hidden());
   EXPECT_DOUBLE_EQ(doc->findById("r")->opacity, 0.25);
-  Losses losses;
-  lb::io::svg::readSvg("<svg><rect width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>", {}, &losses);
   EXPECT_NE(losses.text().find("fill and stroke opacity"), std::string::npos);
 }
 
