@@ -109,18 +109,14 @@ INSTANTIATE_TEST_SUITE_P(
 // scales: black inside, white outside, nothing one pixel too far.
 TEST(MeshCoverageExact, BorderOnPixelEdgesFillsExactlyTheCoveredPixels) {
   struct Case {
-    double scale;
-    int first, last;  // covered pixel columns and rows
+    double scale, lo, hi;  // the mesh covers lo..hi in x and y
+    int first, last;       // covered pixel columns and rows
   };
-  for (const Case& c : {Case{1, 5, 14}, Case{2, 10, 29}, Case{0.5, 3, 6}, Case{4, 20, 59}}) {
+  // At scale 0.5 the border 6..14 lands on device 3..7.
+  for (const Case& c : {Case{1, 5, 15, 5, 14}, Case{2, 5, 15, 10, 29}, Case{0.5, 6, 14, 3, 6}, Case{4, 5, 15, 20, 59}}) {
     Document doc;
     doc.artboard = AIRealRect{0, 20, 20, 0};
-    ArtObject* layer = doc.addLayer("Layer 1");
-    // At scale 0.5 the border 6..14 lands on device 3..7.
-    if (c.scale == 0.5)
-      addMesh(doc, layer, 6, 6, 14, 14, 2, 2, 0);
-    else
-      addMesh(doc, layer, 5, 5, 15, 15, 2, 2, 0);
+    addMesh(doc, doc.addLayer("Layer 1"), c.lo, c.lo, c.hi, c.hi);
     const Image img = lb::render::renderDocument(doc, RenderOptions{c.scale, false});
     for (int y = 0; y < img.height; ++y)
       for (int x = 0; x < img.width; ++x) {
