@@ -63,11 +63,16 @@ std::vector<int> anchors(const Document& d, const ArtObject* p) {
   return ::testing::AssertionSuccess();
 }
 
-}  // namespace
-
-TEST(PaintOrder, AboveBelowInsideAndAll) {
+// A document with one layer "L".
+class Doc : public ::testing::Test {
+ protected:
   Document d;
   ArtObject* layer = d.addLayer("L");
+};
+
+}  // namespace
+
+TEST_F(Doc, PaintOrderAboveBelowInsideAndAll) {
   ArtObject* b = make(d, kPathArt, kPlaceAboveAll, nullptr, "b");
   ArtObject* a = make(d, kPathArt, kPlaceAbove, b, "a");
   make(d, kPathArt, kPlaceBelow, b, "c");
@@ -116,9 +121,7 @@ TEST(PaintOrder, EmptyDocumentGetsALayer) {
   EXPECT_EQ(d.layers()[0]->name, "Layer 1");
 }
 
-TEST(PaintOrder, RefusedPlacementsChangeNothing) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, PaintOrderRefusedPlacementsChangeNothing) {
   ArtObject* p = make(d, kPathArt, kPlaceAboveAll, nullptr, "p");
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* inner = make(d, kGroupArt, kPlaceInsideOnTop, g, "inner");
@@ -141,9 +144,7 @@ TEST(PaintOrder, RefusedPlacementsChangeNothing) {
   EXPECT_TRUE(d.contains(g) && d.contains(inner));
 }
 
-TEST(Reorder, MovesWithinAndAcrossContainers) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, ReorderMovesWithinAndAcrossContainers) {
   ArtObject* c = make(d, kPathArt, kPlaceAboveAll, nullptr, "c");
   ArtObject* b = make(d, kPathArt, kPlaceAboveAll, nullptr, "b");
   ArtObject* a = make(d, kPathArt, kPlaceAboveAll, nullptr, "a");
@@ -163,9 +164,7 @@ TEST(Reorder, MovesWithinAndAcrossContainers) {
   EXPECT_TRUE(d.contains(c));
 }
 
-TEST(Duplicate, DeepCopyWithoutIdPlacedRelative) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, DuplicateDeepCopyWithoutIdPlacedRelative) {
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   g->id = "G";
   g->opacity = 0.25;
@@ -204,9 +203,7 @@ TEST(Duplicate, DeepCopyWithoutIdPlacedRelative) {
   EXPECT_EQ(d.duplicateArt(layer, kPlaceAbove, g, &copy), kBadParameterErr);
 }
 
-TEST(Dispose, RemovesWholeSubtreeAndInvalidatesHandles) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, DisposeRemovesWholeSubtreeAndInvalidatesHandles) {
   ArtObject* keep = make(d, kPathArt, kPlaceAboveAll, nullptr, "keep");
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* inner = make(d, kGroupArt, kPlaceInsideOnTop, g, "inner");
@@ -261,9 +258,7 @@ TEST(Matching, DocumentOrderTopmostFirstAcrossLayersAndGroups) {
   EXPECT_EQ(names(d.matchingArt(&unselected, 1)), (Names{"m3"}));
 }
 
-TEST(Selection, PathAnchorStates) {
-  Document d;
-  d.addLayer("L");
+TEST_F(Doc, SelectionPathAnchorStates) {
   ArtObject* p = make(d, kPathArt, kPlaceAboveAll, nullptr, "p");
   p->segments = {seg(0, 0), seg(1, 0), seg(2, 0)};
   p->segmentSelection.assign(3, 0);
@@ -297,9 +292,7 @@ TEST(Selection, PathAnchorStates) {
 }
 
 // A group selects its contents; a mesh's attribute drives its vertex selection.
-TEST(Selection, GroupSelectsContentsAndMeshVertices) {
-  Document d;
-  d.addLayer("L");
+TEST_F(Doc, SelectionGroupSelectsContentsAndMeshVertices) {
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* a = make(d, kPathArt, kPlaceInsideOnTop, g, "a");
   ArtObject* m = make(d, kMeshArt, kPlaceInsideOnTop, g, "m");
@@ -312,9 +305,7 @@ TEST(Selection, GroupSelectsContentsAndMeshVertices) {
   EXPECT_TRUE(m->mesh->isSelectionEmpty());
 }
 
-TEST(Geometry, PathBoundsFollowTheCurveNotTheHandles) {
-  Document d;
-  d.addLayer("L");
+TEST_F(Doc, GeometryPathBoundsFollowTheCurveNotTheHandles) {
   ArtObject* p = make(d, kPathArt, kPlaceAboveAll, nullptr, "p");
   // One piece from (0,0) to (3,0) with both handles at height 3: the curve
   // peaks at 0.75 * 3 = 2.25, not at the handles' 3.
@@ -339,9 +330,7 @@ TEST(Geometry, PathBoundsFollowTheCurveNotTheHandles) {
   EXPECT_TRUE(BoundsAre(d.bounds(g), {0, 0, 18, 20}));
 }
 
-TEST(Geometry, TransformMovesPathsAndImages) {
-  Document d;
-  d.addLayer("L");
+TEST_F(Doc, GeometryTransformMovesPathsAndImages) {
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* p = make(d, kPathArt, kPlaceInsideOnTop, g, "p");
   p->segments = {AIPathSegment{{1, 2}, {0, 2}, {2, 2}, 1}};
@@ -395,11 +384,9 @@ TEST(Styles, ByNameAndReplace) {
   EXPECT_FALSE(d.ownsStyle(&other));
 }
 
-TEST(Walks, StayCorrectAcrossMixedInsertsMovesAndDisposals) {
+TEST_F(Doc, WalksStayCorrectAcrossMixedInsertsMovesAndDisposals) {
   // Sibling steps use cached positions; every kind of edit must keep the
   // walks exact.
-  Document d;
-  ArtObject* layer = d.addLayer("L");
   std::vector<std::string> expected;
   std::vector<ArtObject*> arts;
   for (int k = 0; k < 200; ++k) {
