@@ -145,7 +145,7 @@ struct NodeCase {
   double opacity;
 };
 
-TEST(InkscapeMesh, NodesColoursAndSides) {
+TEST(InkscapeMesh, NodesColoursSidesAndThePathBeside) {
   Losses losses;
   auto doc = lb::io::svg::readSvg(lb::test::slurp(source() / "tests/interchange/fixtures/inkscape-mesh.svg"), {}, &losses);
   ASSERT_TRUE(doc->artboard);
@@ -188,6 +188,29 @@ TEST(InkscapeMesh, NodesColoursAndSides) {
     EXPECT_PT_NEAR(pts[2], rc.c2, 1e-9);
   }
   EXPECT_NE(losses.text().find("clip mesh fills"), std::string::npos);
+  // The path beside the mesh: every command, its style and transform.
+  ArtObject* wave = doc->findById("wave");
+  ASSERT_NE(wave, nullptr);
+  EXPECT_EQ(wave->name, "Wave");
+  EXPECT_DOUBLE_EQ(wave->opacity, 0.5);
+  EXPECT_TRUE(wave->closed);
+  EXPECT_TRUE(wave->style.fillPaint);
+  EXPECT_NEAR(wave->style.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
+  EXPECT_TRUE(wave->style.strokePaint);
+  EXPECT_DOUBLE_EQ(wave->style.stroke.color.c.rgb.blue, 1);
+  EXPECT_DOUBLE_EQ(wave->style.stroke.width, 2);
+  // h v H V l c s q t (9 pieces), the half-circle arc in 4, the closing line.
+  ASSERT_EQ(wave->segments.size(), 14u);
+  struct {
+    size_t k;
+    double h, v;
+  } anchors[] = {{0, 20, -120}, {1, 40, -120}, {2, 40, -130}, {3, 60, -130}, {4, 60, -140}, {5, 65, -145},
+                 {6, 75, -150}, {7, 85, -155}, {8, 90, -160}, {9, 95, -165}, {13, 105, -165}};
+  for (const auto& a : anchors) EXPECT_PT_NEAR(wave->segments[a.k].p, (AIRealPoint{a.h, a.v}), 1e-9) << a.k;
+  // s reflects the previous control point, t the previous quadratic one
+  // (quadratic control (80, 165) at 2/3).
+  EXPECT_PT_NEAR(wave->segments[6].out, (AIRealPoint{75, -155}), 1e-9);
+  EXPECT_PT_NEAR(wave->segments[8].out, (AIRealPoint{90, -160 - 5.0 * 2 / 3}), 1e-9);
 }
 
 // One patch in bounding-box units on a transformed ellipse, colours as
@@ -216,31 +239,6 @@ TEST(InkscapeMesh, BoundingBoxUnitsAndElementTransform) {
   EXPECT_NE(losses.text().find("bicubic"), std::string::npos);
 }
 
-TEST(InkscapeMesh, PathWithEveryCommandStyleAndTransform) {
-  auto doc = lb::io::svg::readSvg(lb::test::slurp(source() / "tests/interchange/fixtures/inkscape-mesh.svg"), {}, nullptr);
-  ArtObject* wave = doc->findById("wave");
-  ASSERT_NE(wave, nullptr);
-  EXPECT_EQ(wave->name, "Wave");
-  EXPECT_DOUBLE_EQ(wave->opacity, 0.5);
-  EXPECT_TRUE(wave->closed);
-  EXPECT_TRUE(wave->style.fillPaint);
-  EXPECT_NEAR(wave->style.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
-  EXPECT_TRUE(wave->style.strokePaint);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.color.c.rgb.blue, 1);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.width, 2);
-  // h v H V l c s q t (9 pieces), the half-circle arc in 4, the closing line.
-  ASSERT_EQ(wave->segments.size(), 14u);
-  struct {
-    size_t k;
-    double h, v;
-  } anchors[] = {{0, 20, -120}, {1, 40, -120}, {2, 40, -130}, {3, 60, -130}, {4, 60, -140}, {5, 65, -145},
-                 {6, 75, -150}, {7, 85, -155}, {8, 90, -160}, {9, 95, -165}, {13, 105, -165}};
-  for (const auto& a : anchors) EXPECT_PT_NEAR(wave->segments[a.k].p, (AIRealPoint{a.h, a.v}), 1e-9) << a.k;
-  // s reflects the previous control point, t the previous quadratic one
-  // (quadratic control (80, 165) at 2/3).
-  EXPECT_PT_NEAR(wave->segments[6].out, (AIRealPoint{75, -155}), 1e-9);
-  EXPECT_PT_NEAR(wave->segments[8].out, (AIRealPoint{90, -160 - 5.0 * 2 / 3}), 1e-9);
-}
 
 // ---- syntax ----------------------------------------------------------------
 
