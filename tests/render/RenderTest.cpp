@@ -11,6 +11,7 @@
 #include "host/mesh/GradientMesh.h"
 #include "render/Render.h"
 #include "Scenes.h"
+#include "support/Geometry.h"
 
 using lb::host::Document;
 using lb::host::GradientMesh;
@@ -164,8 +165,6 @@ TEST_F(Render, AreaIsTheArtboardOrTheBoundsOfAllArt) {
   addMesh(1, 1, 3);
   doc.artboard.reset();
   const AIRealRect r = lb::render::renderArea(doc);
-  EXPECT_NEAR(r.left, 10, 1e-9);
-  EXPECT_NEAR(r.right, 90, 1e-9);
-  EXPECT_NEAR(r.top, 90, 1e-9);
-  EXPECT_NEAR(r.bottom, 10, 1e-9);
+  EXPECT_PT_NEAR((AIRealPoint{r.left, r.bottom}), (AIRealPoint{10, 10}), 1e-9);
+  EXPECT_PT_NEAR((AIRealPoint{r.right, r.top}), (AIRealPoint{90, 90}), 1e-9);
 }
