@@ -120,33 +120,23 @@ TEST_F(Suites, WalkTheTreeThroughTheArtSuite) {
         {"type": "path", "name": "g1", "segments": [{"p": [0, 0]}]},
         {"type": "path", "name": "g2", "segments": [{"p": [0, 0]}]}]},
       {"type": "path", "name": "c", "segments": [{"p": [0, 0]}]}]}]})");
-  AIArtHandle layer = doc().layers()[0].get();
-  AIArtHandle first = nullptr;
-  ASSERT_EQ(art->GetArtFirstChild(layer, &first), kNoErr);
-  std::vector<std::string> seen;
-  for (AIArtHandle a = first; a;) {
-    seen.push_back(a->name);
-    AIArtHandle child = nullptr;
-    ASSERT_EQ(art->GetArtFirstChild(a, &child), kNoErr);
-    for (; child;) {
-      seen.push_back(child->name);
-      AIArtHandle parent = nullptr;
-      ASSERT_EQ(art->GetArtParent(child, &parent), kNoErr);
-      EXPECT_EQ(parent, a);
-      ASSERT_EQ(art->GetArtSibling(child, &child), kNoErr);
-    }
-    ASSERT_EQ(art->GetArtSibling(a, &a), kNoErr);
-  }
-  EXPECT_EQ(seen, (Names{"a", "g", "g1", "g2", "c"}));
-  AIArtHandle up = nullptr;
-  AIArtHandle c = layer->children[2].get();
-  ASSERT_EQ(art->GetArtPriorSibling(c, &up), kNoErr);
-  EXPECT_EQ(up->name, "g");
-  ASSERT_EQ(art->GetArtPriorSibling(first, &up), kNoErr);
-  EXPECT_EQ(up, nullptr);
-  AIArtHandle none = reinterpret_cast<AIArtHandle>(1);
-  ASSERT_EQ(art->GetArtFirstChild(c, &none), kNoErr);  // a path has no children
-  EXPECT_EQ(none, nullptr);
+  // Each call answers with the art it names (or none), so each is wired to its own walk.
+  auto named = [](auto call, AIArtHandle from) {
+    AIArtHandle to = reinterpret_cast<AIArtHandle>(1);
+    EXPECT_EQ(call(from, &to), kNoErr);
+    return to ? to->name : std::string("none");
+  };
+  auto walk = [&](auto call, std::vector<AIArtHandle> from) {
+    Names out;
+    for (AIArtHandle f : from) out.push_back(named(call, f));
+    return out;
+  };
+  AIArtHandle layer = doc().layers()[0].get(), a = layer->children[0].get(), g = layer->children[1].get();
+  AIArtHandle c = layer->children[2].get(), g1 = g->children[0].get(), g2 = g->children[1].get();
+  EXPECT_EQ(walk(art->GetArtFirstChild, {layer, g, c}), (Names{"a", "g1", "none"}));  // a path has no children
+  EXPECT_EQ(walk(art->GetArtSibling, {a, g, c, g1, g2}), (Names{"g", "c", "none", "g2", "none"}));
+  EXPECT_EQ(walk(art->GetArtPriorSibling, {c, a}), (Names{"g", "none"}));
+  EXPECT_EQ(walk(art->GetArtParent, {g1, g2, a}), (Names{"g", "g", "L"}));
 }
 
 TEST_F(Suites, MatchingArtHandsOutCountedMemory) {
