@@ -8,24 +8,18 @@ using lb::app::commandsInOrder;
 using lb::app::parseCommandArg;
 
 TEST(CommandArg, IdWithModifiersInAnyOrder) {
-  auto plain = parseCommandArg("138");
-  ASSERT_TRUE(plain);
-  EXPECT_EQ(plain->id, 138);
-  EXPECT_FALSE(plain->alt);
-  EXPECT_FALSE(plain->ctrl);
-  for (const char* text : {"136+ctrl+alt", "136+alt+ctrl", "136+ALT+Ctrl"}) {
-    auto both = parseCommandArg(text);
-    ASSERT_TRUE(both) << text;
-    EXPECT_EQ(both->id, 136);
-    EXPECT_TRUE(both->alt && both->ctrl) << text;
+  const struct {
+    const char* text;
+    int id;
+    bool alt, ctrl;
+  } cases[] = {{"138", 138, false, false},       {"136+ctrl+alt", 136, true, true}, {"136+alt+ctrl", 136, true, true},
+               {"136+ALT+Ctrl", 136, true, true}, {"165+ctrl", 165, false, true},
+               {"171", 171, false, false}, {"-3", -3, false, false}};  // ids outside the table run nothing
+  for (const auto& c : cases) {
+    auto a = parseCommandArg(c.text);
+    ASSERT_TRUE(a) << c.text;
+    EXPECT_EQ(std::make_tuple(a->id, a->alt, a->ctrl), std::make_tuple(c.id, c.alt, c.ctrl)) << c.text;
   }
-  auto ctrl = parseCommandArg("165+ctrl");
-  ASSERT_TRUE(ctrl);
-  EXPECT_TRUE(ctrl->ctrl);
-  EXPECT_FALSE(ctrl->alt);
-  // Ids outside the table are accepted: they run nothing.
-  EXPECT_TRUE(parseCommandArg("171"));
-  EXPECT_TRUE(parseCommandArg("-3"));
 }
 
 TEST(CommandArg, BadValuesAreRejectedWithAReason) {

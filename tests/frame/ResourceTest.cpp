@@ -75,18 +75,13 @@ TEST(Resources, PropertyListIsExactlyTheExpected109Bytes) {
   EXPECT_EQ(host.counters().dataFilters, 0);
 }
 
-TEST(Resources, IconNameTextHasNoTerminator) {
+// The icon name text has no terminator; missing resources are reported.
+TEST(Resources, IconNameTextAndMissingResources) {
   Host host;
   host.loadPlugin();
   auto bytes = ReadResource(AIFourCC("TXT "), 0, "IDTOFILE", 16);
-  const std::string text(bytes.begin(), bytes.end());
-  EXPECT_EQ(text, std::string("220.png\tLBLogoW.png\r\n240.png\tLBLogoD.png"));
-  EXPECT_EQ(text.size(), 40u);
-}
-
-TEST(Resources, MissingResourcesAreReported) {
-  Host host;
-  host.loadPlugin();
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), std::string("220.png\tLBLogoW.png\r\n240.png\tLBLogoD.png"));
+  EXPECT_EQ(bytes.size(), 40u);
   AIErr err = kNoErr;
   ReadResource(AIFourCC("PiPL"), 16001, nullptr, 8, &err);
   EXPECT_EQ(err, kNoSuchResourceErr);
@@ -101,18 +96,12 @@ TEST(PropertyList, EntryPointIsFoundAndDamageIsRejected) {
   auto good = ExpectedPropertyList();
   EXPECT_EQ(lb::host::entryPointFromPropertyList(good.data(), good.size()), "PluginMain");
 
-  auto truncated = good;
+  auto truncated = good, wrongKind = good, noEntry = good;
   truncated.resize(60);  // inside the entry point property's header
-  EXPECT_THROW(lb::host::entryPointFromPropertyList(truncated.data(), truncated.size()),
-               std::runtime_error);
-  auto wrongKind = good;
   wrongKind[0] = 2;
-  EXPECT_THROW(lb::host::entryPointFromPropertyList(wrongKind.data(), wrongKind.size()),
-               std::runtime_error);
-  auto noEntry = good;
   noEntry[6] = 2;  // only "kind" and "ivrs" are read
-  EXPECT_THROW(lb::host::entryPointFromPropertyList(noEntry.data(), noEntry.size()),
-               std::runtime_error);
+  for (const auto& bad : {truncated, wrongKind, noEntry})
+    EXPECT_THROW(lb::host::entryPointFromPropertyList(bad.data(), bad.size()), std::runtime_error);
   EXPECT_THROW(lb::host::entryPointFromPropertyList(nullptr, 0), std::runtime_error);
 }
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,11 +46,33 @@ using Names = std::vector<std::string>;
 
 AIPathSegment seg(double h, double v) { return AIPathSegment{{h, v}, {h, v}, {h, v}, 1}; }
 
-}  // namespace
+// Selection state of every anchor of p.
+std::vector<int> anchors(const Document& d, const ArtObject* p) {
+  std::vector<int> out;
+  for (int k = 0; k < static_cast<int>(p->segments.size()); ++k) out.push_back(d.anchorSelection(p, k));
+  return out;
+}
 
-TEST(PaintOrder, AboveBelowInsideAndAll) {
+// Bounds as (left, bottom, right, top) within 1e-12.
+::testing::AssertionResult BoundsAre(const std::optional<AIRealRect>& r, std::vector<double> lbrt) {
+  if (!r) return ::testing::AssertionFailure() << "no bounds";
+  const std::vector<double> got{r->left, r->bottom, r->right, r->top};
+  for (size_t k = 0; k < 4; ++k)
+    if (std::fabs(got[k] - lbrt[k]) > 1e-12)
+      return ::testing::AssertionFailure() << got[0] << " " << got[1] << " " << got[2] << " " << got[3];
+  return ::testing::AssertionSuccess();
+}
+
+// A document with one layer "L".
+class Doc : public ::testing::Test {
+ protected:
   Document d;
   ArtObject* layer = d.addLayer("L");
+};
+
+}  // namespace
+
+TEST_F(Doc, PaintOrderAboveBelowInsideAndAll) {
   ArtObject* b = make(d, kPathArt, kPlaceAboveAll, nullptr, "b");
   ArtObject* a = make(d, kPathArt, kPlaceAbove, b, "a");
   make(d, kPathArt, kPlaceBelow, b, "c");
@@ -97,9 +121,7 @@ TEST(PaintOrder, EmptyDocumentGetsALayer) {
   EXPECT_EQ(d.layers()[0]->name, "Layer 1");
 }
 
-TEST(PaintOrder, RefusedPlacementsChangeNothing) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, PaintOrderRefusedPlacementsChangeNothing) {
   ArtObject* p = make(d, kPathArt, kPlaceAboveAll, nullptr, "p");
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* inner = make(d, kGroupArt, kPlaceInsideOnTop, g, "inner");
@@ -122,9 +144,7 @@ TEST(PaintOrder, RefusedPlacementsChangeNothing) {
   EXPECT_TRUE(d.contains(g) && d.contains(inner));
 }
 
-TEST(Reorder, MovesWithinAndAcrossContainers) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, ReorderMovesWithinAndAcrossContainers) {
   ArtObject* c = make(d, kPathArt, kPlaceAboveAll, nullptr, "c");
   ArtObject* b = make(d, kPathArt, kPlaceAboveAll, nullptr, "b");
   ArtObject* a = make(d, kPathArt, kPlaceAboveAll, nullptr, "a");
@@ -144,9 +164,7 @@ TEST(Reorder, MovesWithinAndAcrossContainers) {
   EXPECT_TRUE(d.contains(c));
 }
 
-TEST(Duplicate, DeepCopyWithoutIdPlacedRelative) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, DuplicateDeepCopyWithoutIdPlacedRelative) {
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   g->id = "G";
   g->opacity = 0.25;
@@ -177,8 +195,7 @@ TEST(Duplicate, DeepCopyWithoutIdPlacedRelative) {
   EXPECT_EQ(d.anchorSelection(p2, 1), 0);
   ASSERT_NE(m2->mesh, nullptr);
   EXPECT_NE(m2->mesh.get(), m->mesh.get());
-  EXPECT_EQ(m2->mesh->sizeI(), 3);
-  EXPECT_EQ(m2->mesh->sizeJ(), 2);
+  EXPECT_EQ(std::make_pair(m2->mesh->sizeI(), m2->mesh->sizeJ()), std::make_pair(3, 2));
   // The copy is independent.
   p2->segments[0].p.h = 99;
   EXPECT_EQ(p->segments[0].p.h, 0);
@@ -186,9 +203,7 @@ TEST(Duplicate, DeepCopyWithoutIdPlacedRelative) {
   EXPECT_EQ(d.duplicateArt(layer, kPlaceAbove, g, &copy), kBadParameterErr);
 }
 
-TEST(Dispose, RemovesWholeSubtreeAndInvalidatesHandles) {
-  Document d;
-  ArtObject* layer = d.addLayer("L");
+TEST_F(Doc, DisposeRemovesWholeSubtreeAndInvalidatesHandles) {
   ArtObject* keep = make(d, kPathArt, kPlaceAboveAll, nullptr, "keep");
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* inner = make(d, kGroupArt, kPlaceInsideOnTop, g, "inner");
@@ -197,9 +212,7 @@ TEST(Dispose, RemovesWholeSubtreeAndInvalidatesHandles) {
   d.keyArtId = "leaf";
   EXPECT_EQ(d.keyArt(), leaf);
   ASSERT_EQ(d.disposeArt(g), kNoErr);
-  EXPECT_FALSE(d.contains(g));
-  EXPECT_FALSE(d.contains(inner));
-  EXPECT_FALSE(d.contains(leaf));
+  EXPECT_FALSE(d.contains(g) || d.contains(inner) || d.contains(leaf));
   EXPECT_TRUE(d.contains(keep));
   EXPECT_EQ(walkDown(d, layer), (Names{"keep"}));
   EXPECT_EQ(d.keyArt(), nullptr);
@@ -245,21 +258,17 @@ TEST(Matching, DocumentOrderTopmostFirstAcrossLayersAndGroups) {
   EXPECT_EQ(names(d.matchingArt(&unselected, 1)), (Names{"m3"}));
 }
 
-TEST(Selection, PathAnchorStates) {
-  Document d;
-  d.addLayer("L");
+TEST_F(Doc, SelectionPathAnchorStates) {
   ArtObject* p = make(d, kPathArt, kPlaceAboveAll, nullptr, "p");
   p->segments = {seg(0, 0), seg(1, 0), seg(2, 0)};
   p->segmentSelection.assign(3, 0);
   EXPECT_EQ(d.anchorSelection(p, 0), kSegmentNotSelected);
   // Selected with no anchor state: every anchor selected.
   d.setSelected(p, true);
-  for (int k = 0; k < 3; ++k) EXPECT_EQ(d.anchorSelection(p, k), kSegmentPointSelected) << k;
+  EXPECT_EQ(anchors(d, p), std::vector<int>(3, kSegmentPointSelected));
   // Deselecting one anchor keeps the others selected.
   d.setAnchorSelection(p, 1, kSegmentNotSelected);
-  EXPECT_EQ(d.anchorSelection(p, 0), kSegmentPointSelected);
-  EXPECT_EQ(d.anchorSelection(p, 1), kSegmentNotSelected);
-  EXPECT_EQ(d.anchorSelection(p, 2), kSegmentPointSelected);
+  EXPECT_EQ(anchors(d, p), (std::vector<int>{kSegmentPointSelected, kSegmentNotSelected, kSegmentPointSelected}));
   EXPECT_TRUE(p->selected());
   // Re-selecting an already selected path keeps the partial state.
   d.setSelected(p, true);
@@ -271,8 +280,7 @@ TEST(Selection, PathAnchorStates) {
   // Selecting one anchor of an unselected path selects the path, that anchor only.
   d.setAnchorSelection(p, 2, kSegmentInAndOutSelected);
   EXPECT_TRUE(p->selected());
-  EXPECT_EQ(d.anchorSelection(p, 0), kSegmentNotSelected);
-  EXPECT_EQ(d.anchorSelection(p, 2), kSegmentInAndOutSelected);
+  EXPECT_EQ(anchors(d, p), (std::vector<int>{kSegmentNotSelected, kSegmentNotSelected, kSegmentInAndOutSelected}));
   // Deselecting the path clears the anchors; selecting it again means all.
   d.setSelected(p, false);
   EXPECT_EQ(d.anchorSelection(p, 2), kSegmentNotSelected);
@@ -283,92 +291,57 @@ TEST(Selection, PathAnchorStates) {
   EXPECT_EQ(d.anchorSelection(p, -1), kSegmentNotSelected);
 }
 
-TEST(Selection, GroupSelectsContents) {
-  Document d;
-  d.addLayer("L");
+// A group selects its contents; a mesh's attribute drives its vertex selection.
+TEST_F(Doc, SelectionGroupSelectsContentsAndMeshVertices) {
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* a = make(d, kPathArt, kPlaceInsideOnTop, g, "a");
   ArtObject* m = make(d, kMeshArt, kPlaceInsideOnTop, g, "m");
+  m->mesh->initCartesian(2, 2);
   d.setSelected(g, true);
   EXPECT_TRUE(g->selected() && a->selected() && m->selected());
+  EXPECT_FALSE(m->mesh->isSelectionEmpty());
   d.setSelected(g, false);
   EXPECT_FALSE(g->selected() || a->selected() || m->selected());
-}
-
-TEST(Selection, MeshAttributeDrivesVertexSelection) {
-  Document d;
-  d.addLayer("L");
-  ArtObject* m = make(d, kMeshArt, kPlaceAboveAll, nullptr, "m");
-  m->mesh->initCartesian(2, 2);
-  d.setSelected(m, true);
-  EXPECT_TRUE(m->selected());
-  EXPECT_FALSE(m->mesh->isSelectionEmpty());
-  d.setSelected(m, false);
   EXPECT_TRUE(m->mesh->isSelectionEmpty());
-  EXPECT_FALSE(m->selected());
 }
 
-TEST(Geometry, PathBoundsFollowTheCurveNotTheHandles) {
-  Document d;
-  d.addLayer("L");
+TEST_F(Doc, GeometryPathBoundsFollowTheCurveNotTheHandles) {
   ArtObject* p = make(d, kPathArt, kPlaceAboveAll, nullptr, "p");
   // One piece from (0,0) to (3,0) with both handles at height 3: the curve
   // peaks at 0.75 * 3 = 2.25, not at the handles' 3.
   p->segments = {AIPathSegment{{0, 0}, {0, 0}, {0, 3}, 0}, AIPathSegment{{3, 0}, {3, 3}, {3, 0}, 0}};
-  auto b = d.bounds(p);
-  ASSERT_TRUE(b);
-  EXPECT_DOUBLE_EQ(b->left, 0);
-  EXPECT_DOUBLE_EQ(b->right, 3);
-  EXPECT_DOUBLE_EQ(b->bottom, 0);
-  EXPECT_NEAR(b->top, 2.25, 1e-12);
+  EXPECT_TRUE(BoundsAre(d.bounds(p), {0, 0, 3, 2.25}));
   // Closing the path adds the piece back to the start (same curve reversed here).
   p->closed = true;
-  b = d.bounds(p);
-  EXPECT_NEAR(b->top, 2.25, 1e-12);
+  EXPECT_TRUE(BoundsAre(d.bounds(p), {0, 0, 3, 2.25}));
 
   // A raster: image space x right, y up, rows downward from 0.
   ArtObject* r = make(d, kRasterArt, kPlaceAboveAll, nullptr, "r");
   r->image.width = 4;
   r->image.height = 2;
   r->image.matrix = {2, 0, 0, 2, 10, 20};
-  auto rb = d.bounds(r);
-  ASSERT_TRUE(rb);
-  EXPECT_DOUBLE_EQ(rb->left, 10);
-  EXPECT_DOUBLE_EQ(rb->right, 18);
-  EXPECT_DOUBLE_EQ(rb->top, 20);
-  EXPECT_DOUBLE_EQ(rb->bottom, 16);
+  EXPECT_TRUE(BoundsAre(d.bounds(r), {10, 16, 18, 20}));
 
   // A group unites its children; an empty group has none.
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   EXPECT_FALSE(d.bounds(g));
   ASSERT_EQ(d.reorderArt(p, kPlaceInsideOnTop, g), kNoErr);
   ASSERT_EQ(d.reorderArt(r, kPlaceInsideOnTop, g), kNoErr);
-  auto gb = d.bounds(g);
-  ASSERT_TRUE(gb);
-  EXPECT_DOUBLE_EQ(gb->left, 0);
-  EXPECT_DOUBLE_EQ(gb->right, 18);
-  EXPECT_DOUBLE_EQ(gb->top, 20);
-  EXPECT_DOUBLE_EQ(gb->bottom, 0);
+  EXPECT_TRUE(BoundsAre(d.bounds(g), {0, 0, 18, 20}));
 }
 
-TEST(Geometry, TransformMovesPathsAndImages) {
-  Document d;
-  d.addLayer("L");
+TEST_F(Doc, GeometryTransformMovesPathsAndImages) {
   ArtObject* g = make(d, kGroupArt, kPlaceAboveAll, nullptr, "g");
   ArtObject* p = make(d, kPathArt, kPlaceInsideOnTop, g, "p");
   p->segments = {AIPathSegment{{1, 2}, {0, 2}, {2, 2}, 1}};
   ArtObject* r = make(d, kRasterArt, kPlaceInsideOnTop, g, "r");
   r->image.matrix = {1, 0, 0, 1, 5, 5};
   d.transformArt(g, AIRealMatrix{2, 0, 0, 3, 1, 1});
-  EXPECT_EQ(p->segments[0].p.h, 3);
-  EXPECT_EQ(p->segments[0].p.v, 7);
-  EXPECT_EQ(p->segments[0].in.h, 1);
-  EXPECT_EQ(p->segments[0].out.h, 5);
+  const AIPathSegment& s = p->segments[0];
+  EXPECT_EQ(std::vector<double>({s.p.h, s.p.v, s.in.h, s.out.h}), std::vector<double>({3, 7, 1, 5}));
   // The image matrix maps image space first, then the transform.
-  EXPECT_EQ(r->image.matrix.a, 2);
-  EXPECT_EQ(r->image.matrix.d, 3);
-  EXPECT_EQ(r->image.matrix.tx, 11);
-  EXPECT_EQ(r->image.matrix.ty, 16);
+  const AIRealMatrix& m = r->image.matrix;
+  EXPECT_EQ(std::vector<double>({m.a, m.d, m.tx, m.ty}), std::vector<double>({2, 3, 11, 16}));
 }
 
 TEST(Image, ChannelsAndSizes) {
@@ -411,11 +384,9 @@ TEST(Styles, ByNameAndReplace) {
   EXPECT_FALSE(d.ownsStyle(&other));
 }
 
-TEST(Walks, StayCorrectAcrossMixedInsertsMovesAndDisposals) {
+TEST_F(Doc, WalksStayCorrectAcrossMixedInsertsMovesAndDisposals) {
   // Sibling steps use cached positions; every kind of edit must keep the
   // walks exact.
-  Document d;
-  ArtObject* layer = d.addLayer("L");
   std::vector<std::string> expected;
   std::vector<ArtObject*> arts;
   for (int k = 0; k < 200; ++k) {

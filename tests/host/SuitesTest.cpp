@@ -13,6 +13,8 @@
 #include "host/Host.h"
 #include "host/SuiteRegistry.h"
 #include "io/Lbdoc.h"
+#include "support/Geometry.h"
+#include "support/MeshRecipe.h"
 
 using lb::host::Document;
 using lb::host::Host;
@@ -69,14 +71,11 @@ using Names = std::vector<std::string>;
 
 // A flat I x J mesh art object as .lbdoc JSON.
 std::string mesh(const std::string& name, bool selected, int I, int J) {
-  std::string nodes;
-  for (int j = 0; j <= J; ++j)
-    for (int i = 0; i <= I; ++i) {
-      if (!nodes.empty()) nodes += ", ";
-      nodes += "{\"p\": [" + std::to_string(i * 10) + ", " + std::to_string(j * 10) + "]}";
-    }
-  return R"({"type": "mesh", "name": ")" + name + R"(", "selected": )" + (selected ? "true" : "false") +
-         R"(, "size": [)" + std::to_string(I) + ", " + std::to_string(J) + R"(], "nodes": [)" + nodes + "]}";
+  lbtest::MeshRecipe r;
+  r.I = I, r.J = J, r.artSelected = selected;
+  lbtest::json art = lbtest::MeshJson(r);
+  art["name"] = name;
+  return art.dump();
 }
 
 }  // namespace
@@ -121,33 +120,23 @@ TEST_F(Suites, WalkTheTreeThroughTheArtSuite) {
         {"type": "path", "name": "g1", "segments": [{"p": [0, 0]}]},
         {"type": "path", "name": "g2", "segments": [{"p": [0, 0]}]}]},
       {"type": "path", "name": "c", "segments": [{"p": [0, 0]}]}]}]})");
-  AIArtHandle layer = doc().layers()[0].get();
-  AIArtHandle first = nullptr;
-  ASSERT_EQ(art->GetArtFirstChild(layer, &first), kNoErr);
-  std::vector<std::string> seen;
-  for (AIArtHandle a = first; a;) {
-    seen.push_back(a->name);
-    AIArtHandle child = nullptr;
-    ASSERT_EQ(art->GetArtFirstChild(a, &child), kNoErr);
-    for (; child;) {
-      seen.push_back(child->name);
-      AIArtHandle parent = nullptr;
-      ASSERT_EQ(art->GetArtParent(child, &parent), kNoErr);
-      EXPECT_EQ(parent, a);
-      ASSERT_EQ(art->GetArtSibling(child, &child), kNoErr);
-    }
-    ASSERT_EQ(art->GetArtSibling(a, &a), kNoErr);
-  }
-  EXPECT_EQ(seen, (Names{"a", "g", "g1", "g2", "c"}));
-  AIArtHandle up = nullptr;
-  AIArtHandle c = layer->children[2].get();
-  ASSERT_EQ(art->GetArtPriorSibling(c, &up), kNoErr);
-  EXPECT_EQ(up->name, "g");
-  ASSERT_EQ(art->GetArtPriorSibling(first, &up), kNoErr);
-  EXPECT_EQ(up, nullptr);
-  AIArtHandle none = reinterpret_cast<AIArtHandle>(1);
-  ASSERT_EQ(art->GetArtFirstChild(c, &none), kNoErr);  // a path has no children
-  EXPECT_EQ(none, nullptr);
+  // Each call answers with the art it names (or none), so each is wired to its own walk.
+  auto named = [](auto call, AIArtHandle from) {
+    AIArtHandle to = reinterpret_cast<AIArtHandle>(1);
+    EXPECT_EQ(call(from, &to), kNoErr);
+    return to ? to->name : std::string("none");
+  };
+  auto walk = [&](auto call, std::vector<AIArtHandle> from) {
+    Names out;
+    for (AIArtHandle f : from) out.push_back(named(call, f));
+    return out;
+  };
+  AIArtHandle layer = doc().layers()[0].get(), a = layer->children[0].get(), g = layer->children[1].get();
+  AIArtHandle c = layer->children[2].get(), g1 = g->children[0].get(), g2 = g->children[1].get();
+  EXPECT_EQ(walk(art->GetArtFirstChild, {layer, g, c}), (Names{"a", "g1", "none"}));  // a path has no children
+  EXPECT_EQ(walk(art->GetArtSibling, {a, g, c, g1, g2}), (Names{"g", "c", "none", "g2", "none"}));
+  EXPECT_EQ(walk(art->GetArtPriorSibling, {c, a}), (Names{"g", "none"}));
+  EXPECT_EQ(walk(art->GetArtParent, {g1, g2, a}), (Names{"g", "g", "L"}));
 }
 
 TEST_F(Suites, MatchingArtHandsOutCountedMemory) {
@@ -295,6 +284,7 @@ TEST_F(Suites, NewPathLookAndGraphicStyles) {
 TEST_F(Suites, BlendStyle) {
   AIArtHandle p = newPath();
   EXPECT_EQ(blend->GetOpacity(p), 1.0);
+  EXPECT_EQ(blend->GetOpacity(nullptr), 1.0);
   EXPECT_EQ(blend->SetOpacity(p, 0.3), kNoErr);
   EXPECT_EQ(blend->GetOpacity(p), 0.3);
   EXPECT_EQ(blend->SetOpacity(p, 1.5), kBadParameterErr);
@@ -302,7 +292,6 @@ TEST_F(Suites, BlendStyle) {
   EXPECT_EQ(blend->SetBlendingMode(p, kAILuminosityBlendingMode), kNoErr);
   EXPECT_EQ(blend->GetBlendingMode(p), kAILuminosityBlendingMode);
   EXPECT_EQ(blend->SetBlendingMode(p, 16), kBadParameterErr);
-  EXPECT_EQ(blend->GetOpacity(nullptr), 1.0);
 }
 
 TEST_F(Suites, NamesGoThroughHostStrings) {
@@ -331,10 +320,7 @@ TEST_F(Suites, BoundsKeyArtAndTransform) {
   EXPECT_EQ(k->id, "k");
   AIRealRect r{};
   ASSERT_EQ(art->GetArtBounds(k, &r), kNoErr);
-  EXPECT_EQ(r.left, 1);
-  EXPECT_EQ(r.top, 2);
-  EXPECT_EQ(r.right, 5);
-  EXPECT_EQ(r.bottom, -3);
+  EXPECT_EQ(std::vector<double>({r.left, r.top, r.right, r.bottom}), std::vector<double>({1, 2, 5, -3}));
   const AIRealMatrix shift{1, 0, 0, 1, 10, 0};
   ASSERT_EQ(art->TransformArt(k, &shift), kNoErr);
   ASSERT_EQ(art->GetArtBounds(k, &r), kNoErr);
@@ -361,9 +347,8 @@ TEST_F(Suites, InterpolationIsMeasuredFromTheSecondPoint) {
 
 TEST_F(Suites, AnglesLengthsAndMatrices) {
   const AIRealPoint o{1, 1}, up{1, 3}, left{-1, 1}, down{1, 0};
-  EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &up), M_PI / 2);
-  EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &left), M_PI);
-  EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &down), -M_PI / 2);
+  for (auto [p, angle] : {std::pair{up, M_PI / 2}, std::pair{left, M_PI}, std::pair{down, -M_PI / 2}})
+    EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &p), angle);
   EXPECT_DOUBLE_EQ(math->AIRealPointLength(&o, &up), 2);
   AIRealPoint r{};
   math->AIRealPointSubtract(&up, &o, &r);
@@ -381,13 +366,11 @@ TEST_F(Suites, AnglesLengthsAndMatrices) {
   math->AIRealMatrixConcat(&rot, &tr, &both);  // rotate, then translate
   const AIRealPoint x{1, 0};
   math->AIRealMatrixXformPoint(&both, &x, &r);
-  EXPECT_NEAR(r.h, 10, 1e-15);
-  EXPECT_NEAR(r.v, 1, 1e-15);
+  EXPECT_PT_NEAR(r, (AIRealPoint{10, 1}), 1e-15);
   ASSERT_EQ(math->AIRealMatrixInvert(&both), kNoErr);
   AIRealPoint back{};
   math->AIRealMatrixXformPoint(&both, &r, &back);
-  EXPECT_NEAR(back.h, 1, 1e-15);
-  EXPECT_NEAR(back.v, 0, 1e-15);
+  EXPECT_PT_NEAR(back, x, 1e-15);
   AIRealMatrix singular{};
   math->AIRealMatrixSetScale(&singular, 0, 1);
   EXPECT_EQ(math->AIRealMatrixInvert(&singular), kBadParameterErr);
@@ -398,11 +381,9 @@ TEST_F(Suites, BezierEvaluateDivideLengthBounds) {
   const AIRealBezier b{{0, 0}, {0, 1}, {1, 1}, {1, 0}};
   AIRealPoint p{};
   bezier->Evaluate(&b, 0.5, &p);
-  EXPECT_DOUBLE_EQ(p.h, 0.5);
-  EXPECT_DOUBLE_EQ(p.v, 0.75);
+  EXPECT_PT_NEAR(p, (AIRealPoint{0.5, 0.75}), 1e-15);
   bezier->Tangent(&b, 0, &p);
-  EXPECT_DOUBLE_EQ(p.h, 0);
-  EXPECT_DOUBLE_EQ(p.v, 3);
+  EXPECT_PT_NEAR(p, (AIRealPoint{0, 3}), 1e-15);
   AIRealBezier l{}, r{};
   bezier->Divide(&b, 0.25, &l, &r);
   AIRealPoint q{};
@@ -411,8 +392,7 @@ TEST_F(Suites, BezierEvaluateDivideLengthBounds) {
   EXPECT_EQ(r.p0.v, p.v);
   bezier->Evaluate(&r, 0.5, &q);
   bezier->Evaluate(&b, 0.625, &p);
-  EXPECT_NEAR(q.h, p.h, 1e-15);
-  EXPECT_NEAR(q.v, p.v, 1e-15);
+  EXPECT_PT_NEAR(q, p, 1e-15);
   // A straight piece measures its chord whatever the flatness.
   const AIRealBezier line{{0, 0}, {1, 0}, {2, 0}, {3, 0}};
   EXPECT_DOUBLE_EQ(bezier->Length(&line, 1), 3);
@@ -425,10 +405,7 @@ TEST_F(Suites, BezierEvaluateDivideLengthBounds) {
   EXPECT_LE(std::fabs(fine - M_PI / 2), std::fabs(coarse - M_PI / 2) + 1e-12);
   AIRealRect bb{};
   bezier->Bounds(&b, &bb);
-  EXPECT_DOUBLE_EQ(bb.top, 0.75);
-  EXPECT_DOUBLE_EQ(bb.bottom, 0);
-  EXPECT_DOUBLE_EQ(bb.left, 0);
-  EXPECT_DOUBLE_EQ(bb.right, 1);
+  EXPECT_EQ(std::vector<double>({bb.left, bb.top, bb.right, bb.bottom}), std::vector<double>({0, 0.75, 1, 0}));
 }
 
 TEST_F(Suites, RandomIsDeterministic) {
@@ -456,17 +433,11 @@ TEST_F(Suites, RasterAndPlacedPixels) {
   AIArtHandle r = doc().layers()[0]->children[1].get();
   AIRasterRecord rec{};
   ASSERT_EQ(placed->GetPlacedInfo(pl, &rec), kNoErr);
-  EXPECT_EQ(rec.width, 2);
-  EXPECT_EQ(rec.height, 1);
-  EXPECT_EQ(rec.colorSpace, kRGBColorSpace);
-  EXPECT_EQ(rec.bitsPerPixel, 32);
-  EXPECT_EQ(rec.hasAlpha, 1);
+  EXPECT_EQ(std::vector<int>({rec.width, rec.height, rec.colorSpace, rec.bitsPerPixel, rec.hasAlpha}),
+            std::vector<int>({2, 1, kRGBColorSpace, 32, 1}));
   AIReal ch[4] = {};
   ASSERT_EQ(placed->GetPlacedPixel(pl, 0, 0, ch), kNoErr);
-  EXPECT_EQ(ch[0], 1.0);
-  EXPECT_EQ(ch[1], 0.0);
-  EXPECT_DOUBLE_EQ(ch[2], 51 / 255.0);
-  EXPECT_DOUBLE_EQ(ch[3], 128 / 255.0);
+  EXPECT_EQ(std::vector<AIReal>(ch, ch + 4), std::vector<AIReal>({1.0, 0.0, 51 / 255.0, 128 / 255.0}));
   EXPECT_EQ(placed->GetPlacedPixel(pl, 2, 0, ch), kBadParameterErr);
   EXPECT_EQ(placed->GetPlacedPixel(pl, 0, -1, ch), kBadParameterErr);
   int16_t ptype = 0;

@@ -86,20 +86,6 @@ TEST(ExternalRender, PopplerPictureOfOurPdfMatchesRender) {
   }
 }
 
-// The text without any attribute of our own namespace: what a program
-// that keeps only standard SVG leaves of our file.
-std::string withoutOwnAttributes(std::string text) {
-  for (size_t at; (at = text.find("latticebender:")) != std::string::npos;) {
-    size_t start = at;
-    while (start > 0 && (text[start - 1] == ' ' || text[start - 1] == '\n')) --start;
-    const size_t quote = text.find('"', at);
-    const size_t end = quote == std::string::npos ? std::string::npos : text.find('"', quote + 1);
-    if (end == std::string::npos) break;
-    text.erase(start, end + 1 - start);
-  }
-  return text;
-}
-
 // Meshes Inkscape itself wrote: our SVG opened and saved again by Inkscape
 // (as plain SVG, without our own attributes) reads back as meshes giving
 // the same picture.
@@ -108,16 +94,15 @@ TEST(ExternalRender, MeshesSavedByInkscapeReadBack) {
   const fs::path dir = lb::test::scratchDir("inkscape-saved");
   std::vector<std::pair<std::string, std::unique_ptr<lb::host::Document>>> docs;
   docs.emplace_back("demo", lb::app::demoDocument({}, lb::app::DemoScene::kSwatch));
-  docs.emplace_back("example", lb::io::readDocumentFile(
-                                   (fs::path(std::getenv("LB_SOURCE_DIR") ? std::getenv("LB_SOURCE_DIR") : "..") /
-                                    "examples" / "mesh.lbdoc").string()));
+  docs.emplace_back("example", lb::io::readDocumentFile((lb::test::source() / "examples" / "mesh.lbdoc").string()));
   for (const auto& [name, doc] : docs) {
     const fs::path svg = dir / (name + ".svg"), saved = dir / (name + "-inkscape.svg");
     lb::app::writeAnyDocument(*doc, svg.string());
     const std::string cmd = "inkscape --export-plain-svg --export-filename='" + saved.string() + "' '" +
                             svg.string() + "' > /dev/null 2>&1";
     ASSERT_EQ(std::system(cmd.c_str()), 0) << name;
-    const std::string text = withoutOwnAttributes(lb::test::slurp(saved));
+    // What a program that keeps only standard SVG leaves of our file.
+    const std::string text = lb::test::withoutAttributes(lb::test::slurp(saved), "latticebender:");
     ASSERT_EQ(text.find("latticebender:"), std::string::npos);
     ASSERT_NE(text.find("<meshgradient"), std::string::npos);
     auto back = lb::io::svg::readSvg(text, {}, nullptr);

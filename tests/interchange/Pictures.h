@@ -95,6 +95,25 @@ inline void spit(const std::filesystem::path& p, const std::string& text) {
   out << text;
 }
 
+// The source tree.
+inline std::filesystem::path source() {
+  return std::filesystem::path(std::getenv("LB_SOURCE_DIR") ? std::getenv("LB_SOURCE_DIR") : "..");
+}
+
+// The text without any attribute whose name starts with `prefix`, nor the
+// white space before it.
+inline std::string withoutAttributes(std::string text, const std::string& prefix) {
+  for (size_t at; (at = text.find(prefix)) != std::string::npos;) {
+    size_t start = at;
+    while (start > 0 && (text[start - 1] == ' ' || text[start - 1] == '\n')) --start;
+    const size_t quote = text.find('"', at);
+    const size_t end = quote == std::string::npos ? std::string::npos : text.find('"', quote + 1);
+    if (end == std::string::npos) break;
+    text.erase(start, end + 1 - start);
+  }
+  return text;
+}
+
 // A fresh directory for one test.
 inline std::filesystem::path scratchDir(const std::string& name) {
   auto d = std::filesystem::temp_directory_path() / ("lb-interchange-" + name + "-" + std::to_string(::getpid()));

@@ -7,6 +7,8 @@
 #include <functional>
 
 #include "Pictures.h"
+#include "cli/Invoke.h"
+#include "support/Geometry.h"
 #include "app/DemoTour.h"
 #include "app/Interchange.h"
 #include "host/Color.h"
@@ -14,22 +16,14 @@
 #include "io/svg/Svg.h"
 #include "io/svg/SvgSyntax.h"
 
-int lbMain(int argc, char** argv);
-
 namespace {
 namespace fs = std::filesystem;
+using clitest::Invoke;
+using clitest::Result;
 using lb::host::Document;
 using lb::io::svg::Losses;
 using lb::io::svg::Point;
-
-fs::path source() { return fs::path(std::getenv("LB_SOURCE_DIR") ? std::getenv("LB_SOURCE_DIR") : ".."); }
-
-// The text without every `name="..."` attribute.
-std::string withoutAttribute(std::string text, const std::string& name) {
-  const std::string key = " " + name + "=\"";
-  for (size_t at; (at = text.find(key)) != std::string::npos;) text.erase(at, text.find('"', at + key.size()) + 1 - at);
-  return text;
-}
+using lb::test::source;
 
 void deselectAll(Document& doc) {
   for (ArtObject* a : doc.allArt())
@@ -104,7 +98,7 @@ TEST(OwnRoundTrip, DemoMeshAndViewBoxMapping) {
 TEST(MeshGradientOnly, SamePictureAsTheMesh) {
   auto doc = lb::app::demoDocument({}, lb::app::DemoScene::kMesh);
   std::string svg = lb::io::svg::writeSvg(*doc, nullptr);
-  svg = withoutAttribute(svg, "latticebender:mesh");
+  svg = lb::test::withoutAttributes(svg, "latticebender:mesh=");
   Losses losses;
   auto back = lb::io::svg::readSvg(svg, {}, &losses);
   const ArtObject* mesh = firstOfType(*back, kMeshArt);
@@ -127,11 +121,9 @@ TEST(MeshGradientOnly, MovedMeshKeepsItsStructureEditedMeshIsReadAsWritten) {
   const std::string moved = svg.substr(0, at) + "<path transform=\"translate(10,20)\"" + svg.substr(at + 5);
   auto back = lb::io::svg::readSvg(moved, {}, nullptr);
   const ArtObject* m = firstOfType(*back, kMeshArt);
-  ASSERT_EQ(m->mesh->sizeI(), orig->mesh->sizeI());
-  ASSERT_EQ(m->mesh->sizeJ(), orig->mesh->sizeJ());
-  const AIRealPoint p0 = orig->mesh->nodeData(2, 3).p, p1 = m->mesh->nodeData(2, 3).p;
-  EXPECT_DOUBLE_EQ(p1.h, p0.h + 10);
-  EXPECT_DOUBLE_EQ(p1.v, p0.v - 20);
+  ASSERT_EQ(std::make_pair(m->mesh->sizeI(), m->mesh->sizeJ()), std::make_pair(orig->mesh->sizeI(), orig->mesh->sizeJ()));
+  const AIRealPoint p0 = orig->mesh->nodeData(2, 3).p;
+  EXPECT_PT_NEAR(m->mesh->nodeData(2, 3).p, (AIRealPoint{p0.h + 10, p0.v - 20}), 1e-9);
 
   const size_t stop = svg.find("stop-color:#");
   const std::string edited = svg.substr(0, stop) + "stop-color:#123456" + svg.substr(stop + 18);
@@ -153,20 +145,17 @@ struct NodeCase {
   double opacity;
 };
 
-TEST(InkscapeMesh, NodesColoursAndSides) {
+TEST(InkscapeMesh, NodesColoursSidesAndThePathBeside) {
   Losses losses;
   auto doc = lb::io::svg::readSvg(lb::test::slurp(source() / "tests/interchange/fixtures/inkscape-mesh.svg"), {}, &losses);
   ASSERT_TRUE(doc->artboard);
-  EXPECT_DOUBLE_EQ(doc->artboard->left, 0);
-  EXPECT_DOUBLE_EQ(doc->artboard->top, 0);
-  EXPECT_DOUBLE_EQ(doc->artboard->right, 200);
-  EXPECT_DOUBLE_EQ(doc->artboard->bottom, -150);
+  const AIRealRect& ab = *doc->artboard;
+  EXPECT_EQ(std::vector<double>({ab.left, ab.top, ab.right, ab.bottom}), std::vector<double>({0, 0, 200, -150}));
   const ArtObject* art = firstOfType(*doc, kMeshArt);
   ASSERT_NE(art, nullptr);
   EXPECT_EQ(art->id, "rect1298");
   const auto& mesh = *art->mesh;
-  ASSERT_EQ(mesh.sizeI(), 2);
-  ASSERT_EQ(mesh.sizeJ(), 2);
+  ASSERT_EQ(std::make_pair(mesh.sizeI(), mesh.sizeJ()), std::make_pair(2, 2));
   // Gradient corner (20 + 30 c, 30 + 30 r), moved by the gradientTransform
   // (5, 7) and the layer (10, 0); SVG row r is mesh row j = 2 - r.
   const NodeCase nodes[] = {
@@ -177,8 +166,7 @@ TEST(InkscapeMesh, NodesColoursAndSides) {
   for (const NodeCase& c : nodes) {
     SCOPED_TRACE("node " + std::to_string(c.i) + "," + std::to_string(c.j));
     const auto d = mesh.nodeData(c.i, c.j);
-    EXPECT_NEAR(d.p.h, c.h, 1e-9);
-    EXPECT_NEAR(d.p.v, c.v, 1e-9);
+    EXPECT_PT_NEAR(d.p, (AIRealPoint{c.h, c.v}), 1e-9);
     double r, g, b;
     lb::host::colorToRGB(d.color, &r, &g, &b);
     EXPECT_NEAR(r, ((c.rgb >> 16) & 255) / 255.0, 1e-9);
@@ -187,26 +175,42 @@ TEST(InkscapeMesh, NodesColoursAndSides) {
     EXPECT_DOUBLE_EQ(d.opacity, c.opacity);
   }
   // The curved top side of the first patch, an absolute C side read
-  // against the run's direction, and an l side with handles at thirds.
+  // against the run's direction, and an l side with handles at thirds (run
+  // (1, 0, 1) goes from node (0, 1) at v = -67 up to (0, 2) at -37).
   struct RunCase {
     int axis, i, j;
     AIRealPoint c1, c2;
-  } runs[] = {
-      {0, 0, 2, {45, -32}, {55, -32}},
-      {1, 2, 1, {95, -57}, {95, -47}},
-      {1, 0, 1, {35, -77}, {35, -87}},
-  };
-  // Run (1, 0, 1) goes from node (0, 1) at v = -67 up to (0, 2) at -37.
-  runs[2] = {1, 0, 1, {35, -57}, {35, -47}};
+  } runs[] = {{0, 0, 2, {45, -32}, {55, -32}}, {1, 2, 1, {95, -57}, {95, -47}}, {1, 0, 1, {35, -57}, {35, -47}}};
   for (const RunCase& rc : runs) {
     const auto& pts = mesh.runPoints(rc.axis, rc.i, rc.j);
     ASSERT_EQ(pts.size(), 4u);
-    EXPECT_NEAR(pts[1].h, rc.c1.h, 1e-9);
-    EXPECT_NEAR(pts[1].v, rc.c1.v, 1e-9);
-    EXPECT_NEAR(pts[2].h, rc.c2.h, 1e-9);
-    EXPECT_NEAR(pts[2].v, rc.c2.v, 1e-9);
+    EXPECT_PT_NEAR(pts[1], rc.c1, 1e-9);
+    EXPECT_PT_NEAR(pts[2], rc.c2, 1e-9);
   }
   EXPECT_NE(losses.text().find("clip mesh fills"), std::string::npos);
+  // The path beside the mesh: every command, its style and transform.
+  ArtObject* wave = doc->findById("wave");
+  ASSERT_NE(wave, nullptr);
+  EXPECT_EQ(wave->name, "Wave");
+  EXPECT_DOUBLE_EQ(wave->opacity, 0.5);
+  EXPECT_TRUE(wave->closed);
+  EXPECT_TRUE(wave->style.fillPaint);
+  EXPECT_NEAR(wave->style.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
+  EXPECT_TRUE(wave->style.strokePaint);
+  EXPECT_DOUBLE_EQ(wave->style.stroke.color.c.rgb.blue, 1);
+  EXPECT_DOUBLE_EQ(wave->style.stroke.width, 2);
+  // h v H V l c s q t (9 pieces), the half-circle arc in 4, the closing line.
+  ASSERT_EQ(wave->segments.size(), 14u);
+  struct {
+    size_t k;
+    double h, v;
+  } anchors[] = {{0, 20, -120}, {1, 40, -120}, {2, 40, -130}, {3, 60, -130}, {4, 60, -140}, {5, 65, -145},
+                 {6, 75, -150}, {7, 85, -155}, {8, 90, -160}, {9, 95, -165}, {13, 105, -165}};
+  for (const auto& a : anchors) EXPECT_PT_NEAR(wave->segments[a.k].p, (AIRealPoint{a.h, a.v}), 1e-9) << a.k;
+  // s reflects the previous control point, t the previous quadratic one
+  // (quadratic control (80, 165) at 2/3).
+  EXPECT_PT_NEAR(wave->segments[6].out, (AIRealPoint{75, -155}), 1e-9);
+  EXPECT_PT_NEAR(wave->segments[8].out, (AIRealPoint{90, -160 - 5.0 * 2 / 3}), 1e-9);
 }
 
 // One patch in bounding-box units on a transformed ellipse, colours as
@@ -228,45 +232,13 @@ TEST(InkscapeMesh, BoundingBoxUnitsAndElementTransform) {
   EXPECT_TRUE(art->selected());
   EXPECT_TRUE(art->mesh->isSelectionFull());
   // Bounds 10..30 x 25..35, doubled: corners at x 20 and 60, y 50 and 70.
-  const auto tl = art->mesh->nodeData(0, 1), br = art->mesh->nodeData(1, 0);
-  EXPECT_NEAR(tl.p.h, 20, 1e-9);
-  EXPECT_NEAR(tl.p.v, -50, 1e-9);
-  EXPECT_NEAR(br.p.h, 60, 1e-9);
-  EXPECT_NEAR(br.p.v, -70, 1e-9);
+  EXPECT_PT_NEAR(art->mesh->nodeData(0, 1).p, (AIRealPoint{20, -50}), 1e-9);
+  EXPECT_PT_NEAR(art->mesh->nodeData(1, 0).p, (AIRealPoint{60, -70}), 1e-9);
   EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).opacity, 0.25);
   EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).color.c.rgb.green, 1);
   EXPECT_NE(losses.text().find("bicubic"), std::string::npos);
 }
 
-TEST(InkscapeMesh, PathWithEveryCommandStyleAndTransform) {
-  auto doc = lb::io::svg::readSvg(lb::test::slurp(source() / "tests/interchange/fixtures/inkscape-mesh.svg"), {}, nullptr);
-  ArtObject* wave = doc->findById("wave");
-  ASSERT_NE(wave, nullptr);
-  EXPECT_EQ(wave->name, "Wave");
-  EXPECT_DOUBLE_EQ(wave->opacity, 0.5);
-  EXPECT_TRUE(wave->closed);
-  EXPECT_TRUE(wave->style.fillPaint);
-  EXPECT_NEAR(wave->style.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
-  EXPECT_TRUE(wave->style.strokePaint);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.color.c.rgb.blue, 1);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.width, 2);
-  // h v H V l c s q t (9 pieces), the half-circle arc in 4, the closing line.
-  ASSERT_EQ(wave->segments.size(), 14u);
-  struct {
-    size_t k;
-    double h, v;
-  } anchors[] = {{0, 20, -120}, {1, 40, -120}, {2, 40, -130}, {3, 60, -130}, {4, 60, -140}, {5, 65, -145},
-                 {6, 75, -150}, {7, 85, -155}, {8, 90, -160}, {9, 95, -165}, {13, 105, -165}};
-  for (const auto& a : anchors) {
-    EXPECT_NEAR(wave->segments[a.k].p.h, a.h, 1e-9) << a.k;
-    EXPECT_NEAR(wave->segments[a.k].p.v, a.v, 1e-9) << a.k;
-  }
-  // s reflects the previous control point, t the previous quadratic one.
-  EXPECT_NEAR(wave->segments[6].out.h, 75, 1e-9);
-  EXPECT_NEAR(wave->segments[6].out.v, -155, 1e-9);
-  EXPECT_NEAR(wave->segments[8].out.h, 90 + 0, 1e-9);
-  EXPECT_NEAR(wave->segments[8].out.v, -160 - 5.0 * 2 / 3, 1e-9);  // quadratic control (80, 165) at 2/3
-}
 
 // ---- syntax ----------------------------------------------------------------
 
@@ -368,13 +340,9 @@ TEST(Colours, FormsAndNames) {
 }
 
 TEST(Lengths, Units) {
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("10"), 10);
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("10px"), 10);
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("1in"), 96);
-  EXPECT_DOUBLE_EQ(*lb::io::svg::parseLength("72pt"), 96);
-  EXPECT_NEAR(*lb::io::svg::parseLength("25.4mm"), 96, 1e-12);
-  EXPECT_FALSE(lb::io::svg::parseLength("10%"));
-  EXPECT_FALSE(lb::io::svg::parseLength("abc"));
+  for (auto [text, px] : {std::pair{"10", 10.0}, {"10px", 10.0}, {"1in", 96.0}, {"72pt", 96.0}, {"25.4mm", 96.0}})
+    EXPECT_NEAR(*lb::io::svg::parseLength(text), px, 1e-12) << text;
+  EXPECT_FALSE(lb::io::svg::parseLength("10%") || lb::io::svg::parseLength("abc"));
 }
 
 // ---- bad files and losses ---------------------------------------------------
@@ -420,15 +388,14 @@ TEST(BadSvg, NamedErrors) {
 // Hidden groups keep their children's own state; fill-opacity of art
 // painted only with a fill becomes its opacity.
 TEST(ReadSvg, HiddenGroupsAndFillOpacity) {
+  Losses losses;
   auto doc = lb::io::svg::readSvg(
       "<svg><g id='g' style='display:none'><rect id='r' width='2' height='2' fill='red' fill-opacity='0.5' "
       "opacity='0.5'/></g><rect id='s' width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>",
-      {}, nullptr);
+      {}, &losses);
   EXPECT_TRUE(doc->findById("g")->hidden());
   EXPECT_FALSE(doc->findById("r")->hidden());
   EXPECT_DOUBLE_EQ(doc->findById("r")->opacity, 0.25);
-  Losses losses;
-  lb::io::svg::readSvg("<svg><rect width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>", {}, &losses);
   EXPECT_NE(losses.text().find("fill and stroke opacity"), std::string::npos);
 }
 
@@ -477,23 +444,6 @@ TEST(Losses, UnsupportedContentIsNamed) {
 }
 
 // ---- the command line ---------------------------------------------------------
-
-struct Result {
-  int status;
-  std::string out, err;
-};
-
-Result Invoke(std::vector<std::string> args) {
-  args.insert(args.begin(), "latticebender");
-  std::vector<char*> argv;
-  for (auto& a : args) argv.push_back(a.data());
-  argv.push_back(nullptr);
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  const int status = lbMain(static_cast<int>(args.size()), argv.data());
-  Result r{status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
-  return r;
-}
 
 TEST(Cli, ImportExportAndSelection) {
   const fs::path dir = lb::test::scratchDir("cli");

@@ -17,20 +17,12 @@
 #include "host/Document.h"
 #include "io/JsonWriter.h"
 #include "io/Lbdoc.h"
+#include "IoTest.h"
 
 namespace {
 
-std::string sourcePath(const std::string& rel) {
-  const char* src = std::getenv("LB_SOURCE_DIR");
-  return std::string(src ? src : ".") + "/" + rel;
-}
-
-std::string slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
-}
+using iotest::Slurp;
+using iotest::SourcePath;
 
 std::string spell(double d) {
   std::string out;
@@ -43,8 +35,8 @@ std::string spell(double d) {
 // Deep nesting (past 50 levels a container has no room left on its line),
 // escapes, empty arrays, every art type: byte for byte the established text.
 TEST(JsonWriter, LayoutMatchesTheEstablishedFiles) {
-  const auto doc = lb::io::readDocumentFile(sourcePath("tests/io/golden/layout-input.lbdoc"));
-  EXPECT_EQ(lb::io::writeDocument(*doc), slurp(sourcePath("tests/io/golden/layout-expected.lbdoc")));
+  const auto doc = lb::io::readDocumentFile(SourcePath("tests/io/golden/layout-input.lbdoc"));
+  EXPECT_EQ(lb::io::writeDocument(*doc), Slurp(SourcePath("tests/io/golden/layout-expected.lbdoc")));
 }
 
 TEST(JsonWriter, NumbersAreSpelledAsTheJsonLibrarySpellsThem) {
@@ -120,7 +112,7 @@ TEST(JsonWriter, StreamedOutputEqualsTheText) {
   ASSERT_GE(fd, 0);
   lb::io::writeDocumentTo(fd, doc);
   ::close(fd);
-  const std::string streamed = slurp(name);
+  const std::string streamed = Slurp(name);
   std::remove(name);
   const std::string text = lb::io::writeDocument(doc);
   EXPECT_GT(text.size(), 3u << 20);

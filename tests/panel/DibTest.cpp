@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "BmpBytes.h"
 #include "ZC_DIB.h"
 #include "lbwin.h"
 
@@ -13,6 +14,8 @@ namespace {
 ZS_COLOR Rgba(unsigned char r, unsigned char g, unsigned char b, unsigned char a = 255) {
   return ZS_COLOR{b, g, r, a};
 }
+int FillAll(ZC_DIB& d, ZS_COLOR c) { return d.FillAll(&c); }
+int FillReg(ZC_DIB& d, ZS_COLOR c, int x, int y, int w, int h) { return d.FillReg(&c, x, y, w, h); }
 
 // Bytes (b, g, r[, a]) of pixel (x, y), y from the top.
 std::vector<int> Px(const ZC_DIB& d, int x, int y) {
@@ -22,44 +25,16 @@ std::vector<int> Px(const ZC_DIB& d, int x, int y) {
   return {p[0], p[1], p[2]};
 }
 
-// A BMP file image: headers, then `rows` bottom-up at pixel offset `offset`.
-std::vector<unsigned char> Bmp(int w, int h, int bpp, uint32_t offset,
-                               const std::vector<unsigned char>& pixels) {
-  std::vector<unsigned char> buf(offset, 0);
-  BITMAPFILEHEADER fh{};
-  fh.bfType = 0x4D42;
-  fh.bfSize = static_cast<DWORD>(offset + pixels.size());
-  fh.bfOffBits = offset;
-  BITMAPINFOHEADER ih{};
-  ih.biSize = 40;
-  ih.biWidth = w;
-  ih.biHeight = h;
-  ih.biPlanes = 1;
-  ih.biBitCount = static_cast<WORD>(bpp);
-  std::memcpy(buf.data(), &fh, 14);
-  std::memcpy(buf.data() + 14, &ih, 40);
-  buf.insert(buf.end(), pixels.begin(), pixels.end());
-  return buf;
-}
-
 TEST(DibMake, EmptyAndSizedBitmaps) {
-  ZC_DIB empty;
-  EXPECT_EQ(empty.GetW(), 0);
-  EXPECT_EQ(empty.GetH(), 0);
-  ZC_DIB eight(10, 10, 8);
+  ZC_DIB eight(10, 10, 8);  // only 24 and 32 bits are made
   EXPECT_TRUE(eight.IsEmpty());
   EXPECT_EQ(eight.GetW(), 0);
 
   ZC_DIB d(5, 3, 24);
   EXPECT_EQ(d.GetW(), 5);
   EXPECT_EQ(d.GetH(), 3);
-  const BITMAPINFOHEADER& ih = d.InfoHeader();
-  EXPECT_EQ(ih.biSize, 40u);
-  EXPECT_EQ(ih.biPlanes, 1);
-  EXPECT_EQ(ih.biBitCount, 24);
-  EXPECT_EQ(ih.biSizeImage, 0u);
-  EXPECT_EQ(ih.biXPelsPerMeter, 1);
-  EXPECT_EQ(ih.biYPelsPerMeter, 1);
+  const auto header = Bmp(5, 3, 24, 54, {}, 0, 1);
+  EXPECT_EQ(std::memcmp(&d.InfoHeader(), header.data() + 14, 40), 0);
   // 24-bit rows are padded to 4 bytes: 15 -> 16.
   EXPECT_EQ(d.PixelAt(0, 1) - d.PixelAt(0, 2), 16);
 
@@ -90,18 +65,15 @@ TEST(DibFill, RegionCodesInOrder) {
 }
 
 TEST(DibFill, WholeBitmapAndClipping) {
-  ZS_COLOR black = Rgba(0, 0, 0);
-  ZS_COLOR red = Rgba(255, 0, 0);
   ZC_DIB d(10, 8, 24);
-  ASSERT_EQ(d.FillAll(&black), 0);
-  EXPECT_EQ(d.FillReg(&red, 0, 0, -1, -1), 0);
+  ASSERT_EQ(FillAll(d, Rgba(0, 0, 0)), 0);
+  EXPECT_EQ(FillReg(d, Rgba(255, 0, 0), 0, 0, -1, -1), 0);
   for (int y = 0; y < 8; ++y)
     for (int x = 0; x < 10; ++x) ASSERT_EQ(Px(d, x, y), (std::vector<int>{0, 0, 255})) << x << "," << y;
 
   // A rectangle running past the right and bottom edges is cut there.
-  ZS_COLOR blue = Rgba(0, 0, 255);
-  ASSERT_EQ(d.FillAll(&black), 0);
-  EXPECT_EQ(d.FillReg(&blue, 7, 6, 100, 100), 0);
+  ASSERT_EQ(FillAll(d, Rgba(0, 0, 0)), 0);
+  EXPECT_EQ(FillReg(d, Rgba(0, 0, 255), 7, 6, 100, 100), 0);
   EXPECT_EQ(Px(d, 7, 6), (std::vector<int>{255, 0, 0}));
   EXPECT_EQ(Px(d, 9, 7), (std::vector<int>{255, 0, 0}));
   EXPECT_EQ(Px(d, 6, 6), (std::vector<int>{0, 0, 0}));
@@ -112,28 +84,18 @@ TEST(DibFill, FillAllLeavesRowPaddingAlone) {
   ZC_DIB d(1, 2, 24);  // 3 bytes of pixel, 1 byte of padding per row
   unsigned char* bits = const_cast<unsigned char*>(d.Bits());
   std::memset(bits, 0x5A, 8);
-  ZS_COLOR c = Rgba(1, 2, 3);
-  ASSERT_EQ(d.FillAll(&c), 0);
-  EXPECT_EQ(bits[3], 0x5A);
-  EXPECT_EQ(bits[7], 0x5A);
-  EXPECT_EQ(bits[0], 3);  // blue first
-  EXPECT_EQ(bits[2], 1);
+  ASSERT_EQ(FillAll(d, Rgba(1, 2, 3)), 0);
+  EXPECT_EQ(std::vector<int>(bits, bits + 8), (std::vector<int>{3, 2, 1, 0x5A, 3, 2, 1, 0x5A}));  // blue first
 }
 
 TEST(DibStorage, TopRowIsTheLastStoredRow) {
   ZC_DIB d(4, 3, 32);
-  ZS_COLOR clear = Rgba(0, 0, 0, 0);
-  ZS_COLOR top = Rgba(10, 20, 30, 40);
-  d.FillAll(&clear);
-  d.FillReg(&top, 0, 0, -1, 1);
+  FillAll(d, Rgba(0, 0, 0, 0));
+  FillReg(d, Rgba(10, 20, 30, 40), 0, 0, -1, 1);
   const unsigned char* bits = d.Bits();
   // Stored row 2 (the last) is picture row 0.
-  EXPECT_EQ(bits[2 * 16 + 0], 30);
-  EXPECT_EQ(bits[2 * 16 + 1], 20);
-  EXPECT_EQ(bits[2 * 16 + 2], 10);
-  EXPECT_EQ(bits[2 * 16 + 3], 40);
-  EXPECT_EQ(bits[0], 0);
-  EXPECT_EQ(bits[16], 0);
+  EXPECT_EQ(std::vector<int>(bits + 2 * 16, bits + 2 * 16 + 4), (std::vector<int>{30, 20, 10, 40}));
+  EXPECT_EQ(bits[0] + bits[16], 0);
 }
 
 TEST(DibCopy, RegionCodesInOrder) {
@@ -159,12 +121,10 @@ TEST(DibCopy, RegionCodesInOrder) {
 }
 
 TEST(DibCopy, PictureAtTheRightEdgeIsCut) {
-  ZS_COLOR grey = Rgba(208, 208, 208);
-  ZS_COLOR red = Rgba(255, 0, 0);
   ZC_DIB d(227, 40, 24);
-  d.FillAll(&grey);
+  FillAll(d, Rgba(208, 208, 208));
   ZC_DIB pic(32, 32, 32);
-  pic.FillAll(&red);
+  FillAll(pic, Rgba(255, 0, 0));
   EXPECT_EQ(d.CopyRegRaw(220, 0, &pic, 0, 0, 32, 32), 0);
   for (int x = 220; x < 227; ++x) EXPECT_EQ(Px(d, x, 31), (std::vector<int>{0, 0, 255})) << x;
   EXPECT_EQ(Px(d, 219, 0), (std::vector<int>{208, 208, 208}));
@@ -173,13 +133,10 @@ TEST(DibCopy, PictureAtTheRightEdgeIsCut) {
 
 TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
   ZC_DIB src(4, 4, 24);
-  ZS_COLOR black = Rgba(0, 0, 0);
-  ZS_COLOR white = Rgba(255, 255, 255);
-  src.FillAll(&black);
-  src.FillReg(&white, 2, 2, 2, 2);  // bottom-right quarter
+  FillAll(src, Rgba(0, 0, 0));
+  FillReg(src, Rgba(255, 255, 255), 2, 2, 2, 2);  // bottom-right quarter
   ZC_DIB d(10, 10, 24);
-  ZS_COLOR grey = Rgba(100, 100, 100);
-  d.FillAll(&grey);
+  FillAll(d, Rgba(100, 100, 100));
   // From (2, 2) of the source, asking for 5 x 5: only 2 x 2 exist.
   EXPECT_EQ(d.CopyRegRaw(5, 5, &src, 2, 2, 5, 5), 0);
   EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));
@@ -196,17 +153,15 @@ TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
 
 TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
   ZC_DIB src32(2, 2, 32);
-  ZS_COLOR half = Rgba(10, 20, 30, 77);
-  src32.FillAll(&half);
+  FillAll(src32, Rgba(10, 20, 30, 77));
   ZC_DIB d32(2, 2, 32);
-  ZS_COLOR opaque = Rgba(0, 0, 0, 255);
-  d32.FillAll(&opaque);
+  FillAll(d32, Rgba(0, 0, 0, 255));
   ASSERT_EQ(d32.CopyRegRaw(0, 0, &src32, 0, 0, -1, -1), 0);
   EXPECT_EQ(Px(d32, 1, 1), (std::vector<int>{30, 20, 10, 77}));
 
   ZC_DIB src24(2, 2, 24);
-  src24.FillAll(&half);
-  d32.FillAll(&opaque);
+  FillAll(src24, Rgba(10, 20, 30, 77));
+  FillAll(d32, Rgba(0, 0, 0, 255));
   ASSERT_EQ(d32.CopyRegRaw(0, 0, &src24, 0, 0, -1, -1), 0);
   EXPECT_EQ(Px(d32, 0, 0), (std::vector<int>{30, 20, 10, 255}));
 
@@ -217,15 +172,11 @@ TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
 
 TEST(DibBlend, AlphaRule) {
   ZC_DIB d(3, 1, 24);
-  ZS_COLOR grey = Rgba(208, 208, 208);
-  d.FillAll(&grey);
+  FillAll(d, Rgba(208, 208, 208));
   ZC_DIB src(3, 1, 32);
-  ZS_COLOR transparent = Rgba(0, 0, 0, 0);
-  ZS_COLOR solid = Rgba(12, 34, 56, 255);
-  ZS_COLOR half = Rgba(0, 0, 255, 128);
-  src.FillReg(&transparent, 0, 0, 1, 1);
-  src.FillReg(&solid, 1, 0, 1, 1);
-  src.FillReg(&half, 2, 0, 1, 1);
+  FillReg(src, Rgba(0, 0, 0, 0), 0, 0, 1, 1);
+  FillReg(src, Rgba(12, 34, 56, 255), 1, 0, 1, 1);
+  FillReg(src, Rgba(0, 0, 255, 128), 2, 0, 1, 1);
   ASSERT_EQ(d.CopyReg(0, 0, &src, 0, 0, -1, -1), 0);
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{208, 208, 208}));  // alpha 0: unchanged
   EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{56, 34, 12}));     // alpha 255: the source
@@ -235,18 +186,15 @@ TEST(DibBlend, AlphaRule) {
 
 TEST(DibBlend, DestinationAlphaKeptAndOpaqueSourceCopied) {
   ZC_DIB d(1, 1, 32);
-  ZS_COLOR dst = Rgba(100, 100, 100, 9);
-  d.FillAll(&dst);
+  FillAll(d, Rgba(100, 100, 100, 9));
   ZC_DIB src(1, 1, 32);
-  ZS_COLOR s = Rgba(200, 0, 100, 51);  // a = 0.2
-  src.FillAll(&s);
+  FillAll(src, Rgba(200, 0, 100, 51));  // a = 0.2
   ASSERT_EQ(d.CopyReg(0, 0, &src, 0, 0, 1, 1), 0);
   // 100 + 100 * 51 / 255 = 120; 100 - 100 * 0.2 = 80; 100 + 0 = 100.
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{100, 80, 120, 9}));
 
   ZC_DIB src24(1, 1, 24);
-  ZS_COLOR t = Rgba(1, 2, 3);
-  src24.FillAll(&t);
+  FillAll(src24, Rgba(1, 2, 3));
   ASSERT_EQ(d.CopyReg(0, 0, &src24, 0, 0, 1, 1), 0);
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 2, 1, 9}));
 }
@@ -265,13 +213,8 @@ TEST(DibLoad, BottomUpPixelsFromThePixelOffset) {
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 3, 3, 255}));
   EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{4, 4, 4, 128}));
   EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{1, 1, 1, 255}));
-}
-
-TEST(DibLoad, TwentyFourBitRowsArePadded) {
   // 1 x 2, 24 bits: 3 bytes of pixel and 1 of padding per row.
-  std::vector<unsigned char> px = {9, 8, 7, 0, 6, 5, 4, 0};
-  auto buf = Bmp(1, 2, 24, 54, px);
-  ZC_DIB d;
+  buf = Bmp(1, 2, 24, 54, {9, 8, 7, 0, 6, 5, 4, 0});
   d.LoadFromBuff(buf.data());
   ASSERT_EQ(d.GetH(), 2);
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{6, 5, 4}));
@@ -318,21 +261,21 @@ TEST_F(DibDraw, WholeBitmapLandsTopDown) {
 }
 
 TEST_F(DibDraw, SubRectangle) {
-  // Pixel (1, 1) alone, drawn at (0, 0).
-  dib.Draw(hdc, 0, 0, 1, 1, 1, 1);
-  EXPECT_EQ(lbwinGetPixel(wnd, 0, 0), RGB(11, 11, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 1, 0), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(wnd, 0, 1), RGB(255, 255, 255));
-  // Columns 1..2 of the top row.
-  dib.Draw(hdc, 10, 10, 1, 0, 2, 1);
-  EXPECT_EQ(lbwinGetPixel(wnd, 10, 10), RGB(11, 1, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 11, 10), RGB(21, 1, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 10, 11), RGB(255, 255, 255));
-  // Negative sizes run to the edges from (sx, sy).
-  dib.Draw(hdc, 15, 15, 2, 1, -1, -1);
-  EXPECT_EQ(lbwinGetPixel(wnd, 15, 15), RGB(21, 11, 0));
-  EXPECT_EQ(lbwinGetPixel(wnd, 16, 15), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(wnd, 15, 16), RGB(255, 255, 255));
+  const struct {
+    int x, y, sx, sy, w, h;
+    COLORREF first, right, below;  // at (x, y), (x + 1, y), (x, y + 1)
+  } cases[] = {
+      {0, 0, 1, 1, 1, 1, RGB(11, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // pixel (1, 1) alone
+      {10, 10, 1, 0, 2, 1, RGB(11, 1, 0), RGB(21, 1, 0), RGB(255, 255, 255)},       // columns 1..2 of the top row
+      {15, 15, 2, 1, -1, -1, RGB(21, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // negative: to the edges
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.x);
+    dib.Draw(hdc, c.x, c.y, c.sx, c.sy, c.w, c.h);
+    EXPECT_EQ(lbwinGetPixel(wnd, c.x, c.y), c.first);
+    EXPECT_EQ(lbwinGetPixel(wnd, c.x + 1, c.y), c.right);
+    EXPECT_EQ(lbwinGetPixel(wnd, c.x, c.y + 1), c.below);
+  }
 }
 
 }  // namespace

@@ -9,12 +9,11 @@
 #include <set>
 #include <string>
 
+#include "BmpBytes.h"
 #include "LBModule.h"
 
 namespace {
 
-uint32_t U32(const unsigned char* p) { return p[0] | (p[1] << 8) | (p[2] << 16) | (uint32_t(p[3]) << 24); }
-uint16_t U16(const unsigned char* p) { return static_cast<uint16_t>(p[0] | (p[1] << 8)); }
 uint32_t BigU32(const unsigned char* p) {
   return (uint32_t(p[0]) << 24) | (p[1] << 16) | (p[2] << 8) | p[3];
 }
@@ -52,27 +51,15 @@ const char* const kButtonPictures[] = {
     "IMG_HANDLES_90", "IMG_SEL", "IMG_SEW_DOCKED", "IMG_DENSITY_INC", "IMG_DENSITY_DEC",
     "IMG_SEW_PATH", "IMG_SEW_0", "IMG_UV_RESET", "IMG_DIR_ROTATE", "IMG_000"};
 
+// 54 header bytes: 'BM', file size, pixels at 54, bottom-up size x size,
+// one plane, 32 bits, no compression, image size filled in, 3780 pixels
+// per metre, no palette; US English.
 void ExpectBmpHeader(const LBResourceEntry& e, int size) {
   SCOPED_TRACE(e.name);
   const uint32_t image = uint32_t(size) * size * 4;
   ASSERT_EQ(e.size, 54 + image);
-  const unsigned char* p = e.data;
-  EXPECT_EQ(p[0], 'B');
-  EXPECT_EQ(p[1], 'M');
-  EXPECT_EQ(U32(p + 2), 54 + image);  // file size
-  EXPECT_EQ(U32(p + 6), 0u);          // reserved words
-  EXPECT_EQ(U32(p + 10), 54u);        // pixel offset
-  EXPECT_EQ(U32(p + 14), 40u);        // info header size
-  EXPECT_EQ(U32(p + 18), uint32_t(size));
-  EXPECT_EQ(U32(p + 22), uint32_t(size));  // positive: bottom-up
-  EXPECT_EQ(U16(p + 26), 1);               // planes
-  EXPECT_EQ(U16(p + 28), 32);              // bits per pixel
-  EXPECT_EQ(U32(p + 30), 0u);              // no compression
-  EXPECT_EQ(U32(p + 34), image);           // image size filled in
-  EXPECT_EQ(U32(p + 38), 3780u);
-  EXPECT_EQ(U32(p + 42), 3780u);
-  EXPECT_EQ(U32(p + 46), 0u);
-  EXPECT_EQ(U32(p + 50), 0u);
+  const auto want = Bmp(size, size, 32, 54, std::vector<unsigned char>(image), image, 3780);
+  EXPECT_EQ(std::vector<unsigned char>(e.data, e.data + 54), std::vector<unsigned char>(want.begin(), want.begin() + 54));
   EXPECT_EQ(e.language, 1033);
 }
 

@@ -107,24 +107,28 @@ class Panel : public ::testing::Test {
       for (int x = 3; x < 224; ++x) out.push_back(At(x, y));
     return out;
   }
+  bool Dark(int x, int y) const {
+    const COLORREF c = At(x, y);
+    return GetRValue(c) + GetGValue(c) + GetBValue(c) < 300;
+  }
   // Columns holding text (dark) pixels inside the strip.
   std::pair<int, int> TextColumns() const {
     int lo = 1000, hi = -1;
     for (int y = 269; y < 409; ++y)
-      for (int x = 5; x < 222; ++x) {
-        COLORREF c = At(x, y);
-        if (GetRValue(c) + GetGValue(c) + GetBValue(c) < 300) {
-          lo = std::min(lo, x);
-          hi = std::max(hi, x);
-        }
-      }
+      for (int x = 5; x < 222; ++x)
+        if (Dark(x, y)) lo = std::min(lo, x), hi = std::max(hi, x);
     return {lo, hi};
   }
+  // The frame: light on the left column and top row but for their last
+  // pixels, dark on the whole right column and bottom row.
   bool Framed(int id, COLORREF light, COLORREF dark) const {
     Rect r = ButtonRect(id);
-    return At(r.x, r.y) == light && At(r.x, r.y + r.h - 2) == light && At(r.x + r.w - 2, r.y) == light &&
-           At(r.x + r.w - 1, r.y) == dark && At(r.x + r.w - 1, r.y + r.h - 1) == dark &&
-           At(r.x, r.y + r.h - 1) == dark;
+    bool ok = true;
+    for (int k = 0; k < r.h; ++k)
+      ok = ok && At(r.x + r.w - 1, r.y + k) == dark && (k == r.h - 1 || At(r.x, r.y + k) == light);
+    for (int k = 0; k < r.w; ++k)
+      ok = ok && At(r.x + k, r.y + r.h - 1) == dark && (k == r.w - 1 || At(r.x + k, r.y) == light);
+    return ok;
   }
   std::set<int> BlueButtons() const {
     std::set<int> out;
@@ -151,14 +155,11 @@ class Panel : public ::testing::Test {
 TEST_F(Panel, HostPanelAndWindow) {
   const lb::host::PanelInfo* info = lb::host::currentPanel();
   ASSERT_NE(info, nullptr);
-  EXPECT_EQ(info->id, "LatticeBender");
-  EXPECT_EQ(info->title, "LatticeBender");
-  EXPECT_EQ(info->minWidth, 200);
-  EXPECT_EQ(info->minHeight, 200);
+  EXPECT_EQ(info->id + " " + info->title, "LatticeBender LatticeBender");
+  EXPECT_EQ(std::make_pair(info->minWidth, info->minHeight), std::make_pair(200.0, 200.0));
   RECT rc;
   ASSERT_TRUE(GetClientRect(hwnd, &rc));
-  EXPECT_EQ(rc.right, 227);
-  EXPECT_EQ(rc.bottom, 414);
+  EXPECT_EQ(std::make_pair(rc.right, rc.bottom), std::make_pair(LONG(227), LONG(414)));
   EXPECT_NE(GetProp(hwnd, "TPNL"), nullptr);
   EXPECT_NE(GetWindowLongPtr(hwnd, GWLP_WNDPROC), reinterpret_cast<LONG_PTR>(&DefWindowProc));
   // A bright interface gets the white logo.
@@ -190,7 +191,10 @@ TEST_F(Panel, BackgroundBetweenAndAroundTheButtons) {
     EXPECT_EQ(At(39, y), kGrey) << y;   // between columns 0 and 1
     EXPECT_EQ(At(2, y), kGrey) << y;    // left margin
   }
-  for (int x = 0; x < 227; ++x) EXPECT_EQ(At(x, 39), kGrey) << x;  // between rows 0 and 1
+  for (int x = 0; x < 227; ++x) {
+    EXPECT_EQ(At(x, 39), kGrey) << x;  // between rows 0 and 1
+    EXPECT_EQ(At(x, 2), kGrey) << x;   // top margin
+  }
   // The empty cells of the last row have no frame.
   for (int x = 77; x < 224; ++x) EXPECT_EQ(At(x, 225), kGrey) << x;
 }
@@ -238,10 +242,7 @@ TEST_F(Panel, TextStripAndVersionText) {
   bool inText = false;
   for (int y = 269; y < 409; ++y) {
     bool any = false;
-    for (int x = 5; x < 222; ++x) {
-      const COLORREF c = At(x, y);
-      any = any || GetRValue(c) + GetGValue(c) + GetBValue(c) < 300;
-    }
+    for (int x = 5; x < 222; ++x) any = any || Dark(x, y);
     if (any && !inText) ++bands;
     inText = any;
   }
@@ -348,14 +349,10 @@ TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   EXPECT_TRUE(Framed(kCmdColorShift, kWhite, kShadow));
   Up(kEmptyX, kEmptyY);
   EXPECT_EQ(GetCapture(), nullptr);
+  EXPECT_EQ(ColorFrom(0, 0), 0);  // released away from the button: nothing ran
 }
 
-TEST_F(Panel, ReleaseAwayFromThePressedButtonRunsNothing) {
-  Down(kShiftX, kShiftY);
-  Move(kEmptyX, kEmptyY, MK_LBUTTON);
-  Up(kEmptyX, kEmptyY);
-  EXPECT_EQ(ColorFrom(0, 0), 0);
-  // Released over a different button: nothing either.
+TEST_F(Panel, ReleaseOverAnotherButtonRunsNothing) {
   Down(kShiftX, kShiftY);
   Move(kReflectX, kReflectY, MK_LBUTTON);
   Up(kReflectX, kReflectY);
@@ -404,8 +401,9 @@ TEST_F(Panel, OpacityCheckboxClearedLeavesOpacities) {
 }
 
 struct KeyCase {
+  int x, y;  // the button
   bool alt, ctrl;
-  int expected;  // whose colour node (0, 0) takes
+  int expected, expected20;  // whose colour nodes (0, 0) and (2, 0) take
 };
 
 class PanelKeys : public Panel, public ::testing::WithParamInterface<KeyCase> {};
@@ -415,27 +413,24 @@ TEST_P(PanelKeys, KeysAreReadAtTheRelease) {
   // Keys held at the press do not count...
   lbwinSetKeyState(VK_MENU, !k.alt);
   lbwinSetKeyState(VK_CONTROL, !k.ctrl);
-  Move(kShiftX, kShiftY);
-  Down(kShiftX, kShiftY);
+  Move(k.x, k.y);
+  Down(k.x, k.y);
   // ...those held at the release do.
   lbwinSetKeyState(VK_MENU, k.alt);
   lbwinSetKeyState(VK_CONTROL, k.ctrl);
-  Up(kShiftX, kShiftY);
+  Up(k.x, k.y);
   EXPECT_EQ(ColorFrom(0, 0), k.expected);
+  EXPECT_EQ(ColorFrom(2, 0), k.expected20);
 }
 
 // Shift colours moves each node's paint one node towards the higher index
-// (I forward, no key), the lower index (I backward, Alt) or along J (Ctrl).
-INSTANTIATE_TEST_SUITE_P(ShiftColors, PanelKeys,
-                         ::testing::Values(KeyCase{false, false, 2}, KeyCase{true, false, 1},
-                                           KeyCase{false, true, 3}));
-
-TEST_F(Panel, ReflectButtonRunsItsOwnCommand) {
-  lbwinSetKeyState(VK_CONTROL, TRUE);
-  Click(kReflectX, kReflectY);
-  EXPECT_EQ(ColorFrom(0, 0), 3);  // reflected along J
-  EXPECT_EQ(ColorFrom(2, 0), 5);
-}
+// (I forward, no key), the lower index (I backward, Alt) or along J (Ctrl);
+// the reflect button runs its own command (Ctrl: reflected along J).
+INSTANTIATE_TEST_SUITE_P(Buttons, PanelKeys,
+                         ::testing::Values(KeyCase{kShiftX, kShiftY, false, false, 2, 1},
+                                           KeyCase{kShiftX, kShiftY, true, false, 1, 0},
+                                           KeyCase{kShiftX, kShiftY, false, true, 3, 5},
+                                           KeyCase{kReflectX, kReflectY, false, true, 3, 5}));
 
 // ---- Theme and lifetime ------------------------------------------------------------------
 

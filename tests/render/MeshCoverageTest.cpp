@@ -10,51 +10,15 @@
 #include "host/Document.h"
 #include "host/mesh/GradientMesh.h"
 #include "render/Render.h"
+#include "Scenes.h"
 
 using lb::host::Document;
 using lb::host::GradientMesh;
 using lb::render::Image;
 using lb::render::RenderOptions;
+using namespace lbtest;
 
 namespace {
-
-AIColor grey(double l) {
-  AIColor c{};
-  c.kind = kThreeColor;
-  c.c.rgb = {l, l, l};
-  return c;
-}
-
-// A black I x J mesh over [l, r] x [b, t]; `bend` curves every run and
-// moves inner nodes, so borders and patch sides are curved.
-ArtObject* addMesh(Document& doc, ArtObject* layer, double l, double b, double r, double t, int I, int J,
-                   double bend) {
-  ArtObject* a = nullptr;
-  EXPECT_EQ(doc.newArt(kMeshArt, kPlaceInsideOnTop, layer, &a), kNoErr);
-  GradientMesh& m = *a->mesh;
-  m.initCartesian(I, J);
-  m.transform(AIRealMatrix{r - l, 0, 0, t - b, l, b});
-  for (int j = 0; j <= J; ++j)
-    for (int i = 0; i <= I; ++i) {
-      auto n = m.nodeData(i, j);
-      n.color = grey(0);
-      if (i > 0 && i < I && j > 0 && j < J) n.p.h += bend * std::sin(3.0 * i + j), n.p.v += bend * std::cos(i + 2.0 * j);
-      m.setNodeData(i, j, n);
-    }
-  if (bend != 0)
-    for (int axis = 0; axis < 2; ++axis)
-      for (int j = 0; j <= J - axis; ++j)
-        for (int i = 0; i <= I - (1 - axis); ++i) {
-          auto run = m.runData(axis, i, j);
-          const AIRealPoint p0 = run.points.front(), p3 = run.points.back();
-          const double nx = -(p3.v - p0.v), ny = p3.h - p0.h;  // a normal as long as the run
-          const double k = bend / 4 * std::sin(1.0 + i + 2 * j + axis);
-          run.points[1] = {p0.h + (p3.h - p0.h) / 3 + k * nx, p0.v + (p3.v - p0.v) / 3 + k * ny};
-          run.points[2] = {p0.h + 2 * (p3.h - p0.h) / 3 - k * nx / 2, p0.v + 2 * (p3.v - p0.v) / 3 - k * ny / 2};
-          m.setRunData(axis, i, j, run);
-        }
-  return a;
-}
 
 // A black closed path along the mesh's outline (the reference coverage).
 void addOutlinePath(Document& doc, ArtObject* layer, const GradientMesh& m) {
@@ -74,7 +38,7 @@ void addOutlinePath(Document& doc, ArtObject* layer, const GradientMesh& m) {
     p->segments.push_back({pts[3 * k], pts[(3 * k + pts.size() - 1) % pts.size()], pts[3 * k + 1], 1});
   p->closed = true;
   p->style.fillPaint = 1;
-  p->style.fill.color = grey(0);
+  p->style.fill.color = rgb(0, 0, 0);
   p->style.strokePaint = 0;
 }
 
@@ -145,18 +109,14 @@ INSTANTIATE_TEST_SUITE_P(
 // scales: black inside, white outside, nothing one pixel too far.
 TEST(MeshCoverageExact, BorderOnPixelEdgesFillsExactlyTheCoveredPixels) {
   struct Case {
-    double scale;
-    int first, last;  // covered pixel columns and rows
+    double scale, lo, hi;  // the mesh covers lo..hi in x and y
+    int first, last;       // covered pixel columns and rows
   };
-  for (const Case& c : {Case{1, 5, 14}, Case{2, 10, 29}, Case{0.5, 3, 6}, Case{4, 20, 59}}) {
+  // At scale 0.5 the border 6..14 lands on device 3..7.
+  for (const Case& c : {Case{1, 5, 15, 5, 14}, Case{2, 5, 15, 10, 29}, Case{0.5, 6, 14, 3, 6}, Case{4, 5, 15, 20, 59}}) {
     Document doc;
     doc.artboard = AIRealRect{0, 20, 20, 0};
-    ArtObject* layer = doc.addLayer("Layer 1");
-    // At scale 0.5 the border 6..14 lands on device 3..7.
-    if (c.scale == 0.5)
-      addMesh(doc, layer, 6, 6, 14, 14, 2, 2, 0);
-    else
-      addMesh(doc, layer, 5, 5, 15, 15, 2, 2, 0);
+    addMesh(doc, doc.addLayer("Layer 1"), c.lo, c.lo, c.hi, c.hi);
     const Image img = lb::render::renderDocument(doc, RenderOptions{c.scale, false});
     for (int y = 0; y < img.height; ++y)
       for (int x = 0; x < img.width; ++x) {
@@ -191,12 +151,7 @@ TEST(MeshCoverageExact, SelectionOverlayLinesSitOnTheMeshBorder) {
     doc.artboard = AIRealRect{0, 20, 20, 0};
     ArtObject* layer = doc.addLayer("Layer 1");
     ArtObject* a = addMesh(doc, layer, 5, 5, 15, 15, 1, 1, 0);
-    for (int j = 0; j <= 1; ++j)
-      for (int i = 0; i <= 1; ++i) {
-        auto n = a->mesh->nodeData(i, j);
-        n.color = grey(1);
-        a->mesh->setNodeData(i, j, n);
-      }
+    paintNodes(*a->mesh, rgb(1, 1, 1));
     a->userAttr |= kArtSelected;
     const Image img = lb::render::renderDocument(doc, RenderOptions{scale, true});
     const int y = static_cast<int>(10 * scale);

@@ -16,47 +16,17 @@
 #include "host/mesh/GradientMesh.h"
 #include "render/Png.h"
 #include "render/Render.h"
+#include "Scenes.h"
 
 using lb::host::Document;
 using lb::render::Image;
 using lb::render::RenderOptions;
+using namespace lbtest;
 
 namespace {
 
 constexpr double kFar = 2147483647.0;  // 2^31 - 1
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-AIColor black() {
-  AIColor c{};
-  c.kind = kThreeColor;
-  c.c.rgb = {0, 0, 0};
-  return c;
-}
-
-ArtObject* addRect(Document& doc, ArtObject* layer, double l, double b, double r, double t) {
-  ArtObject* p = nullptr;
-  EXPECT_EQ(doc.newArt(kPathArt, kPlaceInsideOnTop, layer, &p), kNoErr);
-  p->segments = {{{l, b}, {l, b}, {l, b}, 1}, {{r, b}, {r, b}, {r, b}, 1}, {{r, t}, {r, t}, {r, t}, 1}, {{l, t}, {l, t}, {l, t}, 1}};
-  p->closed = true;
-  p->style.fillPaint = 1;
-  p->style.fill.color = black();
-  p->style.strokePaint = 0;
-  return p;
-}
-
-ArtObject* addMesh(Document& doc, ArtObject* layer, double l, double b, double r, double t) {
-  ArtObject* a = nullptr;
-  EXPECT_EQ(doc.newArt(kMeshArt, kPlaceInsideOnTop, layer, &a), kNoErr);
-  a->mesh->initCartesian(2, 2);
-  a->mesh->transform(AIRealMatrix{r - l, 0, 0, t - b, l, b});
-  for (int j = 0; j <= 2; ++j)
-    for (int i = 0; i <= 2; ++i) {
-      auto n = a->mesh->nodeData(i, j);
-      n.color = black();
-      a->mesh->setNodeData(i, j, n);
-    }
-  return a;
-}
 
 ArtObject* addRaster(Document& doc, ArtObject* layer, AIRealMatrix m) {
   ArtObject* ras = nullptr;
@@ -83,6 +53,7 @@ TEST_P(PictureLimits, RendersABoundedPicture) {
   const LimitCase& c = GetParam();
   Document doc;
   ArtObject* layer = doc.addLayer("Layer 1");
+  doc.artboard = AIRealRect{0, 100, 100, 0};  // unless the case sets its own or none
   c.build(doc, layer);
   Image img;
   ASSERT_NO_THROW(img = lb::render::renderDocument(doc, RenderOptions{c.scale, c.selection}));
@@ -99,6 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
         // Bounds of all art reach 2^31: the picture keeps the top-left corner.
         LimitCase{"ArtNearTwoToThe31",
                   [](Document& d, ArtObject* l) {
+                    d.artboard.reset();
                     addRect(d, l, 0, kFar - 10, 10, kFar);
                     addRect(d, l, kFar - 1, 0, kFar, 1);
                   },
@@ -117,20 +89,13 @@ INSTANTIATE_TEST_SUITE_P(
                   1, 100, 16384, 9, 9, true},
         // Art reaching far beyond the picture is drawn where it is inside.
         LimitCase{"PathReachingFarAway",
-                  [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
-                    addRect(d, l, 50, -kFar, kFar, 50);
-                  },
+                  [](Document& d, ArtObject* l) { addRect(d, l, 50, -kFar, kFar, 50); },
                   1, 100, 100, 75, 75, true},
         LimitCase{"MeshReachingFarAway",
-                  [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
-                    addMesh(d, l, 50, -1e7, 1e7, 50);
-                  },
+                  [](Document& d, ArtObject* l) { addMesh(d, l, 50, -1e7, 1e7, 50); },
                   1, 100, 100, 75, 75, true},
         LimitCase{"SelectedMeshReachingFarAway",
                   [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
                     ArtObject* a = addMesh(d, l, 50, -kFar, kFar, 50);
                     a->userAttr |= kArtSelected;
                     a->mesh->selectAll();
@@ -138,7 +103,6 @@ INSTANTIATE_TEST_SUITE_P(
                   1, 100, 100, 75, 75, true, true},
         LimitCase{"PathWithHugeAndNaNPoints",
                   [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
                     addRect(d, l, 0, 0, 10, 10);
                     addRect(d, l, 50, -1e300, 1e300, 50);
                     addRect(d, l, 0, 0, 100, kNaN);
@@ -146,7 +110,6 @@ INSTANTIATE_TEST_SUITE_P(
                   1, 100, 100, 75, 75, true},
         LimitCase{"SelectedMeshWithANaNNodeOrColour",
                   [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
                     ArtObject* a = addMesh(d, l, 0, 0, 50, 50);
                     auto n = a->mesh->nodeData(1, 1);
                     n.p.h = kNaN;
@@ -162,27 +125,19 @@ INSTANTIATE_TEST_SUITE_P(
                   1, 100, 100, 25, 75, false, true},
         LimitCase{"ArtFarAwayIsLeftOut",
                   [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
                     addMesh(d, l, kFar - 10, kFar - 10, kFar, kFar);
                     addRect(d, l, -kFar, -kFar, -kFar + 10, -kFar + 10);
                   },
                   1, 100, 100, 50, 50, false},
         // Images whose matrix cairo cannot invert are left out.
         LimitCase{"RasterWithZeroMatrix",
-                  [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
-                    addRaster(d, l, AIRealMatrix{0, 0, 0, 0, 0, 0});
-                  },
+                  [](Document& d, ArtObject* l) { addRaster(d, l, AIRealMatrix{0, 0, 0, 0, 0, 0}); },
                   1, 100, 100, 0, 99, false},
         LimitCase{"RasterFlattenedToALine",
-                  [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
-                    addRaster(d, l, AIRealMatrix{10, 10, 20, 20, 0, 0});
-                  },
+                  [](Document& d, ArtObject* l) { addRaster(d, l, AIRealMatrix{10, 10, 20, 20, 0, 0}); },
                   1, 100, 100, 5, 95, false},
         LimitCase{"RasterWithNaNMatrix",
                   [](Document& d, ArtObject* l) {
-                    d.artboard = AIRealRect{0, 100, 100, 0};
                     addRaster(d, l, AIRealMatrix{kNaN, 0, 0, 10, 0, 0});
                     addRect(d, l, 0, 0, 10, 10);
                   },

@@ -1,0 +1,38 @@
+// Helpers of the .lbdoc tests: the error a text gives, files of the source tree, whole files as text.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "io/Lbdoc.h"
+
+namespace iotest {
+
+// The error reading text (or, with file set, the file named text) gives; fails the test when it reads fine.
+inline lb::io::FormatError ReadError(const std::string& text, bool file = false) {
+  try {
+    file ? lb::io::readDocumentFile(text) : lb::io::readDocument(text);
+  } catch (const lb::io::FormatError& e) {
+    return e;
+  }
+  ADD_FAILURE() << "read without error: " << text.substr(0, 200);
+  return lb::io::FormatError("", "");
+}
+
+inline std::string SourcePath(const std::string& rel) {
+  const char* src = std::getenv("LB_SOURCE_DIR");
+  return std::string(src ? src : ".") + "/" + rel;
+}
+
+inline std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream ss;
+  ss << in.rdbuf();
+  return ss.str();
+}
+
+}  // namespace iotest
