@@ -66,31 +66,15 @@ NodeSet UpTo(int I, int J, int maxI, int maxJ) {
 const CloneCase kCloneCases[] = {
     // Topmost A to B: w = min(2, 1) = 1, h = min(2, 3) = 2; B's fourth row
     // (j = 4) is dropped.
-    {"TopmostToOther", false, false, 1, [](int i, int j) { return i <= 1 && j >= 1 && j <= 3; },
-     [](int i, int j) {
-       return Node{1 + i, j};
-     },
-     UpTo(4, 4, 2, 3)},
+    {"TopmostToOther", false, false, 1, [](int i, int j) { return i <= 1 && j >= 1 && j <= 3; }, [](int i, int j) { return Node{1 + i, j}; }, UpTo(4, 4, 2, 3)},
     // Bottommost B to A: w = min(1, 2) = 1, h = min(3, 2) = 2.
-    {"BottommostToOther", true, false, 0, [](int i, int j) { return i >= 1 && i <= 2 && j >= 1 && j <= 3; },
-     [](int i, int j) {
-       return Node{i - 1, j};
-     },
-     UpTo(4, 4, 1, 3)},
+    {"BottommostToOther", true, false, 0, [](int i, int j) { return i >= 1 && i <= 2 && j >= 1 && j <= 3; }, [](int i, int j) { return Node{i - 1, j}; }, UpTo(4, 4, 1, 3)},
     // A to B exchanging I and J: w = min(A's I 2, B's J 3) = 2, h = min(A's
     // J 2, B's I 1) = 1; B node (b, 1 + a) <- A node (1 + a, 1 + b).
-    {"TopmostWithIJ", false, true, 1, [](int i, int j) { return i <= 1 && j >= 1 && j <= 3; },
-     [](int i, int j) {
-       return Node{1 + (j - 1), 1 + i};
-     },
-     UpTo(4, 4, 3, 2)},
+    {"TopmostWithIJ", false, true, 1, [](int i, int j) { return i <= 1 && j >= 1 && j <= 3; }, [](int i, int j) { return Node{1 + (j - 1), 1 + i}; }, UpTo(4, 4, 3, 2)},
     // B to A exchanging I and J: w = min(B's I 1, A's J 2) = 1, h = min(B's
     // J 3, A's I 2) = 2; A node (1 + b, 1 + a) <- B node (a, 1 + b).
-    {"BottommostWithIJ", true, true, 0, [](int i, int j) { return i >= 1 && i <= 3 && j >= 1 && j <= 2; },
-     [](int i, int j) {
-       return Node{j - 1, 1 + (i - 1)};
-     },
-     UpTo(4, 4, 1, 3)},
+    {"BottommostWithIJ", true, true, 0, [](int i, int j) { return i >= 1 && i <= 3 && j >= 1 && j <= 2; }, [](int i, int j) { return Node{j - 1, 1 + (i - 1)}; }, UpTo(4, 4, 1, 3)},
 };
 
 TEST(CloneColors, EveryModifierPairWithTwoMeshes) {
@@ -102,21 +86,16 @@ TEST(CloneColors, EveryModifierPairWithTwoMeshes) {
       const int src = 1 - c.target;
       const MeshState target = s.mesh(c.target);
       const MeshState source = s.mesh(src);
-      ExpectPaint(
-          target, c.target,
-          [&](int i, int j) {
-            if (!c.inBlock(i, j)) return Code(c.target, i, j);
-            const Node n = c.from(i, j);
-            return Code(src, n.first, n.second);
-          },
-          b);
+      ExpectPaint(target, c.target, [&](int i, int j) {
+        const Node n = c.from(i, j);
+        return c.inBlock(i, j) ? Code(src, n.first, n.second) : Code(c.target, i, j);
+      }, b);
       NodeSet block;
       for (int j = 0; j <= 4; ++j)
         for (int i = 0; i <= 4; ++i)
           if (c.inBlock(i, j)) block.insert({i, j});
       EXPECT_EQ(target.selectedNodes(), block);
-      ExpectPaint(
-          source, src, [&](int i, int j) { return Code(src, i, j); }, b);
+      ExpectPaint(source, src, [&](int i, int j) { return Code(src, i, j); }, b);
       EXPECT_EQ(source.selectedNodes(), c.sourceSel);
     }
 }
@@ -202,10 +181,7 @@ TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
         return !(c.rowsOnly && (j < 1 || j > 3)) && !(c.columnsOnly && (i < 2 || i > 3));
       };
       auto mod = [](int a, int n) { return ((a % n) + n) % n; };
-      ExpectPaint(
-          m, 0,
-          [&](int i, int j) { return filled(i, j) ? Code(0, 2 + mod(i - 2, 2), 1 + mod(j - 1, 3)) : Code(0, i, j); },
-          b);
+      ExpectPaint(m, 0, [&](int i, int j) { return filled(i, j) ? Code(0, 2 + mod(i - 2, 2), 1 + mod(j - 1, 3)) : Code(0, i, j); }, b);
       NodeSet want;
       for (int j = 0; j <= 5; ++j)
         for (int i = 0; i <= 6; ++i)
