@@ -20,6 +20,7 @@ namespace knots {
 
 using lbtest::Children;
 using lbtest::NodeAt;
+using lbtest::SamePoints;
 using lbtest::Session;
 using nlohmann::json;
 using Pt = std::pair<double, double>;
@@ -125,16 +126,6 @@ inline LineRun ReadRun(const json& mesh, int axis, int i, int j) {
   }
   ADD_FAILURE() << "no run " << axis << " from (" << i << ", " << j << ")";
   return {};
-}
-
-inline ::testing::AssertionResult SamePoints(const std::vector<Pt>& got, const std::vector<Pt>& want, double tol) {
-  if (got.size() != want.size())
-    return ::testing::AssertionFailure() << got.size() << " points, want " << want.size();
-  for (size_t k = 0; k < want.size(); ++k)
-    if (std::fabs(got[k].first - want[k].first) > tol || std::fabs(got[k].second - want[k].second) > tol)
-      return ::testing::AssertionFailure() << "point " << k << ": (" << got[k].first << ", " << got[k].second
-                                           << ") vs (" << want[k].first << ", " << want[k].second << ")";
-  return ::testing::AssertionSuccess();
 }
 
 // Every run of two written meshes: same points (within tol) and kinds.
