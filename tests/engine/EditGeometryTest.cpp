@@ -16,21 +16,23 @@ void expectSamePoints(const std::vector<AIRealPoint>& a, const std::vector<AIRea
 }
 }  // namespace
 
+// A one-cell mesh with bent runs and an iterator on its bottom run (from
+// node (0, 0) along I), released at the end.
 class Knots : public MeshTest {
  protected:
-  AIMeshSegmentIterator bottom() {
+  void SetUp() override {
+    MeshTest::SetUp();
+    s.mesh->InitCartesian(art, 1, 1);
+    Bend(m(), 0.3);
     AIMeshVertexIterator n = nodeIt(0, 0);
-    AIMeshSegmentIterator g = nullptr;
     s.vtx->GetSegment(n, 0, &g);
     s.vtx->Release(n);
-    return g;
   }
+  void TearDown() override { s.seg->Release(g); }
+  AIMeshSegmentIterator g = nullptr;
 };
 
 TEST_F(Knots, InsertKeepsTheCurveAndNumbersNewKnotsFromTheInsertionPoint) {
-  s.mesh->InitCartesian(art, 1, 1);
-  Bend(m(), 0.3);
-  AIMeshSegmentIterator g = bottom();
   const auto before = points(g);
   ASSERT_EQ(s.seg->InsertKnots(g, 0, 3), kNoErr);
   EXPECT_EQ(s.seg->CountKnots(g), 3);
@@ -45,13 +47,9 @@ TEST_F(Knots, InsertKeepsTheCurveAndNumbersNewKnotsFromTheInsertionPoint) {
   for (int k = 0; k < 9; ++k) EXPECT_EQ(appended[k].h, after[k].h);
   EXPECT_LT(ChainDeviation(before, appended), kTol);
   EXPECT_EQ(s.seg->InsertKnots(g, 6, 1), kBadParameterErr);
-  s.seg->Release(g);
 }
 
 TEST_F(Knots, InsertFromTheFarEndCountsKnotsFromThatEnd) {
-  s.mesh->InitCartesian(art, 1, 1);
-  Bend(m(), 0.3);
-  AIMeshSegmentIterator g = bottom();
   s.seg->InsertKnots(g, 0, 1);
   const auto fwd = points(g);
   s.seg->Reverse(g);
@@ -62,13 +60,9 @@ TEST_F(Knots, InsertFromTheFarEndCountsKnotsFromThatEnd) {
   // The first piece (from (0, 0)) is untouched; the second was split.
   for (int k = 0; k < 4; ++k) EXPECT_EQ(after[k].h, fwd[k].h);
   EXPECT_LT(ChainDeviation(fwd, after), kTol);
-  s.seg->Release(g);
 }
 
 TEST_F(Knots, DeleteKeepsTheMergedPiecesOuterHandles) {
-  s.mesh->InitCartesian(art, 1, 1);
-  Bend(m(), 0.3);
-  AIMeshSegmentIterator g = bottom();
   s.seg->InsertKnots(g, 0, 4);
   const auto p = points(g);  // 16 points, knots at 3, 6, 9, 12
   ASSERT_EQ(s.seg->DeleteKnots(g, 1, 2), kNoErr);
@@ -79,13 +73,9 @@ TEST_F(Knots, DeleteKeepsTheMergedPiecesOuterHandles) {
   EXPECT_EQ(q[5].h, p[11].h);
   EXPECT_EQ(q[6].h, p[12].h);
   EXPECT_EQ(s.seg->DeleteKnots(g, 1, 5), kBadParameterErr);
-  s.seg->Release(g);
 }
 
 TEST_F(Knots, SplitThenJoinRestoresTheSegmentAndReportsTheKnot) {
-  s.mesh->InitCartesian(art, 1, 1);
-  Bend(m(), 0.3);
-  AIMeshSegmentIterator g = bottom();
   s.seg->InsertKnots(g, 0, 3);
   const auto whole = points(g);
   ASSERT_EQ(s.seg->Split(g, 1), kNoErr);
@@ -107,12 +97,9 @@ TEST_F(Knots, SplitThenJoinRestoresTheSegmentAndReportsTheKnot) {
   // A segment ending at a node cannot be joined.
   EXPECT_EQ(s.seg->Join(g, &knot), kBadParameterErr);
   s.seg->Release(next);
-  s.seg->Release(g);
 }
 
 TEST_F(Knots, SetPointsMovesVerticesButSetPointLeavesHandles) {
-  s.mesh->InitCartesian(art, 1, 1);
-  AIMeshSegmentIterator g = bottom();
   const AIRealPoint start{-1, -2};
   ASSERT_EQ(s.seg->SetPoints(g, 0, 1, &start), kNoErr);
   AIMeshVertexIterator n = nodeIt(0, 0);
@@ -132,18 +119,14 @@ TEST_F(Knots, SetPointsMovesVerticesButSetPointLeavesHandles) {
   EXPECT_EQ(h.v, h2.v);
   EXPECT_EQ(s.seg->SetPoints(g, 2, 3, &moved), kBadParameterErr);
   s.seg->Release(up);
-  s.seg->Release(g);
   s.vtx->Release(n);
 }
 
 TEST_F(Knots, ReshapePassesThroughTheGivenPoint) {
-  s.mesh->InitCartesian(art, 1, 1);
-  AIMeshSegmentIterator g = bottom();
   const AIRealPoint target{0.4, 0.25};
   ASSERT_EQ(s.seg->Reshape(g, 0.4, &target), kNoErr);
   EXPECT_LT(dist(lb::host::bez::cubicAt(points(g).data(), 0.4), target), kTol);
   EXPECT_EQ(s.seg->Reshape(g, 0, &target), kBadParameterErr);
-  s.seg->Release(g);
 }
 
 class GridLines : public MeshTest {};

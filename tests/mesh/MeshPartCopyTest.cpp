@@ -4,6 +4,8 @@
 // mesh with its selection.
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "MeshPartCopy.h"
 #include "support/Session.h"
 
@@ -157,35 +159,26 @@ json SelectedPartly(json mesh) {
   return mesh;
 }
 
-TEST_F(PartCopy, CuttingTheWholeGridGivesTheSameMeshAndSelection) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 4;
-  layout.J = 2;
+// The part goes directly above the source with the art's opacity and
+// blending; cutting the whole grid gives the same mesh and selection.
+TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
+  MeshRecipe layout = MeshRecipe::Varied(4, 2);
   layout.artOpacity = 0.75;
   layout.blend = "overlay";
-  load(DocJson({SelectedPartly(MeshJson(layout))}));
-  const MeshContent src = content(0);
-  ArtObject* part = nullptr;
-  ASSERT_EQ(MakeMeshPart(art(0), &part, 0, 4, 0, 2), 0);
-  ASSERT_EQ(artCount(), 2u);
-  EXPECT_EQ(art(0), part) << "the part is placed directly above the source";
-  EXPECT_TRUE(SameContent(content(0), src, 0.0, true));
-  EXPECT_TRUE(SameContent(content(1), src, 0.0, true));
-  const json doc = written();
-  EXPECT_EQ(doc["layers"][0]["children"][0].value("opacity", 1.0), 0.75);
-  EXPECT_EQ(doc["layers"][0]["children"][0].value("blend", std::string("normal")), "overlay");
-}
-
-TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 4;
-  layout.J = 2;
-  load(DocJson({SelectedPartly(MeshJson(layout))}));
-  const MeshContent src = content(0);
-  ArtObject* part = nullptr;
-  ASSERT_EQ(MakeMeshPart(art(0), &part, 1, 3, 1, 2), 0);
-  MeshContent want = SubMesh(src, 1, 3, 1, 2);
-  EXPECT_TRUE(SameContent(content(0), want, 0.0, true));
+  for (auto [i0, i1, j0, j1] : {std::array{0, 4, 0, 2}, std::array{1, 3, 1, 2}}) {
+    SCOPED_TRACE(testing::Message() << i0 << ".." << i1 << " x " << j0 << ".." << j1);
+    load(DocJson({SelectedPartly(MeshJson(layout))}));
+    const MeshContent src = content(0);
+    ArtObject* part = nullptr;
+    ASSERT_EQ(MakeMeshPart(art(0), &part, i0, i1, j0, j1), 0);
+    ASSERT_EQ(artCount(), 2u);
+    EXPECT_EQ(art(0), part);
+    EXPECT_TRUE(SameContent(content(0), SubMesh(src, i0, i1, j0, j1), 0.0, true));
+    if (i1 == 4) EXPECT_TRUE(SameContent(content(1), src, 0.0, true));
+    const json top = Children(written())[0];
+    EXPECT_EQ(top.value("opacity", 1.0), 0.75);
+    EXPECT_EQ(top.value("blend", std::string("normal")), "overlay");
+  }
 }
 
 TEST_F(PartCopy, RectangleWithoutACellOrOutsideTheGridIsRefused) {

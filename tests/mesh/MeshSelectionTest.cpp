@@ -76,17 +76,15 @@ struct RegionCase {
 
 TEST_F(MeshSelectionTest, RegionsAndLineMarks) {
   const RegionCase cases[] = {
-      {"two nodes span the same region either way", Coded(5, 4, {{1, 3}, {4, 0}}), {1, 4, 0, 3}, {1, 4, 0, 3},
-       {0, 1, 0, 0, 1, 0}, {1, 0, 0, 1, 0}, false},
-      {"a lone vertex counts as its cell side", Coded(4, 3, {}, {{{2, 1, 'J'}, true}, {{0, 0, 'I'}, false}}),
-       {4, 0, 3, 0}, {2, 2, 1, 2}, {0, 0, 1, 0, 0}, {0, 0, 0, 0}, true},
-      {"a vertex on a row marks only that row", Coded(4, 3, {{0, 3}}, {{{2, 1, 'I'}, true}}), {0, 0, 3, 3},
-       {0, 3, 1, 3}, {1, 0, 0, 0, 0}, {0, 1, 0, 1}, false},
+      {"two nodes span the same region either way", Coded(5, 4, {{1, 3}, {4, 0}}), {1, 4, 0, 3}, {1, 4, 0, 3}, {0, 1, 0, 0, 1, 0}, {1, 0, 0, 1, 0}, false},
+      {"a lone vertex counts as its cell side", Coded(4, 3, {}, {{{2, 1, 'J'}, true}, {{0, 0, 'I'}, false}}), {4, 0, 3, 0}, {2, 2, 1, 2}, {0, 0, 1, 0, 0}, {0, 0, 0, 0}, true},
+      {"a vertex on a row marks only that row", Coded(4, 3, {{0, 3}}, {{{2, 1, 'I'}, true}}), {0, 0, 3, 3}, {0, 3, 1, 3}, {1, 0, 0, 0, 0}, {0, 1, 0, 1}, false},
       // Two vertices before a selected node on its line: the node's index
       // is still 2, not the number of vertices passed.
-      {"node index counts only nodes", Coded(3, 3, {{1, 2}}, {{{1, 0, 'J'}, false}, {{1, 1, 'J'}, false}}),
-       {1, 1, 2, 2}, {1, 1, 2, 2}, {0, 1, 0, 0}, {0, 0, 1, 0}, false},
+      {"node index counts only nodes", Coded(3, 3, {{1, 2}}, {{{1, 0, 'J'}, false}, {{1, 1, 'J'}, false}}), {1, 1, 2, 2}, {1, 1, 2, 2}, {0, 1, 0, 0}, {0, 0, 1, 0}, false},
       {"whole mesh", CodedWhole(3, 2), {0, 3, 0, 2}, {0, 3, 0, 2}, {1, 1, 1, 1}, {1, 1, 1}, false},
+      // A selected mesh with no selected vertex: an empty region, no marks.
+      {"nothing selected", Coded(2, 2), {2, 0, 2, 0}, {2, 0, 2, 0}, {0, 0, 0}, {0, 0, 0}, true},
   };
   for (const RegionCase& c : cases) {
     SCOPED_TRACE(c.what);
@@ -102,28 +100,6 @@ TEST_F(MeshSelectionTest, RegionsAndLineMarks) {
     EXPECT_EQ(lj, c.lj);
     EXPECT_EQ(only.IsEmpty(), c.empty);
   }
-}
-
-TEST_F(MeshSelectionTest, NothingSelectedGivesAnEmptyRegionAndNoMarks) {
-  // A selected mesh whose only selected node is then deselected.
-  Load({Coded(2, 2, {{1, 1}})});
-  {
-    SelectionRef sel = GetSelectionRef(Mesh(0));
-    VertexRef v = GetNodeRef(Mesh(0), 1, 1);
-    ASSERT_EQ(lb::s::sMeshSelection->SelectVertex(sel, v, false), kNoErr);
-    ASSERT_TRUE(lb::s::sMeshSelection->IsEmpty(sel));
-  }
-  std::vector<int> li(3, 0), lj(3, 0);
-  CMeshRegion r;
-  ASSERT_EQ(r.GetMeshRegIncVert(Mesh(0), 0, li.data(), lj.data()), 0);
-  EXPECT_EQ(Of(r), (Region{2, 0, 2, 0}));
-  EXPECT_EQ(li, (std::vector<int>{0, 0, 0}));
-  EXPECT_EQ(lj, (std::vector<int>{0, 0, 0}));
-  int sides[4] = {9, 9, 9, 9}, corners[4] = {9, 9, 9, 9};
-  ASSERT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, corners), 0);
-  EXPECT_EQ((std::array<int, 4>{sides[0], sides[1], sides[2], sides[3]}), (std::array<int, 4>{0, 0, 0, 0}));
-  EXPECT_EQ((std::array<int, 4>{corners[0], corners[1], corners[2], corners[3]}),
-            (std::array<int, 4>{0, 0, 0, 0}));
 }
 
 // ---- Selected sides and corners -----------------------------------------
@@ -144,11 +120,10 @@ TEST_F(MeshSelectionTest, SelectedSidesAndCorners) {
       {"side 1", Coded(3, 2, {{3, 1}}), {0, 1, 0, 0}, {0, 0, 0, 0}},
       {"side 2", Coded(3, 2, {{1, 2}}), {0, 0, 1, 0}, {0, 0, 0, 0}},
       {"side 3", Coded(3, 2, {{0, 1}}), {0, 0, 0, 1}, {0, 0, 0, 0}},
-      {"a selected vertex on a short side", Coded(1, 1, {}, {{{1, 0, 'J'}, true}, {{0, 0, 'J'}, false}}),
-       {0, 1, 0, 0}, {0, 0, 0, 0}},
+      {"a selected vertex on a short side", Coded(1, 1, {}, {{{1, 0, 'J'}, true}, {{0, 0, 'J'}, false}}), {0, 1, 0, 0}, {0, 0, 0, 0}},
       // Side 1 has both its corners, side 3 only corner 3; sides 0 and 2 are long.
-      {"a one-cell-high mesh pairs corners on its short sides", Coded(3, 1, {{3, 0}, {3, 1}, {0, 1}}),
-       {0, 1, 0, 0}, {0, 1, 1, 1}},
+      {"a one-cell-high mesh pairs corners on its short sides", Coded(3, 1, {{3, 0}, {3, 1}, {0, 1}}), {0, 1, 0, 0}, {0, 1, 1, 1}},
+      {"nothing selected", Coded(2, 2), {0, 0, 0, 0}, {0, 0, 0, 0}},
   };
   for (const SidesCase& c : cases) {
     SCOPED_TRACE(c.what);
@@ -232,7 +207,7 @@ TEST_F(MeshSelectionTest, FailedStepLeavesSidesAndCornersUnwritten) {
     EXPECT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, corners), 1);
     EXPECT_EQ(A(sides), (std::array<int, 4>{5, 5, 5, 5}));
     EXPECT_EQ(A(corners), (std::array<int, 4>{6, 6, 6, 6}));
-      vertex().NextI = gRealStep;
+    vertex().NextI = gRealStep;
   }
 }
 

@@ -187,6 +187,29 @@ MeshContent MapMesh(const MeshContent& old, int newI, int newJ, const NodeMap& m
   return ::testing::AssertionSuccess();
 }
 
+const json& RunAt(const json& mesh, int i, int j, char axis) {
+  static const json none = {{"points", json::array()}, {"inner", json::array()}};
+  for (const json& r : mesh.at("runs"))
+    if (r.at("node")[0] == i && r.at("node")[1] == j && r.at("axis") == std::string(1, axis)) return r;
+  ADD_FAILURE() << "no run from (" << i << ", " << j << ") along " << axis;
+  return none;
+}
+
+Pts PointsOf(const json& points) {
+  Pts out;
+  for (const json& p : points) out.emplace_back(p[0].get<double>(), p[1].get<double>());
+  return out;
+}
+
+::testing::AssertionResult SamePoints(const Pts& got, const Pts& want, double tol) {
+  if (got.size() != want.size()) return ::testing::AssertionFailure() << got.size() << " points, want " << want.size();
+  for (size_t k = 0; k < want.size(); ++k)
+    if (!Near(got[k].first, want[k].first, tol) || !Near(got[k].second, want[k].second, tol))
+      return ::testing::AssertionFailure() << "point " << k << ": (" << got[k].first << ", " << got[k].second
+                                           << ") vs (" << want[k].first << ", " << want[k].second << ")";
+  return ::testing::AssertionSuccess();
+}
+
 std::vector<std::pair<double, double>> Positions(const json& mesh) {
   std::vector<std::pair<double, double>> out;
   auto r = [](double x) { return std::round(x * 1e9) / 1e9 + 0.0; };

@@ -75,6 +75,14 @@ inline const json& NodeAt(const json& mesh, int i, int j) {
 // Positions of all nodes, i fastest, rounded to 1e-9 for exact comparison.
 std::vector<std::pair<double, double>> Positions(const json& mesh);
 
+// Points of a written run or path, and the run from node (i, j) along
+// axis 'I' or 'J' of a written mesh (a failed test when there is none).
+using Pts = std::vector<std::pair<double, double>>;
+const json& RunAt(const json& mesh, int i, int j, char axis);
+Pts PointsOf(const json& points);
+// Point by point within tol, same count.
+::testing::AssertionResult SamePoints(const Pts& got, const Pts& want, double tol);
+
 // Where an old node lands in the new mesh.
 using NodeMap = std::function<Node(int, int)>;
 // Expected content of a rebuilt mesh: every node, smooth flag and run of

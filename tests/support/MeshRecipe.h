@@ -106,6 +106,10 @@ MeshRecipe CodedWhole(int I, int J);
 MeshRecipe Cells(int I, int J);
 
 NodeSet Rect(int i0, int i1, int j0, int j1);
+inline NodeSet Join(NodeSet a, const NodeSet& b) {
+  a.insert(b.begin(), b.end());
+  return a;
+}
 std::vector<double> Even(int n);
 inline json GrayPaint(double g) { return {{"gray", g}}; }
 inline json RgbPaint(double r, double g, double b) { return {{"rgb", {r, g, b}}}; }

@@ -77,6 +77,14 @@ class Session {
   std::array<int, 3> saved_{};  // paint switches before a Linked session
 };
 
+// Names the cases of a parameterised test by their `name` field.
+struct ByName {
+  template <class T>
+  std::string operator()(const ::testing::TestParamInfo<T>& info) const {
+    return info.param.name;
+  }
+};
+
 // A test of plug-in code linked in: one Linked session at a time, made
 // by Load() and ended before the next one and at TearDown.
 class LinkedTest : public ::testing::Test {

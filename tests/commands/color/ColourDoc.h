@@ -1,30 +1,20 @@
 // Test documents for the clone, pattern and capture commands: meshes whose
-// node paint says which mesh and node it came from, raster and placed
-// images of given pixels, and a session that runs commands on them.
+// node paint says which mesh and node it came from, and raster and placed
+// images of given pixels, built on the support library's recipes.
 #pragma once
 
 #include <cmath>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <memory>
-#include <nlohmann/json.hpp>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "host/Document.h"
-#include "host/Host.h"
-#include "io/Lbdoc.h"
-#include "support/MeshRecipe.h"
+#include "support/Session.h"
 
 namespace coltest {
 
-using lbtest::Node;
-using lbtest::NodeSet;
-using lbtest::Rect;
-using nlohmann::json;
+using namespace lbtest;
 
 // Paint code of node (i, j) of mesh m: 100 m + i + 10 j (grids up to 9 x 9).
 // Gray (code + 1) / 1000 and opacity 1 - (code + 1) / 2000 decode back to it.
@@ -32,39 +22,42 @@ inline int Code(int m, int i, int j) { return 100 * m + i + 10 * j; }
 inline double GrayOfCode(int c) { return (c + 1) / 1000.0; }
 inline double OpacityOfCode(int c) { return 1.0 - (c + 1) / 2000.0; }
 
-struct MeshRecipe {
-  int I = 2, J = 2;
-  int tag = 0;         // the m of Code()
-  NodeSet selected;    // selected nodes
-  bool whole = false;  // selected as a whole
-  bool artSelected = true;
-  std::string id;
-  // Node position; a 10-unit grid at the origin by default.
-  std::function<std::pair<double, double>(int, int)> at;
-  // Node colour; the coded gray by default.
-  std::function<json(int, int)> color;
-  // Node opacity; the coded one by default.
-  std::function<double(int, int)> opacity;
-};
-
-inline json MeshJson(const MeshRecipe &s) {
-  json nodes = json::array();
-  for (int j = 0; j <= s.J; ++j)
-    for (int i = 0; i <= s.I; ++i) {
-      const auto p = s.at ? s.at(i, j) : std::pair<double, double>{10.0 * i, 10.0 * j};
-      json n = {{"p", {p.first, p.second}},
-                {"color", s.color ? s.color(i, j) : json{{"gray", GrayOfCode(Code(s.tag, i, j))}}},
-                {"opacity", s.opacity ? s.opacity(i, j) : OpacityOfCode(Code(s.tag, i, j))}};
-      if (!s.whole) n["selected"] = s.selected.count({i, j}) > 0;
-      nodes.push_back(n);
-    }
-  json m = {{"type", "mesh"}, {"size", {s.I, s.J}}, {"selected", s.artSelected}, {"nodes", nodes}};
-  if (!s.id.empty()) m["id"] = s.id;
+// An I x J mesh painted with mesh code `tag`, the given nodes selected
+// (selection flags always written), nodes at `at` (a 10-unit grid from x0
+// when unset).
+inline MeshRecipe Tagged(int tag, int I, int J, NodeSet sel, std::function<std::pair<double, double>(int, int)> at = {},
+                         double x0 = 0) {
+  MeshRecipe m;
+  m.I = I, m.J = J, m.x0 = x0;
+  m.selected = std::move(sel);
+  m.whole = false;
+  m.colorAt = [tag](int i, int j) { return GrayPaint(GrayOfCode(Code(tag, i, j))); };
+  m.opacityAt = [tag](int i, int j) { return OpacityOfCode(Code(tag, i, j)); };
+  if (at)
+    for (int j = 0; j <= J; ++j)
+      for (int i = 0; i <= I; ++i) {
+        const auto p = at(i, j);
+        m.moved[{i, j}] = AIRealPoint{p.first, p.second};
+      }
   return m;
 }
 
-inline std::string Base64(const std::vector<uint8_t> &in) {
-  static const char *k = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+// The code a written node's gray colour (opacity) carries, or -1.
+inline int DecodeCode(double t) {
+  const double r = std::round(t);
+  return std::fabs(t - r) > 1e-6 ? -1 : int(r) - 1;
+}
+inline int ColorCode(const MeshState& m, int i, int j) {
+  const json& c = m.node(i, j).at("color");
+  return c.is_object() && c.contains("gray") ? DecodeCode(c.at("gray").get<double>() * 1000.0) : -1;
+}
+inline int OpacityCode(const MeshState& m, int i, int j) {
+  return DecodeCode((1.0 - m.node(i, j).at("opacity").get<double>()) * 2000.0);
+}
+inline double OpacityAt(const MeshState& m, int i, int j) { return m.node(i, j).at("opacity").get<double>(); }
+
+inline std::string Base64(const std::vector<uint8_t>& in) {
+  static const char* k = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string out;
   for (size_t i = 0; i < in.size(); i += 3) {
     uint32_t v = uint32_t(in[i]) << 16;
@@ -90,7 +83,6 @@ struct ImageRecipe {
   json fill = nullptr;
   bool selected = true;
   int placedType = 1;
-  std::string id;
 
   int Channels() const { return (space == "rgb" ? 3 : space == "cmyk" ? 4 : 1) + (alpha ? 1 : 0); }
   // Bytes of pixel (x, row).
@@ -99,93 +91,35 @@ struct ImageRecipe {
     const auto b = pixels.begin() + (row * width + x) * c;
     return {b, b + c};
   }
-  // Document point of image-space point (x, y).
-  std::pair<double, double> ToDoc(double x, double y) const {
-    const auto &m = matrix;
-    return {m[0] * x + m[2] * y + m[4], m[1] * x + m[3] * y + m[5]};
-  }
   // Document point at the centre of pixel (x, row).
-  std::pair<double, double> Centre(int x, int row) const { return ToDoc(x + 0.5, -(row + 0.5)); }
+  std::pair<double, double> Centre(int x, int row) const {
+    const double u = x + 0.5, v = -(row + 0.5);
+    return {matrix[0] * u + matrix[2] * v + matrix[4], matrix[1] * u + matrix[3] * v + matrix[5]};
+  }
 };
 
 // Pixels numbered so that every byte differs: byte k of the image is
 // (37 k + 11) mod 256.
-inline std::vector<uint8_t> Numbered(const ImageRecipe &s) {
+inline std::vector<uint8_t> Numbered(const ImageRecipe& s) {
   std::vector<uint8_t> p(size_t(s.width) * s.height * s.Channels());
   for (size_t k = 0; k < p.size(); ++k) p[k] = uint8_t((37 * k + 11) % 256);
   return p;
 }
 
-inline json ImageJson(const ImageRecipe &s) {
-  json a = {{"type", s.type},        {"width", s.width},           {"height", s.height},
-            {"space", s.space},      {"alpha", s.alpha},           {"bits", 8},
-            {"matrix", s.matrix},    {"pixels", Base64(s.pixels)}, {"fill", s.fill},
-            {"selected", s.selected}};
+inline json ImageJson(const ImageRecipe& s) {
+  json a = {{"type", s.type},     {"width", s.width},           {"height", s.height}, {"space", s.space},
+            {"alpha", s.alpha},   {"bits", 8},                  {"matrix", s.matrix}, {"pixels", Base64(s.pixels)},
+            {"fill", s.fill},     {"selected", s.selected}};
   if (s.type == "placed") a["placedType"] = s.placedType;
-  if (!s.id.empty()) a["id"] = s.id;
   return a;
 }
 
-// A loaded host on one layer of art (first on top), running commands and
-// reading the art back.
-class Session {
- public:
-  Session(std::initializer_list<json> children, const std::string &key = "")
-      : Session(std::vector<json>(children), key) {}
-  explicit Session(const std::vector<json> &children, const std::string &key = "") {
-    json doc = {{"latticebender", 1}, {"layers", {{{"name", "Layer 1"}, {"children", children}}}}};
-    if (!key.empty()) doc["key"] = key;
-    host = std::make_unique<lb::host::Host>(lb::io::readDocument(doc.dump()));
-    host->loadPlugin();
-    before = host->counters();
-  }
-  void run(int id, bool alt, bool ctrl, bool color = true, bool opacity = false) {
-    host->runCommand(id, alt, ctrl, color, opacity);
-  }
-  json art(size_t k) const { return layer().at(k); }
-  size_t count() const { return layer().size(); }
-  bool noLeaks() const { return host->counters() == before; }
-
-  std::unique_ptr<lb::host::Host> host;
-  lb::host::Counters before;
-
- private:
-  json layer() const { return json::parse(lb::io::writeDocument(host->document())).at("layers").at(0).at("children"); }
-};
-
-// Reads nodes of a mesh written back by the host.
-struct MeshOut {
-  explicit MeshOut(json a) : art(std::move(a)) {
-    I = art.at("size").at(0).get<int>();
-    J = art.at("size").at(1).get<int>();
-  }
-  const json &node(int i, int j) const { return art.at("nodes").at(i + (I + 1) * j); }
-  bool selected(int i, int j) const { return node(i, j).value("selected", false); }
-  NodeSet selectedNodes() const {
-    NodeSet s;
-    for (int j = 0; j <= J; ++j)
-      for (int i = 0; i <= I; ++i)
-        if (selected(i, j)) s.insert({i, j});
-    return s;
-  }
-  // The code the node's gray colour (opacity) carries, or -1.
-  int colorCode(int i, int j) const {
-    const json &c = node(i, j).at("color");
-    if (!c.is_object() || !c.contains("gray")) return -1;
-    return Decode(c.at("gray").get<double>() * 1000.0);
-  }
-  int opacityCode(int i, int j) const { return Decode((1.0 - node(i, j).at("opacity").get<double>()) * 2000.0); }
-  json color(int i, int j) const { return node(i, j).at("color"); }
-  double opacity(int i, int j) const { return node(i, j).at("opacity").get<double>(); }
-
-  json art;
-  int I = 0, J = 0;
-
- private:
-  static int Decode(double t) {
-    const double r = std::round(t);
-    return std::fabs(t - r) > 1e-6 ? -1 : int(r) - 1;
-  }
-};
+// A document of one layer holding `children`, first on top, with an
+// optional key object.
+inline json Doc(const std::vector<json>& children, const std::string& key = "") {
+  json doc = DocJson(children);
+  if (!key.empty()) doc["key"] = key;
+  return doc;
+}
 
 }  // namespace coltest

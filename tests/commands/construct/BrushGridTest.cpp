@@ -37,9 +37,9 @@ TEST(BrushGrid, OneCellGroupStructure) {
   MeshDoc d = Curvy(1, 1, false);
   Session s(lbtest::DocJson({d.art()}));
   const json mesh = Children(s.written())[0];
-  const json doc = s.runWritten(kMakeBmg);
-  ASSERT_EQ(Children(doc).size(), 1u) << "the mesh is deleted without Alt";
-  const json& g = Children(doc)[0];
+  const json layer = s.runLayer(kMakeBmg);
+  ASSERT_EQ(layer.size(), 1u) << "the mesh is deleted without Alt";
+  const json& g = layer[0];
   EXPECT_EQ(g.at("type"), "group");
   EXPECT_EQ(g.value("name", ""), "MeshGrid");
   EXPECT_EQ(g.value("opacity", 1.0), 0.75);
@@ -98,8 +98,7 @@ TEST(BrushGrid, TileIsTheQuarterAroundItsNode) {
   MeshDoc d;
   d.wholeSelected = true;
   Session s(lbtest::DocJson({d.art()}));
-  const json doc = s.runWritten(kMakeBmg);
-  const json& tile = Children(doc)[0].at("children")[3].at("children")[0];
+  const json tile = s.runLayer(kMakeBmg)[0].at("children")[3].at("children")[0];
   const Pt n00 = MeshDoc::NodeP(0, 0), n10 = MeshDoc::NodeP(1, 0), n01 = MeshDoc::NodeP(0, 1), n11 = MeshDoc::NodeP(1, 1);
   auto mid = [](Pt a, Pt b) { return Pt{(a.first + b.first) / 2, (a.second + b.second) / 2}; };
   const Pt centre = mid(mid(n00, n10), mid(n01, n11));
@@ -153,9 +152,9 @@ TEST_P(BrushGridTrip, BackToTheSameMesh) {
   EXPECT_EQ(kids[3].at("children").size(), static_cast<size_t>((c.I + 1) * (c.J + 1))) << "tiles";
   TransformPaths(grid, c.scale, c.dh, c.dv);
   Session s(lbtest::DocJson({grid}));
-  const json doc = s.runWritten(kFromBmg);
-  ASSERT_EQ(Children(doc).size(), 1u) << "the grid is deleted without Alt";
-  const json& back = Children(doc)[0];
+  const json layer = s.runLayer(kFromBmg);
+  ASSERT_EQ(layer.size(), 1u) << "the grid is deleted without Alt";
+  const json& back = layer[0];
   ASSERT_EQ(back.at("type"), "mesh");
   EXPECT_EQ(back.value("opacity", 1.0), 0.75);
   EXPECT_EQ(back.at("size"), mesh.at("size"));
@@ -176,8 +175,7 @@ TEST_P(BrushGridTrip, BackToTheSameMesh) {
       }
 }
 
-INSTANTIATE_TEST_SUITE_P(Trips, BrushGridTrip, ::testing::ValuesIn(kTrips),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Trips, BrushGridTrip, ::testing::ValuesIn(kTrips), lbtest::ByName());
 
 struct Breakage {
   const char* name;
@@ -200,29 +198,26 @@ TEST_P(BrokenGrid, IsNotRecognised) {
 
 const json kExtraPath = {{"type", "path"}, {"segments", {{{"p", {0, 0}}}, {{"p", {1, 1}}}}}, {"selected", true}};
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, BrokenGrid,
-    ::testing::Values(
+INSTANTIATE_TEST_SUITE_P(Cases, BrokenGrid, ::testing::Values(
         Breakage{"EdgeDeleted", [](json& g) { g["children"][2]["children"].erase(0); }},
         Breakage{"PathAddedToTiles", [](json& g) { g["children"][3]["children"].push_back(kExtraPath); }},
         Breakage{"MarkersEmptied", [](json& g) { g["children"][0]["children"] = json::array(); g["children"][1]["children"] = json::array(); }},
         Breakage{"GroupInEdges", [](json& g) { g["children"][2]["children"][0] = {{"type", "group"}, {"children", json::array()}, {"selected", true}}; }},
-        Breakage{"BoundsNotLast", [](json& g) { g["children"].push_back(kExtraPath); }}),
-    [](const auto& info) { return std::string(info.param.name); });
+        Breakage{"BoundsNotLast", [](json& g) { g["children"].push_back(kExtraPath); }}), lbtest::ByName());
 
 // With Alt both directions keep their source.
 TEST(BrushGrid, AltKeepsTheSource) {
   Session s(lbtest::DocJson({Curvy(2, 2, false).art()}));
-  json doc = s.runWritten(kMakeBmg, true);
-  ASSERT_EQ(Children(doc).size(), 2u);
-  EXPECT_EQ(Children(doc)[0].at("type"), "group");
-  EXPECT_EQ(Children(doc)[1].at("type"), "mesh");
-  EXPECT_FALSE(Children(doc)[1].value("selected", true));
-  doc = s.runWritten(kFromBmg, true);
-  ASSERT_EQ(Children(doc).size(), 3u);
-  EXPECT_EQ(Children(doc)[0].at("type"), "mesh");
-  EXPECT_TRUE(Children(doc)[0].value("selected", false));
-  EXPECT_EQ(Children(doc)[1].at("type"), "group");
+  json doc = s.runLayer(kMakeBmg, true);
+  ASSERT_EQ(doc.size(), 2u);
+  EXPECT_EQ(doc[0].at("type"), "group");
+  EXPECT_EQ(doc[1].at("type"), "mesh");
+  EXPECT_FALSE(doc[1].value("selected", true));
+  doc = s.runLayer(kFromBmg, true);
+  ASSERT_EQ(doc.size(), 3u);
+  EXPECT_EQ(doc[0].at("type"), "mesh");
+  EXPECT_TRUE(doc[0].value("selected", false));
+  EXPECT_EQ(doc[1].at("type"), "group");
 }
 
 }  // namespace

@@ -67,18 +67,13 @@ struct MeshView {
   const json& art;
   int I() const { return art.at("size")[0]; }
   int J() const { return art.at("size")[1]; }
-  const json& Node(int i, int j) const { return art.at("nodes")[static_cast<size_t>(j * (I() + 1) + i)]; }
+  const json& Node(int i, int j) const { return lbtest::NodeAt(art, i, j); }
   Pt NodeP(int i, int j) const { return P(Node(i, j).at("p")); }
   // Points of the run from node (i, j) along "I" or "J".
   std::vector<Pt> Run(int i, int j, const std::string& axis) const {
-    for (const json& r : art.at("runs"))
-      if (r.at("node")[0] == i && r.at("node")[1] == j && r.at("axis") == axis) {
-        std::vector<Pt> pts;
-        for (const json& p : r.at("points")) pts.push_back(P(p));
-        return pts;
-      }
-    ADD_FAILURE() << "no run from (" << i << ", " << j << ") along " << axis;
-    return {};
+    std::vector<Pt> pts;
+    for (const json& p : lbtest::RunAt(art, i, j, axis[0]).at("points")) pts.push_back(P(p));
+    return pts;
   }
 };
 

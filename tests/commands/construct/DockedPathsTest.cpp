@@ -104,9 +104,9 @@ TEST_P(EveryGrid, BecomesOneMeshShapedByItsPaths) {
   const GridCase& c = GetParam();
   const std::vector<GridPath> paths = GridPaths(c.a, c.b, c.order, c.mix);
   Session s(lbtest::DocJson(GridArt(paths)));
-  const json doc = s.runWritten(kMeshFromDockedPaths);
-  ASSERT_EQ(Children(doc).size(), 1u);
-  const json& mesh = Children(doc)[0];
+  const json kids = s.runLayer(kMeshFromDockedPaths);
+  ASSERT_EQ(kids.size(), 1u);
+  const json& mesh = kids[0];
   EXPECT_EQ(mesh.at("selected"), true);
   bool transposed = false;
   ExpectGridMesh(mesh, c.a, c.b, paths, &transposed);
@@ -137,10 +137,10 @@ TEST(DockedPaths, ShuffledGridsOfEverySize) {
           g.reverse = !g.reverse;
         }
       Session s(lbtest::DocJson(GridArt(paths)));
-      const json doc = s.runWritten(kMeshFromDockedPaths);
-      ASSERT_EQ(Children(doc).size(), 1u);
+      const json kids = s.runLayer(kMeshFromDockedPaths);
+      ASSERT_EQ(kids.size(), 1u);
       bool transposed = false;
-      ExpectAnyGridMesh(Children(doc)[0], a, b, paths, &transposed);
+      ExpectAnyGridMesh(kids[0], a, b, paths, &transposed);
     }
 }
 
@@ -153,27 +153,25 @@ std::vector<json> SquareWithOffsetEnd(double offset) {
   return GridArt(paths);
 }
 
+// Ends within half a unit dock. Ends 0.6 apart do not: the two paths that
+// end there dangle and are deleted, and what is left is no grid, so no
+// mesh is made.
 TEST(DockedPaths, EndsDockWithinHalfAUnit) {
-  for (double offset : {0.4, 0.5, -0.5}) {
+  for (double offset : {0.4, 0.5, -0.5, 0.6}) {
     SCOPED_TRACE(offset);
     Session s(lbtest::DocJson(SquareWithOffsetEnd(offset)));
-    const json doc = s.runWritten(kMeshFromDockedPaths);
-    ASSERT_EQ(Children(doc).size(), 1u);
-    EXPECT_EQ(Children(doc)[0].at("type"), "mesh");
+    const json before = Children(s.written());
+    const json kids = s.runLayer(kMeshFromDockedPaths);
+    if (offset < 0.55) {
+      ASSERT_EQ(kids.size(), 1u);
+      EXPECT_EQ(kids[0].at("type"), "mesh");
+      continue;
+    }
+    // Rows first: bottom, top, left, right; bottom and right dangled.
+    ASSERT_EQ(kids.size(), 2u);
+    EXPECT_EQ(kids[0], before[1]);
+    EXPECT_EQ(kids[1], before[2]);
   }
-}
-
-// Ends 0.6 apart do not dock: the two paths that end there dangle and are
-// deleted, and what is left is no grid, so no mesh is made.
-TEST(DockedPaths, EndsFartherApartDoNotDock) {
-  Session s(lbtest::DocJson(SquareWithOffsetEnd(0.6)));
-  const json before = Children(s.written());
-  const json doc = s.runWritten(kMeshFromDockedPaths);
-  const json& kids = Children(doc);
-  ASSERT_EQ(kids.size(), 2u);
-  // Rows first: bottom, top, left, right; bottom and right dangled.
-  EXPECT_EQ(kids[0], before[1]);
-  EXPECT_EQ(kids[1], before[2]);
 }
 
 // Paths that cannot be edges are deleted and the grid is still made.
@@ -194,10 +192,10 @@ TEST(DockedPaths, DanglingAndClosedPathsAreDeleted) {
     std::vector<json> art = GridArt(paths);
     art.insert(art.begin() + 3, c.extra);
     Session s(lbtest::DocJson(art));
-    const json doc = s.runWritten(kMeshFromDockedPaths);
-    ASSERT_EQ(Children(doc).size(), 1u);
+    const json kids = s.runLayer(kMeshFromDockedPaths);
+    ASSERT_EQ(kids.size(), 1u);
     bool transposed = false;
-    ExpectGridMesh(Children(doc)[0], 2, 2, paths, &transposed);
+    ExpectGridMesh(kids[0], 2, 2, paths, &transposed);
   }
 }
 
@@ -242,28 +240,27 @@ TEST(DockedPaths, SetsThatAreNoGridChangeNothing) {
   }
 }
 
-// With two meshes selected the button joins meshes, never paths.
-TEST(DockedPaths, TwoSelectedMeshesLeaveThePathsAlone) {
-  std::vector<json> art = GridArt(GridPaths(1, 1, Order::RowsFirst, false));
+// With two meshes selected the button joins meshes, never paths; with one
+// the paths still become a mesh.
+TEST(DockedPaths, TwoSelectedMeshesLeaveThePathsAloneOneDoesNot) {
   const json mesh = {{"type", "mesh"}, {"size", {1, 1}}, {"selected", true},
                      {"nodes", json::array({{{"p", {300, 0}}}, {{"p", {340, 0}}}, {{"p", {300, 30}}}, {{"p", {340, 30}}}})}};
-  art.push_back(mesh);
   json other = mesh;
   for (json& n : other["nodes"]) n["p"][0] = n["p"][0].get<double>() + 100;
-  art.push_back(other);
-  Session s(lbtest::DocJson(art));
-  const json before = s.written();
-  EXPECT_EQ(s.runWritten(kMeshFromDockedPaths), before);
-}
-
-TEST(DockedPaths, OneSelectedMeshStillLetsThePathsBecomeAMesh) {
-  std::vector<json> art = GridArt(GridPaths(2, 1, Order::RowsFirst, false));
-  art.push_back({{"type", "mesh"}, {"size", {1, 1}}, {"selected", true},
-                 {"nodes", json::array({{{"p", {300, 0}}}, {{"p", {340, 0}}}, {{"p", {300, 30}}}, {{"p", {340, 30}}}})}});
-  Session s(lbtest::DocJson(art));
-  const json doc = s.runWritten(kMeshFromDockedPaths);
-  ASSERT_EQ(Children(doc).size(), 2u);
-  EXPECT_EQ(MeshView{Children(doc)[0]}.I(), 2);
+  for (int meshes : {1, 2}) {
+    std::vector<json> art = GridArt(GridPaths(2, 1, Order::RowsFirst, false));
+    art.push_back(mesh);
+    if (meshes == 2) art.push_back(other);
+    Session s(lbtest::DocJson(art));
+    const json before = s.written();
+    const json kids = s.runLayer(kMeshFromDockedPaths);
+    if (meshes == 2) {
+      EXPECT_EQ(s.written(), before);
+      continue;
+    }
+    ASSERT_EQ(kids.size(), 2u);
+    EXPECT_EQ(MeshView{kids[0]}.I(), 2);
+  }
 }
 
 // The mesh takes the place of the topmost path in the paint order; art
@@ -277,8 +274,7 @@ TEST(DockedPaths, MeshTakesTheTopmostPathsPlace) {
   art.insert(art.begin() + 2, between);
   art.insert(art.begin(), above);
   Session s(lbtest::DocJson(art));
-  const json doc = s.runWritten(kMeshFromDockedPaths);
-  const json& kids = Children(doc);
+  const json kids = s.runLayer(kMeshFromDockedPaths);
   ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(kids[0].at("id"), "above");
   EXPECT_EQ(kids[1].at("type"), "mesh");
@@ -292,8 +288,7 @@ TEST(DockedPaths, MeshLeavesAGroupThatHeldOnlyThePaths) {
   {
     json group = {{"type", "group"}, {"selected", true}, {"children", paths}};
     Session s(lbtest::DocJson({group}));
-    const json doc = s.runWritten(kMeshFromDockedPaths);
-    const json& kids = Children(doc);
+    const json kids = s.runLayer(kMeshFromDockedPaths);
     ASSERT_EQ(kids.size(), 2u);
     EXPECT_EQ(kids[0].at("type"), "mesh");
     EXPECT_EQ(kids[1].at("type"), "group");
@@ -304,8 +299,7 @@ TEST(DockedPaths, MeshLeavesAGroupThatHeldOnlyThePaths) {
     inside.push_back(PathArt({{{0, 100}}, {{10, 100}}}, false, false));
     json group = {{"type", "group"}, {"children", inside}};
     Session s(lbtest::DocJson({group}));
-    const json doc = s.runWritten(kMeshFromDockedPaths);
-    const json& kids = Children(doc);
+    const json kids = s.runLayer(kMeshFromDockedPaths);
     ASSERT_EQ(kids.size(), 1u);
     ASSERT_EQ(kids[0].at("children").size(), 2u);
     EXPECT_EQ(kids[0].at("children")[0].at("type"), "mesh");
@@ -326,9 +320,9 @@ TEST(DockedPaths, SmoothFlagsFollowTheHandles) {
           else g.anchors[0].out = Pt{50, 10};
         }
     Session s(lbtest::DocJson(GridArt(paths)));
-    const json doc = s.runWritten(kMeshFromDockedPaths);
-    ASSERT_EQ(Children(doc).size(), 1u);
-    const MeshView m{Children(doc)[0]};
+    const json kids = s.runLayer(kMeshFromDockedPaths);
+    ASSERT_EQ(kids.size(), 1u);
+    const MeshView m{kids[0]};
     EXPECT_EQ(m.Node(1, 0).at("smooth").at("I+"), !kink);
     EXPECT_EQ(m.Node(1, 1).at("smooth").at("I+"), true);
   }

@@ -43,96 +43,56 @@ std::vector<Pt> PathOutline(const std::vector<Anchor>& a, size_t first) {
   return ChainPoints(chain);
 }
 
-TEST(MeshFromPath, RectangleStartsAtItsSecondAnchor) {
-  Session s(lbtest::DocJson({Painted(PathArt(kRect), {{"rgb", {0.25, 0.5, 0.75}}}, nullptr)}));
-  const json doc = s.runWritten(kMeshFromPath);
-  ASSERT_EQ(Children(doc).size(), 1u);
-  const MeshView m{Children(doc)[0]};
-  ASSERT_EQ(m.I(), 1);
-  ASSERT_EQ(m.J(), 1);
-  EXPECT_EQ(m.NodeP(0, 0), (Pt{100, 0}));
-  EXPECT_EQ(m.NodeP(0, 1), (Pt{100, 50}));
-  EXPECT_EQ(m.NodeP(1, 1), (Pt{0, 50}));
-  EXPECT_EQ(m.NodeP(1, 0), (Pt{0, 0}));
-  // Straight sides with handles at one third, in single precision.
-  EXPECT_EQ(m.Run(0, 0, "J"), (std::vector<Pt>{{100, 0}, {100, 50 * kThird}, {100, 50 - 50 * kThird}, {100, 50}}));
-  EXPECT_EQ(m.Run(0, 0, "I"), (std::vector<Pt>{{100, 0}, {100 - 100 * kThird, 0}, {100 * kThird, 0}, {0, 0}}));
-  EXPECT_EQ(Outline(m), PathOutline(kRect, 1));
-  for (auto [i, j] : {std::pair{0, 0}, {0, 1}, {1, 0}, {1, 1}})
-    EXPECT_EQ(m.Node(i, j).at("color"), json({{"rgb", {0.25, 0.5, 0.75}}}));
-}
-
-// Eight anchors: the four right angles are the corners, the four smooth
-// midpoints become knots on the sides, and the outline stays the same.
-TEST(MeshFromPath, SharpestAnchorsAreCornersTheOthersKnots) {
-  const std::vector<Anchor> octo = {{{0, 0}},   {{50, 0}},   {{100, 0}}, {{100, 25}},
-                                    {{100, 50}}, {{50, 50}}, {{0, 50}},  {{0, 25}}};
-  Session s(lbtest::DocJson({PathArt(octo)}));
-  const json doc = s.runWritten(kMeshFromPath);
-  ASSERT_EQ(Children(doc).size(), 1u);
-  const MeshView m{Children(doc)[0]};
-  EXPECT_EQ(m.NodeP(0, 0), (Pt{0, 0}));
-  EXPECT_EQ(m.NodeP(0, 1), (Pt{100, 0}));
-  EXPECT_EQ(m.NodeP(1, 1), (Pt{100, 50}));
-  EXPECT_EQ(m.NodeP(1, 0), (Pt{0, 50}));
-  const double t = kThird;
-  EXPECT_EQ(m.Run(0, 0, "J"), (std::vector<Pt>{{0, 0}, {50 * t, 0}, {50 - 50 * t, 0}, {50, 0}, {50 + 50 * t, 0},
-                                               {100 - 50 * t, 0}, {100, 0}}));
-  // The last side, from (1, 0) back to (0, 0), holds anchor 7; the run is
-  // written from (0, 0).
-  EXPECT_EQ(m.Run(0, 0, "I"), (std::vector<Pt>{{0, 0}, {0, 25 * t}, {0, 25 - 25 * t}, {0, 25}, {0, 25 + 25 * t},
-                                               {0, 50 - 25 * t}, {0, 50}}));
-  EXPECT_EQ(Outline(m), PathOutline(octo, 0));
-  EXPECT_EQ(Children(doc)[0].at("runs")[0].at("inner")[0].at("kind"), "knot");
-}
-
-// An ellipse of four smooth anchors: all four are corners, every handle
-// carries over.
-TEST(MeshFromPath, EllipseKeepsItsHandles) {
+// Which anchors become the corners: node (0, 0), (0, 1), (1, 1), (1, 0) in
+// turn, the outline walked from them equal to the path's from anchor
+// `first`, every other anchor a knot on a side.
+TEST(MeshFromPath, CornersKnotsAndOutline) {
   const double k = 27.6;
-  const std::vector<Anchor> ellipse = {{{50, 0}, Pt{50 - k, 0}, Pt{50 + k, 0}},
-                                       {{100, 25}, Pt{100, 25 - 14}, Pt{100, 25 + 14}},
-                                       {{50, 50}, Pt{50 + k, 50}, Pt{50 - k, 50}},
-                                       {{0, 25}, Pt{0, 25 + 14}, Pt{0, 25 - 14}}};
-  Session s(lbtest::DocJson({PathArt(ellipse)}));
-  const json doc = s.runWritten(kMeshFromPath);
-  ASSERT_EQ(Children(doc).size(), 1u);
-  const MeshView m{Children(doc)[0]};
-  EXPECT_EQ(m.NodeP(0, 0), (Pt{100, 25}));
-  EXPECT_EQ(m.Run(0, 0, "J"), (std::vector<Pt>{{100, 25}, {100, 39}, {50 + k, 50}, {50, 50}}));
-  EXPECT_EQ(Outline(m), PathOutline(ellipse, 1));
-}
-
-// With direct selection the selected anchors are the candidates, however
-// sharp the others are.
-TEST(MeshFromPath, DirectlySelectedAnchorsAreTheCorners) {
   // A hexagon whose two pointed tips are not selected.
   std::vector<Anchor> hex = {{{0, 0}}, {{60, 0}}, {{90, 40}}, {{60, 80}}, {{0, 80}}, {{-30, 40}}};
-  for (int k : {0, 1, 3, 4}) hex[k].selected = 1;
-  for (int k : {2, 5}) hex[k].selected = 0;
-  Session s(lbtest::DocJson({PathArt(hex)}));
-  const json doc = s.runWritten(kMeshFromPath);
-  ASSERT_EQ(Children(doc).size(), 1u);
-  const MeshView m{Children(doc)[0]};
-  EXPECT_EQ(m.NodeP(0, 0), (Pt{0, 0}));
-  EXPECT_EQ(m.NodeP(0, 1), (Pt{60, 0}));
-  EXPECT_EQ(m.NodeP(1, 1), (Pt{60, 80}));
-  EXPECT_EQ(m.NodeP(1, 0), (Pt{0, 80}));
-  EXPECT_EQ(m.Run(0, 1, "I").size(), 7u) << "the tip at (90, 40) is a knot";
-  EXPECT_EQ(Outline(m), PathOutline(hex, 0));
+  for (int n = 0; n < 6; ++n) hex[n].selected = n % 3 == 2 ? 0 : 1;
+  const struct {
+    const char* name;
+    std::vector<Anchor> path;
+    size_t first;
+    std::vector<Pt> corners;
+  } cases[] = {
+      // Straight sides get handles at one third, in single precision.
+      {"rectangle starts at its second anchor", kRect, 1, {{100, 0}, {100, 50}, {0, 50}, {0, 0}}},
+      // The four right angles are the corners, the smooth midpoints knots.
+      {"octagon", {{{0, 0}}, {{50, 0}}, {{100, 0}}, {{100, 25}}, {{100, 50}}, {{50, 50}}, {{0, 50}}, {{0, 25}}}, 0,
+       {{0, 0}, {100, 0}, {100, 50}, {0, 50}}},
+      // Four smooth anchors: all corners, every handle carried over.
+      {"ellipse",
+       {{{50, 0}, Pt{50 - k, 0}, Pt{50 + k, 0}}, {{100, 25}, Pt{100, 25 - 14}, Pt{100, 25 + 14}},
+        {{50, 50}, Pt{50 + k, 50}, Pt{50 - k, 50}}, {{0, 25}, Pt{0, 25 + 14}, Pt{0, 25 - 14}}},
+       1, {{100, 25}, {50, 50}, {0, 25}, {50, 0}}},
+      // With direct selection the selected anchors are the candidates,
+      // however sharp the others are.
+      {"directly selected", hex, 0, {{0, 0}, {60, 0}, {60, 80}, {0, 80}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Session s(lbtest::DocJson({PathArt(c.path)}));
+    const json kids = s.runLayer(kMeshFromPath);
+    ASSERT_EQ(kids.size(), 1u);
+    const MeshView m{kids[0]};
+    ASSERT_EQ(m.I(), 1);
+    ASSERT_EQ(m.J(), 1);
+    EXPECT_EQ((std::vector<Pt>{m.NodeP(0, 0), m.NodeP(0, 1), m.NodeP(1, 1), m.NodeP(1, 0)}), c.corners);
+    EXPECT_EQ(Outline(m), PathOutline(c.path, c.first));
+    for (const json& r : kids[0].at("runs"))
+      for (const json& e : r.at("inner")) EXPECT_EQ(e.at("kind"), "knot");
+  }
 }
 
 // Open paths are meshed as closed: the closing piece is straight with
 // one-third handles.
 TEST(MeshFromPath, OpenPathIsClosedByAStraightSide) {
   json fromClosed, fromOpen;
-  {
-    Session s(lbtest::DocJson({PathArt(kRect, true)}));
-    fromClosed = Children(s.runWritten(kMeshFromPath));
-  }
-  {
-    Session s(lbtest::DocJson({PathArt(kRect, false)}));
-    fromOpen = Children(s.runWritten(kMeshFromPath));
+  for (bool closed : {true, false}) {
+    Session s(lbtest::DocJson({PathArt(kRect, closed)}));
+    (closed ? fromClosed : fromOpen) = s.runLayer(kMeshFromPath);
   }
   ASSERT_EQ(fromOpen.size(), 1u);
   EXPECT_EQ(fromOpen[0].at("type"), "mesh");
@@ -159,10 +119,10 @@ TEST(MeshFromPath, PathsWithoutFourCandidatesStay) {
     // A rectangle below is still turned into a mesh.
     Session s(lbtest::DocJson({c.path, PathArt(kRect)}));
     const json before = Children(s.written());
-    const json doc = s.runWritten(kMeshFromPath);
-    ASSERT_EQ(Children(doc).size(), 2u);
-    EXPECT_EQ(Children(doc)[0], before[0]);
-    EXPECT_EQ(Children(doc)[1].at("type"), "mesh");
+    const json kids = s.runLayer(kMeshFromPath);
+    ASSERT_EQ(kids.size(), 2u);
+    EXPECT_EQ(kids[0], before[0]);
+    EXPECT_EQ(kids[1].at("type"), "mesh");
   }
 }
 
@@ -191,9 +151,9 @@ TEST(MeshFromPath, PaintOpacityAndBlending) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     Session s(lbtest::DocJson({Painted(PathArt(kRect), c.fill, c.stroke, 0.4, "multiply")}));
-    const json doc = s.runWritten(kMeshFromPath, c.alt, c.ctrl, c.useColor, c.useOpacity);
-    ASSERT_EQ(Children(doc).size(), 1u);
-    const json& mesh = Children(doc)[0];
+    const json kids = Children(s.runWritten(kMeshFromPath, c.alt, c.ctrl, c.useColor, c.useOpacity));
+    ASSERT_EQ(kids.size(), 1u);
+    const json& mesh = kids[0];
     EXPECT_EQ(mesh.value("opacity", 1.0), c.meshOpacity);
     EXPECT_EQ(mesh.value("blend", std::string("normal")), "multiply");
     const MeshView m{mesh};
@@ -213,8 +173,7 @@ TEST(MeshFromPath, MeshTakesThePathsPlace) {
   json below = PathArt({{{0, 200}}, {{10, 200}}}, false, false);
   below["id"] = "below";
   Session s(lbtest::DocJson({above, PathArt(kRect), below}));
-  const json doc = s.runWritten(kMeshFromPath);
-  const json& kids = Children(doc);
+  const json kids = s.runLayer(kMeshFromPath);
   ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(kids[0].at("id"), "above");
   EXPECT_EQ(kids[1].at("type"), "mesh");
@@ -229,8 +188,7 @@ TEST(MeshFromPath, SubPathOfACompoundPathIsReplacedAboveIt) {
   json compound = {{"type", "compound"}, {"id", "cp"}, {"selected", true},
                    {"children", {PathArt(kRect), tri, PathArt(other)}}};
   Session s(lbtest::DocJson({compound}));
-  const json doc = s.runWritten(kMeshFromPath);
-  const json& kids = Children(doc);
+  const json kids = s.runLayer(kMeshFromPath);
   ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(MeshView{kids[0]}.NodeP(0, 0), (Pt{100, 0}));
   EXPECT_EQ(MeshView{kids[1]}.NodeP(0, 0), (Pt{300, 0}));

@@ -49,62 +49,62 @@ std::vector<json> SideBySide() {
   return {Path({{{0, 0}}, {{30, 0}}}, Red()), Path({{{0, 20}}, {{30, 20}}}, nullptr, Blue(), 0.5)};
 }
 
-TEST(SewPathsTest, NearerEndsMeetAtSideIZeroAndStraightPiecesGetThirds) {
+// Which path ends become the corners: nodes (0, 0), (1, 0), (0, 1), (1, 1).
+TEST(SewPathsTest, CornersFromTheNearerOrSelectedEnds) {
+  const std::vector<A> curved = {{{0, 0}, {}, AIRealPoint{5, 5}},
+                                 {{15, 2}, AIRealPoint{10, 4}, AIRealPoint{20, 0}},
+                                 {{30, 0}, AIRealPoint{25, -3}, {}}};
+  const struct {
+    const char* name;
+    std::vector<json> paths;
+    bool alt;
+    std::vector<AIRealPoint> corners;
+  } cases[] = {
+      // Both drawn the same way: the nearer ends are the two first anchors.
+      {"nearer ends meet at side i = 0", SideBySide(), false, {{0, 0}, {30, 0}, {0, 20}, {30, 20}}},
+      {"Alt twists the cell", SideBySide(), true, {{0, 0}, {30, 0}, {30, 20}, {0, 20}}},
+      // P1's last anchor selected: it pairs with P2's nearer end although
+      // its first anchor is nearer.
+      {"a selected end wins over the nearer one",
+       {Path({{{0, 0}, {}, {}, 0}, {{30, 0}, {}, {}, 1}}), Path({{{0, 20}}, {{30, 20}}})}, false,
+       {{30, 0}, {0, 0}, {30, 20}, {0, 20}}},
+      // P2 drawn the other way: its last anchor is paired with (0, 0).
+      {"curved path and one drawn backwards", {Path(curved), Path({{{30, 20}}, {{0, 20}}})}, false,
+       {{0, 0}, {30, 0}, {0, 20}, {30, 20}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Session s(DocJson(c.paths));
+    s.run(kCmdSewPath, c.alt, false);
+    ASSERT_EQ(s.artCount(), 1u);
+    const GradientMesh& m = s.engine(0);
+    ASSERT_EQ(m.sizeI(), 1);
+    ASSERT_EQ(m.sizeJ(), 1);
+    for (int k = 0; k < 4; ++k) EXPECT_PT_NEAR(NodeP(m, k % 2, k / 2), c.corners[k], 0.0) << k;
+    if (c.paths[0] == Path(curved)) {
+      // Every control point of the curved path, knots included.
+      const auto side = Side(m, 0);
+      const std::vector<AIRealPoint> want = {{0, 0}, {5, 5}, {10, 4}, {15, 2}, {20, 0}, {25, -3}, {30, 0}};
+      ASSERT_EQ(side.size(), want.size());
+      for (size_t k = 0; k < want.size(); ++k) EXPECT_PT_NEAR(side[k], want[k], 0.0) << k;
+    }
+  }
+}
+
+// Straight pieces get one-third handles; the sides i = 0 and 1 leave the
+// paths at right angles, a third long; only the second path's nodes end
+// selected.
+TEST(SewPathsTest, StraightPiecesGetThirds) {
   Session s(DocJson(SideBySide()));
   s.run(kCmdSewPath, false, false);
-  ASSERT_EQ(s.artCount(), 1u);
   const GradientMesh& m = s.engine(0);
-  ASSERT_EQ(m.sizeI(), 1);
-  ASSERT_EQ(m.sizeJ(), 1);
-  EXPECT_PT_NEAR(NodeP(m, 0, 0), (AIRealPoint{0, 0}), 0.0);
-  EXPECT_PT_NEAR(NodeP(m, 1, 0), (AIRealPoint{30, 0}), 0.0);
-  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{0, 20}), 0.0);
-  EXPECT_PT_NEAR(NodeP(m, 1, 1), (AIRealPoint{30, 20}), 0.0);
-  // The sides j = 0 and 1 carry one-third handles of their straight paths.
   const auto bottom = Side(m, 0);
   ASSERT_EQ(bottom.size(), 4u);
   EXPECT_PT_NEAR(bottom[1], (AIRealPoint{30 * kThird, 0}), 1e-12);
   EXPECT_PT_NEAR(bottom[2], (AIRealPoint{30 - 30 * kThird, 0}), 1e-12);
-  // The sides i = 0 and 1 leave the paths at right angles, a third long.
   EXPECT_PT_NEAR(Tan(m, 0, 0, JF), (AIRealPoint{0, 20 * kThird}), 1e-9);
   EXPECT_PT_NEAR(Tan(m, 1, 1, JB), (AIRealPoint{30, 20 - 20 * kThird}), 1e-9);
-  // Only the nodes on the second path end selected.
   EXPECT_EQ(SelectedNodes(m), (NodeSet{{0, 1}, {1, 1}}));
-}
-
-TEST(SewPathsTest, AltTwistsTheCell) {
-  Session s(DocJson(SideBySide()));
-  s.run(kCmdSewPath, true, false);
-  const GradientMesh& m = s.engine(0);
-  EXPECT_PT_NEAR(NodeP(m, 0, 0), (AIRealPoint{0, 0}), 0.0);
-  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{30, 20}), 0.0);
-  EXPECT_PT_NEAR(NodeP(m, 1, 1), (AIRealPoint{0, 20}), 0.0);
-}
-
-TEST(SewPathsTest, SelectedEndWinsOverTheNearerOne) {
-  // P1's last anchor selected: it pairs with P2's nearer end although its
-  // first anchor is nearer.
-  Session s(DocJson({Path({{{0, 0}, {}, {}, 0}, {{30, 0}, {}, {}, 1}}), Path({{{0, 20}}, {{30, 20}}})}));
-  s.run(kCmdSewPath);
-  const GradientMesh& m = s.engine(0);
-  EXPECT_PT_NEAR(NodeP(m, 0, 0), (AIRealPoint{30, 0}), 0.0);
-  EXPECT_PT_NEAR(NodeP(m, 1, 0), (AIRealPoint{0, 0}), 0.0);
-  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{30, 20}), 0.0);
-}
-
-TEST(SewPathsTest, CurvedPathWithKnotsKeepsEveryControlPoint) {
-  const std::vector<A> p1 = {{{0, 0}, {}, AIRealPoint{5, 5}},
-                             {{15, 2}, AIRealPoint{10, 4}, AIRealPoint{20, 0}},
-                             {{30, 0}, AIRealPoint{25, -3}, {}}};
-  Session s(DocJson({Path(p1), Path({{{30, 20}}, {{0, 20}}})}));
-  s.run(kCmdSewPath);
-  const GradientMesh& m = s.engine(0);
-  const auto side = Side(m, 0);
-  const std::vector<AIRealPoint> want = {{0, 0}, {5, 5}, {10, 4}, {15, 2}, {20, 0}, {25, -3}, {30, 0}};
-  ASSERT_EQ(side.size(), want.size());
-  for (size_t k = 0; k < want.size(); ++k) EXPECT_PT_NEAR(side[k], want[k], 0.0) << k;
-  // P2 was drawn the other way: its last anchor is paired with (0, 0).
-  EXPECT_PT_NEAR(NodeP(m, 0, 1), (AIRealPoint{0, 20}), 0.0);
 }
 
 struct PaintCase {

@@ -41,15 +41,11 @@ TEST(DensityTest, SizesLinesAndSelection) {
   const DensityCase cases[] = {
       // Nodes (1, 1) and (3, 2) of a 4 x 4 grid: old cells 1, 2 along I and
       // cell 1 along J are split in the middle.
-      {kCmdDensityInc, false, false, 4, 4, {{1, 1}, {3, 2}}, {0, 10, 15, 20, 25, 30, 40}, {0, 10, 15, 20, 30, 40},
-       Rect(1, 5, 1, 3)},
-      {kCmdDensityInc, true, false, 4, 4, {{1, 1}, {3, 2}}, {0, 10, 15, 20, 25, 30, 40}, {0, 10, 20, 30, 40},
-       Rect(1, 5, 1, 2)},
-      {kCmdDensityInc, false, true, 4, 4, {{1, 1}, {3, 2}}, {0, 10, 20, 30, 40}, {0, 10, 15, 20, 30, 40},
-       Rect(1, 3, 1, 3)},
+      {kCmdDensityInc, false, false, 4, 4, {{1, 1}, {3, 2}}, {0, 10, 15, 20, 25, 30, 40}, {0, 10, 15, 20, 30, 40}, Rect(1, 5, 1, 3)},
+      {kCmdDensityInc, true, false, 4, 4, {{1, 1}, {3, 2}}, {0, 10, 15, 20, 25, 30, 40}, {0, 10, 20, 30, 40}, Rect(1, 5, 1, 2)},
+      {kCmdDensityInc, false, true, 4, 4, {{1, 1}, {3, 2}}, {0, 10, 20, 30, 40}, {0, 10, 15, 20, 30, 40}, Rect(1, 3, 1, 3)},
       // A single row selected: no cells along J, whose bounds are kept.
-      {kCmdDensityInc, false, false, 4, 4, {{1, 2}, {3, 2}}, {0, 10, 15, 20, 25, 30, 40}, {0, 10, 20, 30, 40},
-       Rect(1, 5, 2, 2)},
+      {kCmdDensityInc, false, false, 4, 4, {{1, 2}, {3, 2}}, {0, 10, 15, 20, 25, 30, 40}, {0, 10, 20, 30, 40}, Rect(1, 5, 2, 2)},
       // Four cells along I lose the lines at +1 and +3; three cells the line
       // at +1; one cell nothing.
       {kCmdDensityDec, true, false, 6, 1, {{1, 0}, {5, 1}}, {0, 10, 30, 50, 60}, {0, 10}, Rect(1, 3, 0, 1)},

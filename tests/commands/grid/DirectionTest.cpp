@@ -17,15 +17,19 @@ struct Turn {
   const char* name;
   bool alt, ctrl;
   bool swapsSize;
+  // The grid lines move with the nodes they pass through: a new line's
+  // position is that of the old line it came from (u from v when the size
+  // swaps), seen from the end it now starts at (mirrored).
+  bool mirrorU, mirrorV;
   // Where old node (i, j) of an I x J mesh lands.
   Node (*map)(int i, int j, int I, int J);
 };
 
 const Turn kTurns[] = {
-    {"Clockwise", false, false, true, [](int i, int j, int, int J) { return Node{J - j, i}; }},
-    {"Counterclockwise", true, false, true, [](int i, int j, int I, int) { return Node{j, I - i}; }},
-    {"ReflectI", false, true, false, [](int i, int j, int I, int) { return Node{I - i, j}; }},
-    {"ReflectJ", true, true, false, [](int i, int j, int, int J) { return Node{i, J - j}; }},
+    {"Clockwise", false, false, true, true, false, [](int i, int j, int, int J) { return Node{J - j, i}; }},
+    {"Counterclockwise", true, false, true, false, true, [](int i, int j, int I, int) { return Node{j, I - i}; }},
+    {"ReflectI", false, true, false, true, false, [](int i, int j, int I, int) { return Node{I - i, j}; }},
+    {"ReflectJ", true, true, false, false, true, [](int i, int j, int, int J) { return Node{i, J - j}; }},
 };
 
 std::vector<double> MirrorOf(const std::vector<double>& t) {
@@ -47,29 +51,16 @@ TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
   const MeshContent old = ReadMesh(Children(s.written())[0]);
 
   // Both checkboxes off: a rebuild carries colour and opacity regardless.
-  const json doc = s.runWritten(kCmdDirRotate, turn.alt, turn.ctrl, /*useColor=*/false, /*useOpacity=*/false);
-  ASSERT_EQ(Children(doc).size(), 1u);
-  const MeshContent got = ReadMesh(Children(doc)[0]);
+  const json kids = Children(s.runWritten(kCmdDirRotate, turn.alt, turn.ctrl, /*useColor=*/false, /*useOpacity=*/false));
+  ASSERT_EQ(kids.size(), 1u);
+  const MeshContent got = ReadMesh(kids[0]);
   const int newI = turn.swapsSize ? layout.J : layout.I, newJ = turn.swapsSize ? layout.I : layout.J;
   const MeshContent want =
       MapMesh(old, newI, newJ, [&](int i, int j) { return turn.map(i, j, layout.I, layout.J); });
   EXPECT_TRUE(SameContent(got, want, kTol));
-
-  // The grid lines move with the nodes they pass through: a new line's
-  // position is that of the old line it came from, seen from the end it
-  // now starts at.
-  std::vector<double> wantU, wantV;
-  if (std::string(turn.name) == "Clockwise") {
-    wantU = MirrorOf(old.v), wantV = old.u;
-  } else if (std::string(turn.name) == "Counterclockwise") {
-    wantU = old.v, wantV = MirrorOf(old.u);
-  } else if (std::string(turn.name) == "ReflectI") {
-    wantU = MirrorOf(old.u), wantV = old.v;
-  } else {
-    wantU = old.u, wantV = MirrorOf(old.v);
-  }
-  EXPECT_TRUE(SamePositions(got.u, wantU, 1e-12));
-  EXPECT_TRUE(SamePositions(got.v, wantV, 1e-12));
+  const std::vector<double>&u0 = turn.swapsSize ? old.v : old.u, &v0 = turn.swapsSize ? old.u : old.v;
+  EXPECT_TRUE(SamePositions(got.u, turn.mirrorU ? MirrorOf(u0) : u0, 1e-12));
+  EXPECT_TRUE(SamePositions(got.v, turn.mirrorV ? MirrorOf(v0) : v0, 1e-12));
 }
 
 // Renumbering the grid must not change the picture: shape, colours and
@@ -110,8 +101,7 @@ TEST_P(EachTurn, PictureStaysTheSame) {
   EXPECT_LT(total / static_cast<double>(pixels), 1.5) << "mean difference";
 }
 
-INSTANTIATE_TEST_SUITE_P(GridDirection, EachTurn, ::testing::ValuesIn(kTurns),
-                         [](const ::testing::TestParamInfo<Turn>& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(GridDirection, EachTurn, ::testing::ValuesIn(kTurns), ByName());
 
 // Turning back, or reflecting twice, gives the mesh it started from.
 TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
@@ -136,10 +126,10 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
     SCOPED_TRACE(seq.name);
     Session s(DocJson({MeshJson(layout)}));
     const MeshContent old = ReadMesh(Children(s.written())[0]);
-    json doc;
-    for (auto [alt, ctrl] : seq.steps) doc = s.runWritten(kCmdDirRotate, alt, ctrl);
-    ASSERT_EQ(Children(doc).size(), 1u);
-    const MeshContent got = ReadMesh(Children(doc)[0]);
+    json kids;
+    for (auto [alt, ctrl] : seq.steps) kids = s.runLayer(kCmdDirRotate, alt, ctrl);
+    ASSERT_EQ(kids.size(), 1u);
+    const MeshContent got = ReadMesh(kids[0]);
     EXPECT_TRUE(SameContent(got, old, kTol));
     EXPECT_TRUE(SamePositions(got.u, old.u, 1e-12));
     EXPECT_TRUE(SamePositions(got.v, old.v, 1e-12));
@@ -164,8 +154,7 @@ TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
   Session s(DocJson({path, MeshJson(top), MeshJson(mid), MeshJson(low)}));
   const json before = s.written();
 
-  const json doc = s.runWritten(kCmdDirRotate, false, false);
-  const json& kids = Children(doc);
+  const json kids = s.runLayer(kCmdDirRotate, false, false);
   ASSERT_EQ(kids.size(), 4u);
   EXPECT_EQ(kids[0], Children(before)[0]);
   EXPECT_EQ(kids[1], Children(before)[1]);
@@ -178,13 +167,8 @@ TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
   EXPECT_EQ(rebuilt.value("selected", false), true);
   const MeshContent got = ReadMesh(rebuilt);
   for (const auto& [key, n] : got.nodes) EXPECT_TRUE(n.selected) << key.first << "," << key.second;
-  for (const auto& [key, r] : got.runs) {
-    for (const InnerContent& ic : r.inner) {
-      if (ic.kind == "vertex") {
-        EXPECT_TRUE(ic.selected);
-      }
-    }
-  }
+  for (const auto& [key, r] : got.runs)
+    for (const InnerContent& ic : r.inner) EXPECT_TRUE(ic.kind != "vertex" || ic.selected);
 }
 
 TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
@@ -202,10 +186,10 @@ TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
   const json before = s.written();
   const MeshContent oldA = ReadMesh(Children(before)[0]), oldB = ReadMesh(Children(before)[1]);
 
-  const json doc = s.runWritten(kCmdDirRotate, false, true);  // reflect in I
-  ASSERT_EQ(Children(doc).size(), 2u);
-  EXPECT_TRUE(SameContent(ReadMesh(Children(doc)[0]), MapMesh(oldA, 3, 2, [](int i, int j) { return Node{3 - i, j}; }), kTol));
-  EXPECT_TRUE(SameContent(ReadMesh(Children(doc)[1]), MapMesh(oldB, 2, 4, [](int i, int j) { return Node{2 - i, j}; }), kTol));
+  const json kids = s.runLayer(kCmdDirRotate, false, true);  // reflect in I
+  ASSERT_EQ(kids.size(), 2u);
+  EXPECT_TRUE(SameContent(ReadMesh(kids[0]), MapMesh(oldA, 3, 2, [](int i, int j) { return Node{3 - i, j}; }), kTol));
+  EXPECT_TRUE(SameContent(ReadMesh(kids[1]), MapMesh(oldB, 2, 4, [](int i, int j) { return Node{2 - i, j}; }), kTol));
 }
 
 TEST(GridDirection, NothingSelectedChangesNothing) {

@@ -20,6 +20,7 @@ namespace knots {
 
 using lbtest::Children;
 using lbtest::NodeAt;
+using lbtest::SamePoints;
 using lbtest::Session;
 using nlohmann::json;
 using Pt = std::pair<double, double>;
@@ -52,39 +53,32 @@ struct MeshDoc {
   static json NodeColor(int i, int j) { return {{"rgb", {0.125 * (i % 8), 0.25 * (j % 4), 0.5}}}; }
   static double NodeOpacity(int i, int j) { return 0.25 + 0.25 * ((i + 2 * j) % 4); }
 
+  // The mesh as a support recipe: nodes placed and painted as above, the
+  // given runs written in place of the straight ones.
   json art() const {
-    json a = {{"type", "mesh"}, {"size", {I, J}}, {"selected", true}};
-    if (opacity != 1.0) a["opacity"] = opacity;
-    json nodes = json::array();
+    lbtest::MeshRecipe m;
+    m.I = I, m.J = J;
+    m.artOpacity = opacity;
+    m.whole = wholeSelected;
+    m.colorAt = NodeColor;
+    m.opacityAt = NodeOpacity;
     for (int j = 0; j <= J; ++j)
       for (int i = 0; i <= I; ++i) {
-        const Pt p = NodeP(i, j);
-        json n = {{"p", {p.first, p.second}}, {"color", NodeColor(i, j)}, {"opacity", NodeOpacity(i, j)}};
-        if (!wholeSelected) {
-          auto it = selectedNodes.find({i, j});
-          n["selected"] = it != selectedNodes.end() && it->second;
-        }
-        nodes.push_back(n);
+        m.moved[{i, j}] = {NodeP(i, j).first, NodeP(i, j).second};
+        if (auto it = selectedNodes.find({i, j}); it != selectedNodes.end() && it->second) m.selected.insert({i, j});
       }
-    a["nodes"] = nodes;
-    json rs = json::array();
     for (const auto& [key, r] : runs) {
       const auto [axis, i, j] = key;
-      json pts = json::array();
+      json pts = json::array(), inner = json::array();
       for (const Pt& p : r.points) pts.push_back({p.first, p.second});
-      json inner = json::array();
       for (char c : r.inner) {
-        if (c == 'k')
-          inner.push_back({{"kind", "knot"}});
-        else if (!wholeSelected)
-          inner.push_back({{"kind", "vertex"}, {"selected", c == 'V'}});
-        else
-          inner.push_back({{"kind", "vertex"}});
+        json e = {{"kind", c == 'k' ? "knot" : "vertex"}};
+        if (c != 'k' && !wholeSelected) e["selected"] = c == 'V';
+        inner.push_back(e);
       }
-      rs.push_back({{"node", {i, j}}, {"axis", axis == 0 ? "I" : "J"}, {"points", pts}, {"inner", inner}});
+      m.runs.push_back({{"node", {i, j}}, {"axis", axis == 0 ? "I" : "J"}, {"points", pts}, {"inner", inner}});
     }
-    a["runs"] = rs;
-    return a;
+    return lbtest::MeshJson(m);
   }
 };
 
@@ -125,16 +119,6 @@ inline LineRun ReadRun(const json& mesh, int axis, int i, int j) {
   }
   ADD_FAILURE() << "no run " << axis << " from (" << i << ", " << j << ")";
   return {};
-}
-
-inline ::testing::AssertionResult SamePoints(const std::vector<Pt>& got, const std::vector<Pt>& want, double tol) {
-  if (got.size() != want.size())
-    return ::testing::AssertionFailure() << got.size() << " points, want " << want.size();
-  for (size_t k = 0; k < want.size(); ++k)
-    if (std::fabs(got[k].first - want[k].first) > tol || std::fabs(got[k].second - want[k].second) > tol)
-      return ::testing::AssertionFailure() << "point " << k << ": (" << got[k].first << ", " << got[k].second
-                                           << ") vs (" << want[k].first << ", " << want[k].second << ")";
-  return ::testing::AssertionSuccess();
 }
 
 // Every run of two written meshes: same points (within tol) and kinds.

@@ -50,7 +50,7 @@ TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   d.wholeSelected = c.whole;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.runWritten(kKnots))[0];
+  const json after = s.runLayer(kKnots)[0];
   // The surface is unchanged: every run keeps its points exactly.
   EXPECT_TRUE(SameRuns(after, before, 0.0, /*kinds=*/false));
   std::string kinds[3] = {ReadRun(after, 0, 0, 0).inner, ReadRun(after, 0, 1, 0).inner, ReadRun(after, 1, 0, 0).inner};
@@ -62,8 +62,7 @@ TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   EXPECT_EQ(kinds[2], c.left);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, KnotsSplit, ::testing::ValuesIn(kSplitCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Cases, KnotsSplit, ::testing::ValuesIn(kSplitCases), lbtest::ByName());
 
 // Knots become vertices and the vertices become knots again: the mesh is
 // back point for point and kind for kind.
@@ -72,10 +71,10 @@ TEST(KnotsVertices, RoundTripRestoresEveryRun) {
   d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = d.selectedNodes[{0, 1}] = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json mid = Children(s.runWritten(kKnots))[0];
+  const json mid = s.runLayer(kKnots)[0];
   EXPECT_EQ(ReadRun(mid, 0, 0, 0).inner, "VV");
   EXPECT_EQ(ReadRun(mid, 1, 0, 0).inner, "V");
-  const json back = Children(s.runWritten(kVertices))[0];
+  const json back = s.runLayer(kVertices)[0];
   EXPECT_TRUE(SameRuns(back, before, 0.0));
 }
 
@@ -94,7 +93,7 @@ TEST_P(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
   d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.runWritten(kKnots, GetParam().alt, !GetParam().alt))[0];
+  const json after = s.runLayer(kKnots, GetParam().alt, !GetParam().alt)[0];
   const LineRun old = ReadRun(before, 0, 0, 0);
   const LineRun got = ReadRun(after, 0, 0, 0);
   EXPECT_EQ(got.inner, "");
@@ -106,15 +105,14 @@ TEST_P(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
       EXPECT_EQ(NodeAt(after, i, j).value("selected", false), NodeAt(before, i, j).value("selected", false));
 }
 
-INSTANTIATE_TEST_SUITE_P(Variants, KnotsDel, ::testing::Values(KnotsDelCase{"Corrected", true}, KnotsDelCase{"Plain", false}),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Variants, KnotsDel, ::testing::Values(KnotsDelCase{"Corrected", true}, KnotsDelCase{"Plain", false}), lbtest::ByName());
 
 TEST(KnotsDel, WholeMeshLosesEveryKnot) {
   MeshDoc d = TwoCells();
   d.wholeSelected = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.runWritten(kKnots, true, false))[0];
+  const json after = s.runLayer(kKnots, true, false)[0];
   // LineRun I(1, 0) holds a vertex: only the knot after it goes.
   for (auto [axis, i, j] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 0}}) {
     const LineRun old = ReadRun(before, axis, i, j), got = ReadRun(after, axis, i, j);
@@ -128,100 +126,45 @@ TEST(KnotsDel, WholeMeshLosesEveryKnot) {
   EXPECT_TRUE(after.value("selected", false));
 }
 
-// A run N0, knot a, vertex 1, vertex 2, knot b, N1 (pieces p0..p4) with
-// both vertices selected.
-MeshDoc AdjacentVertices(bool selectNode) {
-  MeshDoc d;
-  d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), "kVVk");
-  if (selectNode) d.selectedNodes[{1, 1}] = true;
-  return d;
-}
-
-// With correction the two vertices and the stretch around them become one
-// cubic from knot a (its out handle) to knot b (its in handle); the knots
-// stay knots.
-TEST(VerticesDel, CorrectedAdjacentVerticesBecomeOneCubic) {
-  Session s(lbtest::DocJson({AdjacentVertices(true).art()}));
-  const json before = Children(s.written())[0];
-  const json after = Children(s.runWritten(kVertices, true, false))[0];
-  const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;  // 16 points
-  const LineRun got = ReadRun(after, 0, 0, 0);
-  EXPECT_EQ(got.inner, "kk");
-  EXPECT_TRUE(SamePoints(got.points, {o[0], o[1], o[2], o[3], o[4], o[11], o[12], o[13], o[14], o[15]}, 0.0));
-  EXPECT_TRUE(NodeAt(after, 1, 1).value("selected", false));
-  EXPECT_FALSE(NodeAt(after, 0, 0).value("selected", false));
-}
-
-struct CorrectedCase {
+struct DelCase {
   const char* name;
-  const char* inner;
+  bool corrected;     // Alt: the stretch around removed vertices is redrawn
+  const char* inner;  // the run from (0, 0) along I
   std::vector<int> kept;  // indices of the old points that remain, in order
   const char* kinds;
 };
 
-// Each stretch that loses vertices becomes one cubic between the nearest
-// remaining knot or vertex on either side, with their handles; every other
-// knot and vertex stays what it was.
-const CorrectedCase kCorrectedCases[] = {
-    {"AfterNode", "Vk", {0, 1, 5, 6, 7, 8, 9}, "k"},
-    {"BeforeNode", "kV", {0, 1, 2, 3, 4, 8, 9}, "k"},
-    {"SeparatedByAKnot", "VkV", {0, 1, 5, 6, 7, 11, 12}, "k"},
-    {"BetweenKnots", "kkVkk", {0, 1, 2, 3, 4, 5, 6, 7, 11, 12, 13, 14, 15, 16, 17, 18}, "kkkk"},
-    {"AroundAnUnselectedVertex", "VvV", {0, 1, 5, 6, 7, 11, 12}, "v"},
-    {"ThreeInARow", "kVVVk", {0, 1, 2, 3, 4, 14, 15, 16, 17, 18}, "kk"},
+const DelCase kDelCases[] = {
+    // With correction each stretch that loses vertices becomes one cubic
+    // between the nearest remaining knot or vertex on either side, with
+    // their handles; every other knot and vertex stays what it was.
+    {"CorrectedAfterNode", true, "Vk", {0, 1, 5, 6, 7, 8, 9}, "k"},
+    {"CorrectedBeforeNode", true, "kV", {0, 1, 2, 3, 4, 8, 9}, "k"},
+    {"CorrectedSeparatedByAKnot", true, "VkV", {0, 1, 5, 6, 7, 11, 12}, "k"},
+    {"CorrectedBetweenKnots", true, "kkVkk", {0, 1, 2, 3, 4, 5, 6, 7, 11, 12, 13, 14, 15, 16, 17, 18}, "kkkk"},
+    {"CorrectedAroundAnUnselectedVertex", true, "VvV", {0, 1, 5, 6, 7, 11, 12}, "v"},
+    {"CorrectedAdjacentVertices", true, "kVVk", {0, 1, 2, 3, 4, 11, 12, 13, 14, 15}, "kk"},
+    {"CorrectedThreeInARow", true, "kVVVk", {0, 1, 2, 3, 4, 14, 15, 16, 17, 18}, "kk"},
+    // Without it the host removes the vertex and keeps the outer handles of
+    // the two pieces that meet there.
+    {"PlainVertexThenKnot", false, "Vk", {0, 1, 5, 6, 7, 8, 9}, "k"},
+    {"PlainKnotThenVertex", false, "kV", {0, 1, 2, 3, 4, 8, 9}, "k"},
+    {"PlainUnselectedStays", false, "kv", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, "kv"},
+    {"PlainTwoSelected", false, "VkV", {0, 1, 5, 6, 7, 11, 12}, "k"},
 };
 
-class VerticesDelCorrected : public ::testing::TestWithParam<CorrectedCase> {};
+class VerticesDel : public ::testing::TestWithParam<DelCase> {};
 
-TEST_P(VerticesDelCorrected, StretchBecomesOneCubic) {
-  const CorrectedCase& c = GetParam();
-  MeshDoc d;
-  d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
-  d.selectedNodes[{1, 0}] = true;
-  Session s(lbtest::DocJson({d.art()}));
-  const json before = Children(s.written())[0];
-  const json after = Children(s.runWritten(kVertices, true, false))[0];
-  const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;
-  std::vector<Pt> want;
-  for (int k : c.kept) want.push_back(o[static_cast<size_t>(k)]);
-  const LineRun got = ReadRun(after, 0, 0, 0);
-  EXPECT_TRUE(SamePoints(got.points, want, 0.0));
-  EXPECT_EQ(got.inner, c.kinds);
-  EXPECT_TRUE(NodeAt(after, 1, 0).value("selected", false));
-  EXPECT_FALSE(NodeAt(after, 0, 0).value("selected", false));
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, VerticesDelCorrected, ::testing::ValuesIn(kCorrectedCases),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-struct PlainCase {
-  const char* name;
-  const char* inner;
-  // Indices of the old points that remain, in order.
-  std::vector<int> kept;
-  const char* kinds;
-};
-
-const PlainCase kPlainCases[] = {
-    // The host removes the vertex and keeps the outer handles of the two
-    // pieces that meet there.
-    {"VertexThenKnot", "Vk", {0, 1, 5, 6, 7, 8, 9}, "k"},
-    {"KnotThenVertex", "kV", {0, 1, 2, 3, 4, 8, 9}, "k"},
-    {"UnselectedStays", "kv", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, "kv"},
-    {"TwoSelected", "VkV", {0, 1, 5, 6, 7, 11, 12}, "k"},
-};
-
-class VerticesDelPlain : public ::testing::TestWithParam<PlainCase> {};
-
-TEST_P(VerticesDelPlain, RemovesSelectedVerticesOnly) {
-  const PlainCase& c = GetParam();
+TEST_P(VerticesDel, RemovesSelectedVerticesAndKeepsTheNodeSelection) {
+  const DelCase& c = GetParam();
   MeshDoc d;
   d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
   d.runs[{1, 1, 0}] = MakeRun(MeshDoc::NodeP(1, 0), MeshDoc::NodeP(1, 1), "V");
-  d.selectedNodes[{0, 1}] = true;
+  const auto [si, sj] = c.corrected ? std::pair{1, 0} : std::pair{0, 1};
+  d.selectedNodes[{si, sj}] = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = Children(s.runWritten(kVertices, false, true))[0];
+  const json after = s.runLayer(kVertices, c.corrected, !c.corrected)[0];
   const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;
   std::vector<Pt> want;
   for (int k : c.kept) want.push_back(o[static_cast<size_t>(k)]);
@@ -229,11 +172,11 @@ TEST_P(VerticesDelPlain, RemovesSelectedVerticesOnly) {
   EXPECT_TRUE(SamePoints(got.points, want, 0.0));
   EXPECT_EQ(got.inner, c.kinds);
   EXPECT_EQ(ReadRun(after, 1, 1, 0).inner, "");
-  EXPECT_TRUE(NodeAt(after, 0, 1).value("selected", false));
+  EXPECT_TRUE(NodeAt(after, si, sj).value("selected", false));
+  EXPECT_FALSE(NodeAt(after, 0, 0).value("selected", false));
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, VerticesDelPlain, ::testing::ValuesIn(kPlainCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Cases, VerticesDel, ::testing::ValuesIn(kDelCases), lbtest::ByName());
 
 // Joining at selected nodes only, or deleting vertices on lines without a
 // selected vertex, changes nothing.
@@ -245,7 +188,7 @@ TEST(VerticesToKnots, NodesOnlySelectionChangesNothing) {
       d.selectedNodes[{0, 0}] = d.selectedNodes[{2, 1}] = true;
       Session s(lbtest::DocJson({d.art()}));
       const json before = Children(s.written())[0];
-      const json after = Children(s.runWritten(kVertices, alt, ctrl))[0];
+      const json after = s.runLayer(kVertices, alt, ctrl)[0];
       EXPECT_EQ(after, before) << "alt " << alt << " ctrl " << ctrl;
     }
   }

@@ -156,8 +156,7 @@ TEST_P(MoveCornerRefusal, ChangesNothing) {
   EXPECT_EQ(s.runWritten(kMoveCorner), before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, MoveCornerRefusal, ::testing::ValuesIn(kRefusals),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Cases, MoveCornerRefusal, ::testing::ValuesIn(kRefusals), lbtest::ByName());
 
 }  // namespace
 }  // namespace knots

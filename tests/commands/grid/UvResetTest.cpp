@@ -39,35 +39,32 @@ json RowsMesh(const std::vector<double>& row0, const std::vector<double>& row1) 
   return {{"type", "mesh"}, {"size", {I, 1}}, {"selected", true}, {"nodes", nodes}};
 }
 
-TEST(DumbReset, SpreadsLinesEvenlyWhereverTheNodesLie) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 4;
-  layout.J = 1;
+// Both resets copy every point, knot, vertex, flag and paint bit for bit
+// and keep the art's opacity and blending, whatever the checkboxes. The
+// dumb one (Ctrl, with or without Alt) spreads the lines evenly wherever
+// the nodes lie; the smart one keeps them increasing.
+TEST(UvReset, KeepsContentPaintAndArtAttributes) {
+  MeshRecipe layout = MeshRecipe::Varied(4, 3);
   layout.u = {0, 0.1, 0.2, 0.6, 1};
-  for (bool alt : {false, true}) {
-    SCOPED_TRACE(alt ? "Ctrl+Alt" : "Ctrl");
-    Session s(DocJson({MeshJson(layout)}));
-    const MeshContent got = ReadMesh(Children(s.runWritten(kCmdUvReset, alt, true))[0]);
-    EXPECT_TRUE(SamePositions(got.u, {0, 0.25, 0.5, 0.75, 1}, 1e-15));
-    EXPECT_TRUE(SamePositions(got.v, {0, 1}, 0));
-  }
-}
-
-// The dumb reset copies through the identity window onto a fresh grid of
-// the same size: every point, knot, vertex, flag and paint must come out
-// bit for bit.
-TEST(DumbReset, CopiesTheMeshExactly) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 3;
-  layout.J = 3;
-  layout.u = {0, 0.2, 0.3, 1};
   layout.v = {0, 0.5, 0.9, 1};
-  Session s(DocJson({MeshJson(layout)}));
-  const MeshContent old = ReadMesh(Children(s.written())[0]);
-  const MeshContent got = ReadMesh(Children(s.runWritten(kCmdUvReset, false, true, false, false))[0]);
-  EXPECT_TRUE(SameContent(got, MapMesh(old, 3, 3, Same), 0.0));
-  EXPECT_TRUE(SamePositions(got.u, Even(3), 1e-15));
-  EXPECT_TRUE(SamePositions(got.v, Even(3), 1e-15));
+  layout.artOpacity = 0.5;
+  layout.blend = "screen";
+  for (auto [alt, ctrl] : {std::pair{false, true}, {true, true}, {false, false}}) {
+    SCOPED_TRACE(testing::Message() << "alt " << alt << " ctrl " << ctrl);
+    Session s(DocJson({MeshJson(layout)}));
+    const MeshContent old = s.content(0);
+    const json art = Children(s.runWritten(kCmdUvReset, alt, ctrl, false, false))[0];
+    const MeshContent got = ReadMesh(art);
+    EXPECT_TRUE(SameContent(got, MapMesh(old, 4, 3, Same), 0.0));
+    EXPECT_EQ(art.value("opacity", 1.0), 0.5);
+    EXPECT_EQ(art.value("blend", std::string("normal")), "screen");
+    if (ctrl) {
+      EXPECT_TRUE(SamePositions(got.u, {0, 0.25, 0.5, 0.75, 1}, 1e-15));
+      EXPECT_TRUE(SamePositions(got.v, Even(3), 1e-15));
+    }
+    for (size_t k = 1; k < got.u.size(); ++k) EXPECT_LT(got.u[k - 1], got.u[k]);
+    for (size_t k = 1; k < got.v.size(); ++k) EXPECT_LT(got.v[k - 1], got.v[k]);
+  }
 }
 
 // Each cell gets the average of its share over the lines that cross it; a
@@ -103,27 +100,10 @@ TEST(SmartReset, MeasuresRunsThroughKnotsAndVertices) {
   const double share0 = (detour / (detour + 50) + 0.5) / 2;
 
   Session s(DocJson({mesh}));
-  const MeshContent old = ReadMesh(Children(s.written())[0]);
-  const MeshContent got = ReadMesh(Children(s.runWritten(kCmdUvReset, false, false))[0]);
+  const MeshContent old = s.content(0);
+  const MeshContent got = ReadMesh(s.runLayer(kCmdUvReset, false, false)[0]);
   EXPECT_NEAR(got.u[1], share0, 1e-6);
   EXPECT_TRUE(SameContent(got, MapMesh(old, 2, 1, Same), 0.0));
-}
-
-TEST(SmartReset, KeepsContentPaintAndArtAttributes) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 3;
-  layout.J = 2;
-  layout.artOpacity = 0.5;
-  layout.blend = "screen";
-  Session s(DocJson({MeshJson(layout)}));
-  const MeshContent old = ReadMesh(Children(s.written())[0]);
-  const json doc = s.runWritten(kCmdUvReset, false, false, false, false);
-  const MeshContent got = ReadMesh(Children(doc)[0]);
-  EXPECT_TRUE(SameContent(got, MapMesh(old, 3, 2, Same), 0.0));
-  EXPECT_EQ(Children(doc)[0].value("opacity", 1.0), 0.5);
-  EXPECT_EQ(Children(doc)[0].value("blend", std::string("normal")), "screen");
-  for (size_t k = 1; k < got.u.size(); ++k) EXPECT_LT(got.u[k - 1], got.u[k]);
-  for (size_t k = 1; k < got.v.size(); ++k) EXPECT_LT(got.v[k - 1], got.v[k]);
 }
 
 }  // namespace

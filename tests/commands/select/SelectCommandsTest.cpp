@@ -31,10 +31,6 @@ struct Case {
   std::map<Inner, bool> inner;
 };
 
-NodeSet Join(NodeSet a, const NodeSet& b) {
-  a.insert(b.begin(), b.end());
-  return a;
-}
 
 // Region (1..3, 1..3) of a 4 x 4 mesh; a vertex on row j = 1 between
 // i = 1 and 2, one on column i = 3 between j = 2 and 3, and a selected one
@@ -54,53 +50,33 @@ const std::map<Inner, bool> kAroundFilled{{{2, 1, 'J'}, true},  {{1, 1, 'J'}, tr
 
 const Case kCases[] = {
     // Select all region vertices: the whole rectangle, whatever the keys.
-    {"region", kCmdSelRegion, false, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
-     kAroundFilled},
-    {"region Alt", kCmdSelRegion, true, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
-     kAroundFilled},
-    {"region Ctrl", kCmdSelRegion, false, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
-     kAroundFilled},
-    {"region Ctrl+Alt", kCmdSelRegion, true, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2),
-     kAroundFilled},
-    {"a lone vertex grows to its cell side", kCmdSelRegion, false, false,
-     Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}), {{2, 1}, {2, 2}},
-     {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}},
+    {"region", kCmdSelRegion, false, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
+    {"region Alt", kCmdSelRegion, true, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
+    {"region Ctrl", kCmdSelRegion, false, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
+    {"region Ctrl+Alt", kCmdSelRegion, true, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
+    {"a lone vertex grows to its cell side", kCmdSelRegion, false, false, Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}), {{2, 1}, {2, 2}}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}},
     // Select region perimeter: the ring, its rows (Alt) or its columns (Ctrl).
-    {"perimeter", kCmdSelPerim, false, false, kRing, Join(kRingRows, kRingCols),
-     {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
-    {"perimeter rows", kCmdSelPerim, true, false, kRing, kRingRows,
-     {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, false}}},
-    {"perimeter columns", kCmdSelPerim, false, true, kRing, kRingCols,
-     {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
-    {"perimeter Ctrl+Alt", kCmdSelPerim, true, true, kRing, Join(kRingRows, kRingCols),
-     {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
-    {"rows of a two-row region leave its column vertices out", kCmdSelPerim, true, false,
-     Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), {{{1, 2, 'I'}, true}, {{2, 1, 'J'}, false},
-     {{1, 1, 'J'}, false}}},
+    {"perimeter", kCmdSelPerim, false, false, kRing, Join(kRingRows, kRingCols), {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"perimeter rows", kCmdSelPerim, true, false, kRing, kRingRows, {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, false}}},
+    {"perimeter columns", kCmdSelPerim, false, true, kRing, kRingCols, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"perimeter Ctrl+Alt", kCmdSelPerim, true, true, kRing, Join(kRingRows, kRingCols), {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"rows of a two-row region leave its column vertices out", kCmdSelPerim, true, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), {{{1, 2, 'I'}, true}, {{2, 1, 'J'}, false}, {{1, 1, 'J'}, false}}},
     {"perimeter of a single node", kCmdSelPerim, false, false, Coded(3, 3, {{2, 1}}), {{2, 1}}, {}},
     // Select all vertices in selected rows/columns, edge to edge.
-    {"cross", kCmdSelCross, false, false, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)),
-     {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
-    {"cross rows", kCmdSelCross, true, false, kCross, Rect(0, 4, 3, 3),
-     {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
-    {"cross columns", kCmdSelCross, false, true, kCross, Rect(2, 2, 0, 4),
-     {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}}},
-    {"cross Ctrl+Alt", kCmdSelCross, true, true, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)),
-     {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
-    {"a selected vertex marks only its own row", kCmdSelCross, false, true, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), {},
-     {{{0, 1, 'I'}, false}}},
-    {"a selected vertex's row", kCmdSelCross, false, false, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), Rect(0, 3, 1, 1),
-     {{{0, 1, 'I'}, true}}},
-    {"rows between selected rows stay out", kCmdSelCross, true, false, Coded(2, 3, {{0, 0}, {2, 2}}),
-     Join(Rect(0, 2, 0, 0), Rect(0, 2, 2, 2)), {}},
+    {"cross", kCmdSelCross, false, false, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"cross rows", kCmdSelCross, true, false, kCross, Rect(0, 4, 3, 3), {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"cross columns", kCmdSelCross, false, true, kCross, Rect(2, 2, 0, 4), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}}},
+    {"cross Ctrl+Alt", kCmdSelCross, true, true, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"a selected vertex marks only its own row", kCmdSelCross, false, true, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), {}, {{{0, 1, 'I'}, false}}},
+    {"a selected vertex's row", kCmdSelCross, false, false, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), Rect(0, 3, 1, 1), {{{0, 1, 'I'}, true}}},
+    {"rows between selected rows stay out", kCmdSelCross, true, false, Coded(2, 3, {{0, 0}, {2, 2}}), Join(Rect(0, 2, 0, 0), Rect(0, 2, 2, 2)), {}},
     // Shift selected nodes: wraps within each line in all four directions.
     {"shift I", kCmdSelShift, false, false, kShift, {{0, 0}, {2, 2}}, kShiftInner},
     {"shift I'", kCmdSelShift, true, false, kShift, {{2, 0}, {0, 2}}, kShiftInner},
     {"shift J", kCmdSelShift, false, true, kShift, {{3, 1}, {1, 0}}, kShiftInner},
     {"shift J'", kCmdSelShift, true, true, kShift, {{3, 2}, {1, 1}}, kShiftInner},
     // Select nodes / vertices: keeps one kind, only ever deselects.
-    {"nodes only", kCmdSel, false, false, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {{0, 0}, {2, 2}},
-     {{{0, 0, 'I'}, false}, {{1, 0, 'J'}, false}, {{1, 1, 'I'}, false}}},
+    {"nodes only", kCmdSel, false, false, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {{0, 0}, {2, 2}}, {{{0, 0, 'I'}, false}, {{1, 0, 'J'}, false}, {{1, 1, 'I'}, false}}},
     {"vertices only", kCmdSel, true, false, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {}, kMixed},
 };
 

@@ -87,7 +87,7 @@ class EachBlock : public ::testing::TestWithParam<Block> {};
 TEST_P(EachBlock, JoinsIntoOneMesh) {
   const Block& b = GetParam();
   Session s(DocJson(Arrange(b)));
-  const json kids = Children(s.runWritten(kCmdSewDocked));
+  const json kids = s.runLayer(kCmdSewDocked);
   ASSERT_EQ(kids.size(), 1u);
   const json& mesh = kids[0];
   EXPECT_TRUE(IsLattice(mesh, b.cols * b.I, b.rows * b.J));
@@ -106,28 +106,26 @@ TEST_P(EachBlock, JoinsIntoOneMesh) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Join, EachBlock, ::testing::ValuesIn(kBlocks),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Join, EachBlock, ::testing::ValuesIn(kBlocks), lbtest::ByName());
 
-TEST(Join, SeamNodeBetweenTwoMeshesHoldsTheAverage) {
-  const Block b{"Pair", 1, 2, 1, 1, {0, 1}};
-  Session s(DocJson(Arrange(b)));
-  const json mesh = Children(s.runWritten(kCmdSewDocked))[0];
-  for (const json& n : mesh.at("nodes"))
-    if (std::fabs(n.at("p")[0].get<double>() - kCell) < 1e-9) {
-      EXPECT_EQ(n.at("color"), RgbPaint(0.05, 0.5, 0.95));
-    }
-}
-
-TEST(Join, ResultTakesTheFirstMeshsOpacityAndBlend) {
+// The seam node between two meshes holds the average of both paints; the
+// result takes the first mesh's opacity and blending.
+TEST(Join, SeamAverageAndTheFirstMeshsOpacityAndBlend) {
   std::vector<json> art = Arrange({"Pair", 1, 2, 1, 1, {1, 0}});
   art[0]["opacity"] = 0.4;
   art[0]["blend"] = "screen";
   art[1]["opacity"] = 0.8;
   Session s(DocJson(art));
-  const json mesh = Children(s.runWritten(kCmdSewDocked))[0];
+  const json mesh = s.runLayer(kCmdSewDocked)[0];
   EXPECT_DOUBLE_EQ(mesh.at("opacity").get<double>(), 0.4);
   EXPECT_EQ(mesh.at("blend"), "screen");
+  int seam = 0;
+  for (const json& n : mesh.at("nodes"))
+    if (std::fabs(n.at("p")[0].get<double>() - kCell) < 1e-9) {
+      EXPECT_EQ(n.at("color"), RgbPaint(0.05, 0.5, 0.95));
+      ++seam;
+    }
+  EXPECT_EQ(seam, 2);
 }
 
 struct Gap {
@@ -152,45 +150,24 @@ TEST_P(EachGap, DockingTolerance) {
 
 INSTANTIATE_TEST_SUITE_P(Join, EachGap, ::testing::Values(Gap{0.25, true}, Gap{0.5, true}, Gap{0.6, false}));
 
-// Arrangements that are not a full grid of meshes change nothing.
+// Arrangements that are not a full grid of meshes change nothing, nor does
+// one selected mesh (the mesh-joining branch is not taken).
 TEST(Join, RefusedArrangementsChangeNothing) {
-  const std::vector<std::vector<json>> docs = {
-      // An L of three meshes: one point with three corners.
-      [] {
-        auto a = Arrange({"L", 2, 2, 1, 1, {0, 1, 2}});
-        return a;
-      }(),
-      // Two meshes apart.
-      [] {
-        auto a = Arrange({"Apart", 1, 3, 1, 1, {0, 2}});
-        return a;
-      }(),
-      // A pair plus a lone mesh.
-      [] {
-        auto a = Arrange({"PairAndOne", 1, 4, 1, 1, {0, 1, 3}});
-        return a;
-      }(),
-      // Two meshes sharing only one corner.
-      [] {
-        auto a = Arrange({"Diagonal", 2, 2, 1, 1, {0, 3}});
-        return a;
-      }(),
+  std::vector<json> oneSelected = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
+  oneSelected[1]["selected"] = false;
+  const std::pair<const char*, std::vector<json>> docs[] = {
+      {"an L of three meshes: one point with three corners", Arrange({"L", 2, 2, 1, 1, {0, 1, 2}})},
+      {"two meshes apart", Arrange({"Apart", 1, 3, 1, 1, {0, 2}})},
+      {"a pair plus a lone mesh", Arrange({"PairAndOne", 1, 4, 1, 1, {0, 1, 3}})},
+      {"two meshes sharing only one corner", Arrange({"Diagonal", 2, 2, 1, 1, {0, 3}})},
+      {"one selected mesh", oneSelected},
   };
-  for (size_t k = 0; k < docs.size(); ++k) {
-    Session s(DocJson(docs[k]));
+  for (const auto& [name, art] : docs) {
+    SCOPED_TRACE(name);
+    Session s(DocJson(art));
     const json before = s.written();
-    EXPECT_EQ(s.runWritten(kCmdSewDocked), before) << "arrangement " << k;
+    EXPECT_EQ(s.runWritten(kCmdSewDocked), before);
   }
-}
-
-// One selected mesh (with or without selected paths): the mesh-joining
-// branch is not taken and the meshes stay as they are.
-TEST(Join, OneMeshIsNotJoined) {
-  std::vector<json> art = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
-  art[1]["selected"] = false;
-  Session s(DocJson(art));
-  const json before = s.written();
-  EXPECT_EQ(s.runWritten(kCmdSewDocked), before);
 }
 
 // Meshes that were the only children of a group leave it: the result
@@ -203,7 +180,7 @@ TEST(Join, MeshesLeaveTheirGroup) {
   other["nodes"][0]["p"] = {100, 100};
   other.erase("runs");  // straight again from the moved node
   Session s(DocJson({group, other}));
-  const json kids = Children(s.runWritten(kCmdSewDocked));
+  const json kids = s.runLayer(kCmdSewDocked);
   ASSERT_EQ(kids.size(), 2u);
   EXPECT_EQ(kids[0].at("type"), "mesh");
   EXPECT_EQ(kids[0].at("size"), json::array({2, 1}));
@@ -221,7 +198,7 @@ TEST(Join, GroupWithOtherArtKeepsTheResult) {
   inside.push_back(extra);
   json group = {{"type", "group"}, {"id", "g"}, {"children", inside}};
   Session s(DocJson({group}));
-  const json kids = Children(s.runWritten(kCmdSewDocked));
+  const json kids = s.runLayer(kCmdSewDocked);
   ASSERT_EQ(kids.size(), 1u);
   EXPECT_EQ(kids[0].at("id"), "g");
   ASSERT_EQ(kids[0].at("children").size(), 2u);
@@ -238,7 +215,7 @@ TEST(Join, MeshesWinOverPaths) {
                    {"id", "p" + std::to_string(k)},
                    {"segments", {{{"p", {200.0 + k, 0}}}, {{"p", {200.0 + k, 10}}}}}});
   Session s(DocJson(art));
-  const json kids = Children(s.runWritten(kCmdSewDocked));
+  const json kids = s.runLayer(kCmdSewDocked);
   ASSERT_EQ(kids.size(), 5u);
   EXPECT_EQ(kids[0].at("type"), "mesh");
   EXPECT_EQ(kids[0].at("size"), json::array({2, 1}));

@@ -43,34 +43,10 @@ const Variant kVariants[] = {
     {"MoveReverse", kCmdSewMeshMove, true, false, 1, 2, {{0, 0}, {10, 0}, {5, 10}, {5, 10}, {10, 20}, {0, 20}}},
     {"MoveSecondPair", kCmdSewMeshMove, false, true, 2, 1, {{0, 0}, {10, 10}, {0, 20}, {0, 10}, {10, 10}, {0, 10}}},
     {"MoveSecondPairReverse", kCmdSewMeshMove, true, true, 2, 1, {{0, 0}, {10, 5}, {0, 10}, {0, 10}, {10, 15}, {0, 20}}},
-    {"RowDirect",
-     kCmdSewMeshAdd,
-     false,
-     false,
-     1,
-     3,
-     {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {0, 10}, {10, 10}, {0, 20}, {10, 20}}},
-    {"RowReverse",
-     kCmdSewMeshAdd,
-     true,
-     false,
-     1,
-     3,
-     {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {10, 10}, {0, 10}, {10, 20}, {0, 20}}},
-    {"RowSecondPair",
-     kCmdSewMeshAdd,
-     false,
-     true,
-     3,
-     1,
-     {{0, 0}, {10, 0}, {10, 20}, {0, 20}, {0, 10}, {10, 10}, {10, 10}, {0, 10}}},
-    {"RowSecondPairReverse",
-     kCmdSewMeshAdd,
-     true,
-     true,
-     3,
-     1,
-     {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 10}, {10, 10}, {10, 20}, {0, 20}}},
+    {"RowDirect", kCmdSewMeshAdd, false, false, 1, 3, {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {0, 10}, {10, 10}, {0, 20}, {10, 20}}},
+    {"RowReverse", kCmdSewMeshAdd, true, false, 1, 3, {{0, 0}, {10, 0}, {0, 10}, {10, 10}, {10, 10}, {0, 10}, {10, 20}, {0, 20}}},
+    {"RowSecondPair", kCmdSewMeshAdd, false, true, 3, 1, {{0, 0}, {10, 0}, {10, 20}, {0, 20}, {0, 10}, {10, 10}, {10, 10}, {0, 10}}},
+    {"RowSecondPairReverse", kCmdSewMeshAdd, true, true, 3, 1, {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 10}, {10, 10}, {10, 20}, {0, 20}}},
 };
 
 class EachVariant : public ::testing::TestWithParam<Variant> {};
@@ -87,14 +63,13 @@ TEST_P(EachVariant, NodeTableOfTheSewnMesh) {
   EXPECT_FALSE(mesh.contains("id") && !mesh["id"].is_null() && mesh["id"] != "") << "the sources are gone";
 }
 
-INSTANTIATE_TEST_SUITE_P(Sew, EachVariant, ::testing::ValuesIn(kVariants),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Sew, EachVariant, ::testing::ValuesIn(kVariants), lbtest::ByName());
 
 // Moving vertices: each seam node takes the average of both meshes' paint;
 // the rest keep their own.
 TEST(SewMove, SeamNodesAverageColourAndOpacity) {
   Session s(DocJson({MeshJson(Lower()), MeshJson(Upper())}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
+  const json mesh = s.runLayer(kCmdSewMeshMove)[0];
   // a (0, 1) gray 0.2 / opacity 0.6 meets b (0, 0) rgb (0, 0, 0.5) / 0.1.
   EXPECT_EQ(NodeAt(mesh, 0, 1).at("color"), RgbPaint(0.1, 0.1, 0.35));
   EXPECT_DOUBLE_EQ(NodeAt(mesh, 0, 1).at("opacity").get<double>(), 0.35);
@@ -134,13 +109,12 @@ TEST_P(EachBlend, SeamColour) {
   a.colorAt = [&](int, int j) { return j == 1 ? b.first : GrayPaint(0); };
   c.colorAt = [&](int, int j) { return j == 0 ? b.second : GrayPaint(0); };
   Session s(DocJson({MeshJson(a), MeshJson(c)}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
+  const json mesh = s.runLayer(kCmdSewMeshMove)[0];
   EXPECT_EQ(NodeAt(mesh, 0, 1).at("color"), b.want);
   EXPECT_EQ(NodeAt(mesh, 1, 1).at("color"), b.want);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sew, EachBlend, ::testing::ValuesIn(kBlends),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Sew, EachBlend, ::testing::ValuesIn(kBlends), lbtest::ByName());
 
 struct Split {
   const char* name;
@@ -169,7 +143,7 @@ TEST_P(EachSplit, InsertsGridLinesWhereTheCountsSay) {
   big.y0 = 20;  // a gap: the added row spans it
   Session s(DocJson(sp.smallFirst ? std::vector<json>{MeshJson(small), MeshJson(big)}
                               : std::vector<json>{MeshJson(big), MeshJson(small)}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
+  const json mesh = s.runLayer(kCmdSewMeshAdd)[0];
   ASSERT_EQ(mesh.at("size")[0], sp.big);
   ASSERT_EQ(mesh.at("size")[1], 3);
   // The small mesh's row at the seam: the small mesh lies below the big
@@ -182,8 +156,7 @@ TEST_P(EachSplit, InsertsGridLinesWhereTheCountsSay) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sew, EachSplit, ::testing::ValuesIn(kSplits),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Sew, EachSplit, ::testing::ValuesIn(kSplits), lbtest::ByName());
 
 // Opacity of inserted lines: A + (B - A) t with A, B read before the cell
 // is split and t = (r - 1) / r of each insertion, so a cell split in three
@@ -196,7 +169,7 @@ TEST(SewEqualise, InsertedLinesOpacity) {
   big.dx = 30.0 / 8;
   big.y0 = 20;
   Session s(DocJson({MeshJson(small), MeshJson(big)}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
+  const json mesh = s.runLayer(kCmdSewMeshAdd)[0];
   const double want[9] = {0.1, 0.25, 0.4, 0.55, 0.6, 0.7, 0.85, 0.9, 1.0};
   for (int i = 0; i <= 8; ++i)
     EXPECT_NEAR(NodeAt(mesh, i, 0).at("opacity").get<double>(), want[i], 1e-12) << "node " << i;
@@ -206,7 +179,7 @@ TEST(SewEqualise, EqualCountsInsertNothing) {
   MeshRecipe a = Lower(), b = Upper();
   a.I = b.I = 4;
   Session s(DocJson({MeshJson(a), MeshJson(b)}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
+  const json mesh = s.runLayer(kCmdSewMeshMove)[0];
   EXPECT_EQ(mesh.at("size"), json::array({4, 2}));
   for (int i = 0; i <= 4; ++i) EXPECT_DOUBLE_EQ(NodeAt(mesh, i, 1).at("p")[0].get<double>(), 10.0 * i);
 }
@@ -231,19 +204,12 @@ TEST_P(SeamKnots, SeamTakesTheMiddleCurve) {
           {"points", {{0, 10}, {5.0 / 3, 10}, {10.0 / 3, 10}, {5, 10}, {20.0 / 3, 10}, {25.0 / 3, 10}, {10, 10}}},
           {"inner", {{{"kind", "vertex"}, {"selected", false}, {"smooth", {true, true}}}}}}});
   Session s(DocJson({a, b}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
-  const json* seam = nullptr;
-  for (const json& r : mesh.at("runs"))
-    if (r.at("node") == json::array({0, 1}) && r.at("axis") == "I") seam = &r;
-  ASSERT_NE(seam, nullptr);
-  ASSERT_EQ(seam->at("inner").size(), 1u);
-  EXPECT_EQ(seam->at("inner")[0].at("kind"), "knot");
-  const P want[7] = {{0, 10}, {11.0 / 6, 10.5}, {11.0 / 3, 11}, {5, 11}, {19.0 / 3, 11}, {49.0 / 6, 10.5}, {10, 10}};
-  ASSERT_EQ(seam->at("points").size(), 7u);
-  for (size_t k = 0; k < 7; ++k) {
-    EXPECT_NEAR(seam->at("points")[k][0].get<double>(), want[k].first, 1e-9) << "point " << k;
-    EXPECT_NEAR(seam->at("points")[k][1].get<double>(), want[k].second, 1e-9) << "point " << k;
-  }
+  const json mesh = s.runLayer(kCmdSewMeshMove)[0];
+  const json& seam = RunAt(mesh, 0, 1, 'I');
+  ASSERT_EQ(seam.at("inner").size(), 1u);
+  EXPECT_EQ(seam.at("inner")[0].at("kind"), "knot");
+  EXPECT_TRUE(SamePoints(PointsOf(seam.at("points")),
+                         {{0, 10}, {11.0 / 6, 10.5}, {11.0 / 3, 11}, {5, 11}, {19.0 / 3, 11}, {49.0 / 6, 10.5}, {10, 10}}, 1e-9));
 }
 
 INSTANTIATE_TEST_SUITE_P(Sew, SeamKnots, ::testing::Bool(),
@@ -254,7 +220,7 @@ TEST(SewMove, HandlesAcrossTheSeamMoveWithTheNode) {
   MeshRecipe b = Upper();
   b.y0 = 12;  // seam nodes meet at v = 11
   Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
+  const json mesh = s.runLayer(kCmdSewMeshMove)[0];
   for (const json& r : mesh.at("runs")) {
     if (r.at("axis") != "J") continue;
     const int j = r.at("node")[1];
@@ -275,19 +241,11 @@ TEST(SewAddRow, CrossingHandlesContinueBothMeshes) {
   MeshRecipe b = Upper();
   b.y0 = 16;
   Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
-  int seen = 0;
-  for (const json& r : mesh.at("runs")) {
-    if (r.at("axis") != "J" || r.at("node")[1] != 1) continue;
-    const double h = r.at("node")[0] == 0 ? 0.0 : 10.0;
-    const P want[4] = {{h, 10}, {h, 12}, {h, 14}, {h, 16}};
-    for (size_t k = 0; k < 4; ++k) {
-      EXPECT_NEAR(r.at("points")[k][0].get<double>(), want[k].first, 1e-9);
-      EXPECT_NEAR(r.at("points")[k][1].get<double>(), want[k].second, 1e-9);
-    }
-    ++seen;
+  const json mesh = s.runLayer(kCmdSewMeshAdd)[0];
+  for (int i = 0; i <= 1; ++i) {
+    const double h = 10.0 * i;
+    EXPECT_TRUE(SamePoints(PointsOf(RunAt(mesh, i, 1, 'J').at("points")), {{h, 10}, {h, 12}, {h, 14}, {h, 16}}, 1e-9));
   }
-  EXPECT_EQ(seen, 2);
   // The seam nodes of both meshes keep their places.
   EXPECT_DOUBLE_EQ(NodeAt(mesh, 0, 1).at("p")[1].get<double>(), 10);
   EXPECT_DOUBLE_EQ(NodeAt(mesh, 0, 2).at("p")[1].get<double>(), 16);
@@ -302,7 +260,7 @@ TEST(SewSides, SelectedCornersChooseTheSides) {
   b.x0 = 10;
   {
     Session s(DocJson({MeshJson(a), MeshJson(b)}));
-    const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
+    const json mesh = s.runLayer(kCmdSewMeshAdd)[0];
     EXPECT_EQ(mesh.at("size"), json::array({3, 1}));
     EXPECT_EQ(Positions(mesh), (std::vector<P>{{0, 0}, {10, 0}, {10, 0}, {20, 0}, {0, 10}, {10, 10}, {10, 10}, {20, 10}}));
   }
@@ -310,31 +268,9 @@ TEST(SewSides, SelectedCornersChooseTheSides) {
   for (json* m : {&ja, &jb})
     for (size_t k = 0; k < 4; ++k) (*m)["nodes"][k]["selected"] = k < 2;
   Session s(DocJson({ja, jb}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshAdd))[0];
+  const json mesh = s.runLayer(kCmdSewMeshAdd)[0];
   EXPECT_EQ(mesh.at("size"), json::array({1, 3}));
   EXPECT_EQ(Positions(mesh), (std::vector<P>{{20, 10}, {10, 10}, {20, 0}, {10, 0}, {0, 0}, {10, 0}, {0, 10}, {10, 10}}));
-}
-
-// Sides along different axes: b lies to the right of a turned a quarter,
-// its side 0 facing a's side 1; b is copied with its axes exchanged.
-TEST(SewSides, RowToColumn) {
-  MeshRecipe a = Lower();
-  a.J = 2;
-  a.dy = 5;
-  MeshRecipe b = Upper();
-  b.y0 = 0;
-  b.x0 = 10;
-  b.I = 2;
-  b.dx = 5;  // b's side 0 is 10 long with 2 cells, like a's side 1
-  // Turn b so that its side 0 lies on x = 10: node (i, j) at (10 + 10 j, 5 i).
-  json jb = MeshJson(b);
-  jb.erase("runs");
-  for (int j = 0; j <= 1; ++j)
-    for (int i = 0; i <= 2; ++i) jb["nodes"][static_cast<size_t>(j * 3 + i)]["p"] = {10.0 + 10 * j, 5.0 * i};
-  Session s(DocJson({MeshJson(a), jb}));
-  const json mesh = Children(s.runWritten(kCmdSewMeshMove))[0];
-  EXPECT_EQ(mesh.at("size"), json::array({2, 2}));
-  EXPECT_EQ(Positions(mesh), (std::vector<P>{{0, 0}, {10, 0}, {20, 0}, {0, 5}, {10, 5}, {20, 5}, {0, 10}, {10, 10}, {20, 10}}));
 }
 
 TEST(SewResult, PaintOrderSelectionOpacityAndBlend) {

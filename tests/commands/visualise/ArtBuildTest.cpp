@@ -1,48 +1,30 @@
 // The art makers and name formatters, called directly against the host's
 // own suite tables.
-#include <memory>
-
 #include "ArtBuild.h"
 #include "Suites.h"
 #include "VisDoc.h"
 #include "host/SuiteRegistry.h"
-#include "io/Lbdoc.h"
 
 namespace vistest {
 namespace {
 
-template <class T>
-const T* Find(const char* name, int32_t version) {
-  return static_cast<const T*>(lb::host::findSuite(name, version));
-}
-
-class ArtBuild : public ::testing::Test {
+// One Linked session on a layer holding an empty group "G" and a style
+// "S"; the unicode-string suite, which the frame acquires, set by hand.
+class ArtBuild : public lbtest::LinkedTest {
  protected:
   void SetUp() override {
-    json group = {{"type", "group"}, {"name", "G"}, {"children", json::array()}};
-    json styles = json::array({Style("S", 2.5)});
-    host = std::make_unique<lb::host::Host>(lb::io::readDocument(StyledDoc({group}, styles).dump()));
-    lb::s::sArt = Find<AIArtSuite>(kAIArtSuite, kAIArtSuiteVersion);
-    lb::s::sPath = Find<AIPathSuite>(kAIPathSuite, kAIPathSuiteVersion);
-    lb::s::sPathStyle = Find<AIPathStyleSuite>(kAIPathStyleSuite, kAIPathStyleSuiteVersion);
-    lb::s::sArtStyle = Find<AIArtStyleSuite>(kAIArtStyleSuite, kAIArtStyleSuiteVersion);
-    sAIUnicodeString = Find<AIUnicodeStringSuite>(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion);
-    ASSERT_TRUE(lb::s::sArt && lb::s::sPath && lb::s::sPathStyle && lb::s::sArtStyle && sAIUnicodeString);
-    group_ = host->document().layers()[0]->children[0].get();
+    const json group = {{"type", "group"}, {"name", "G"}, {"children", json::array()}};
+    Load(StyledDoc({group}, json::array({Style("S", 2.5)})));
+    sAIUnicodeString = static_cast<const AIUnicodeStringSuite*>(
+        lb::host::findSuite(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion));
+    ASSERT_TRUE(sAIUnicodeString);
+    group_ = Mesh(0);
   }
   void TearDown() override {
-    lb::s::sArt = nullptr;
-    lb::s::sPath = nullptr;
-    lb::s::sPathStyle = nullptr;
-    lb::s::sArtStyle = nullptr;
     sAIUnicodeString = nullptr;
-    host.reset();
+    LinkedTest::TearDown();
   }
-  json Layer() {
-    return json::parse(lb::io::writeDocument(host->document())).at("layers").at(0).at("children");
-  }
-
-  std::unique_ptr<lb::host::Host> host;
+  json Layer() { return lbtest::Children(session->written()); }
   AIArtHandle group_ = nullptr;
 };
 

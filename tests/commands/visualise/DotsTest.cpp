@@ -15,23 +15,23 @@ TEST(Dots, WholeMeshWithoutKnots) {
   MeshRecipe m = Cells(1, 1);
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
-  ASSERT_EQ(Names(kids), (std::vector<std::string>{"MeshPoints", ""}));
+  ASSERT_EQ(Names(kids), (Strs{"MeshPoints", ""}));
   const json& top = kids[0];
-  EXPECT_EQ(ChildNames(top), (std::vector<std::string>{"Nodes", "WithControls"}));
+  EXPECT_EQ(ChildNames(top), (Strs{"Nodes", "WithControls"}));
   const json& nodes = Child(top, "Nodes");
-  EXPECT_EQ(ChildNames(nodes), (std::vector<std::string>{"0,0", "1,0", "0,1", "1,1"}));
+  EXPECT_EQ(ChildNames(nodes), (Strs{"0,0", "1,0", "0,1", "1,1"}));
   EXPECT_EQ(Anchors(Child(nodes, "1,0")), (Pts{{10, 0}}));
   EXPECT_FALSE(Child(nodes, "1,0").at("closed").get<bool>());
 
   const json& with = Child(top, "WithControls");
   EXPECT_FALSE(with.at("hidden").get<bool>());
-  EXPECT_EQ(ChildNames(with), (std::vector<std::string>{"Controls", "LinesToControls"}));
+  EXPECT_EQ(ChildNames(with), (Strs{"Controls", "LinesToControls"}));
   const json& ctl = Child(Child(with, "Controls"), "Nodes");
   const json& lines = Child(Child(with, "LinesToControls"), "Nodes");
-  EXPECT_EQ(ChildNames(ctl), (std::vector<std::string>{"0,0", "1,0", "0,1", "1,1"}));
+  EXPECT_EQ(ChildNames(ctl), (Strs{"0,0", "1,0", "0,1", "1,1"}));
   // Node (1, 0): its I-backward and J-forward handles.
   const json& c10 = Child(ctl, "1,0");
-  EXPECT_EQ(ChildNames(c10), (std::vector<std::string>{"-I", "+J"}));
+  EXPECT_EQ(ChildNames(c10), (Strs{"-I", "+J"}));
   const auto h = Anchors(Child(c10, "-I"));
   ASSERT_EQ(h.size(), 1u);
   EXPECT_NEAR(h[0].first, 20.0 / 3, 1e-12);
@@ -49,10 +49,10 @@ TEST(Dots, HandleCountsOfCornerSideAndInnerNodes) {
   Session s(MeshDoc({Cells(2, 2)}));
   const json kids = RunDots(s);
   const json& ctl = Child(Child(Child(kids[0], "WithControls"), "Controls"), "Nodes");
-  EXPECT_EQ(ChildNames(Child(ctl, "0,0")), (std::vector<std::string>{"+I", "+J"}));
-  EXPECT_EQ(ChildNames(Child(ctl, "1,0")), (std::vector<std::string>{"-I", "+I", "+J"}));
-  EXPECT_EQ(ChildNames(Child(ctl, "1,1")), (std::vector<std::string>{"-I", "-J", "+I", "+J"}));
-  EXPECT_EQ(ChildNames(Child(ctl, "2,2")), (std::vector<std::string>{"-I", "-J"}));
+  EXPECT_EQ(ChildNames(Child(ctl, "0,0")), (Strs{"+I", "+J"}));
+  EXPECT_EQ(ChildNames(Child(ctl, "1,0")), (Strs{"-I", "+I", "+J"}));
+  EXPECT_EQ(ChildNames(Child(ctl, "1,1")), (Strs{"-I", "-J", "+I", "+J"}));
+  EXPECT_EQ(ChildNames(Child(ctl, "2,2")), (Strs{"-I", "-J"}));
 }
 
 TEST(Dots, NonNodeVerticesAndTwoDigitNodeNames) {
@@ -61,15 +61,15 @@ TEST(Dots, NonNodeVerticesAndTwoDigitNodeNames) {
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
   const json& top = kids[0];
-  EXPECT_EQ(ChildNames(top), (std::vector<std::string>{"Nodes", "Vertices", "WithControls"}));
-  EXPECT_EQ(ChildNames(Child(top, "Vertices")), (std::vector<std::string>{"lbVertex"}));
+  EXPECT_EQ(ChildNames(top), (Strs{"Nodes", "Vertices", "WithControls"}));
+  EXPECT_EQ(ChildNames(Child(top, "Vertices")), (Strs{"lbVertex"}));
   EXPECT_EQ(Anchors(Child(Child(top, "Vertices"), "lbVertex")), (Pts{{95, 10}}));
   const auto names = ChildNames(Child(top, "Nodes"));
   ASSERT_EQ(names.size(), 22u);
   EXPECT_EQ(names[10], "10,0");
   EXPECT_EQ(names[21], "10,1");
   const json& v = Child(Child(Child(Child(top, "WithControls"), "Controls"), "Vertices"), "lbVertex");
-  EXPECT_EQ(ChildNames(v), (std::vector<std::string>{"-I", "+I"}));
+  EXPECT_EQ(ChildNames(v), (Strs{"-I", "+I"}));
 }
 
 TEST(Dots, PartialSelectionDrawsOnlySelectedVertices) {
@@ -78,38 +78,34 @@ TEST(Dots, PartialSelectionDrawsOnlySelectedVertices) {
   m.selected = {{1, 0}, {2, 1}};
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
-  EXPECT_EQ(ChildNames(Child(kids[0], "Nodes")), (std::vector<std::string>{"1,0", "2,1"}));
-  EXPECT_EQ(ChildNames(kids[0]), (std::vector<std::string>{"Nodes", "WithControls"}));
+  EXPECT_EQ(ChildNames(Child(kids[0], "Nodes")), (Strs{"1,0", "2,1"}));
+  EXPECT_EQ(ChildNames(kids[0]), (Strs{"Nodes", "WithControls"}));
 }
 
 TEST(Dots, NoSelectedVertexLeavesNoArt) {
   MeshRecipe m = Cells(2, 1);
   m.whole = false;
   Session s(MeshDoc({m}));
-  EXPECT_EQ(Names(RunDots(s)), (std::vector<std::string>{""}));
+  EXPECT_EQ(Names(RunDots(s)), (Strs{""}));
 }
 
 TEST(Dots, KnotsDrawTrueControlsAndHideTheOthers) {
   MeshRecipe m = Cells(1, 1);
-  json run = {{"node", {0, 0}},
-              {"axis", "I"},
-              {"points", {{0, 0}, {1, 1}, {3, 2}, {5, 2}, {7, 2}, {9, 1}, {10, 0}}},
-              {"inner", {{{"kind", "knot"}}}}};
-  m.runs = {run};
+  m.runs = {KnotRun()};
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
   const json& top = kids[0];
-  EXPECT_EQ(ChildNames(top), (std::vector<std::string>{"Nodes", "WithTrueControls", "WithControls"}));
+  EXPECT_EQ(ChildNames(top), (Strs{"Nodes", "WithTrueControls", "WithControls"}));
   EXPECT_TRUE(Child(top, "WithControls").at("hidden").get<bool>());
   const json& wt = Child(top, "WithTrueControls");
   EXPECT_FALSE(wt.at("hidden").get<bool>());
-  EXPECT_EQ(ChildNames(wt), (std::vector<std::string>{"Knots", "Concrols", "LinesToControls"}));
-  EXPECT_EQ(ChildNames(Child(wt, "Knots")), (std::vector<std::string>{"knot"}));
+  EXPECT_EQ(ChildNames(wt), (Strs{"Knots", "Concrols", "LinesToControls"}));
+  EXPECT_EQ(ChildNames(Child(wt, "Knots")), (Strs{"knot"}));
   EXPECT_EQ(Anchors(Child(Child(wt, "Knots"), "knot")), (Pts{{5, 2}}));
   const json& cc = Child(wt, "Concrols");
-  EXPECT_EQ(ChildNames(cc), (std::vector<std::string>{"Nodes", "Knots"}));
+  EXPECT_EQ(ChildNames(cc), (Strs{"Nodes", "Knots"}));
   const json& knotCtl = Child(Child(cc, "Knots"), "knot");
-  EXPECT_EQ(ChildNames(knotCtl), (std::vector<std::string>{"-I", "+I"}));
+  EXPECT_EQ(ChildNames(knotCtl), (Strs{"-I", "+I"}));
   EXPECT_EQ(Anchors(Child(knotCtl, "-I")), (Pts{{3, 2}}));
   EXPECT_EQ(Anchors(Child(knotCtl, "+I")), (Pts{{7, 2}}));
   const json& knotLines = Child(Child(Child(wt, "LinesToControls"), "Knots"), "knot");
@@ -126,14 +122,10 @@ TEST(Dots, KnotsOnAnUndrawnSegmentAreIgnored) {
   MeshRecipe m = Cells(1, 1);
   m.whole = false;
   m.selected = {{0, 0}, {0, 1}, {1, 1}};  // (1, 0) unselected
-  json run = {{"node", {0, 0}},
-              {"axis", "I"},
-              {"points", {{0, 0}, {1, 1}, {3, 2}, {5, 2}, {7, 2}, {9, 1}, {10, 0}}},
-              {"inner", {{{"kind", "knot"}}}}};
-  m.runs = {run};
+  m.runs = {KnotRun()};
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
-  EXPECT_EQ(ChildNames(kids[0]), (std::vector<std::string>{"Nodes", "WithControls"}));
+  EXPECT_EQ(ChildNames(kids[0]), (Strs{"Nodes", "WithControls"}));
   EXPECT_FALSE(Child(kids[0], "WithControls").at("hidden").get<bool>());
 }
 
@@ -179,7 +171,7 @@ TEST(Dots, SeveralMeshesEachGetTheirOwnTree) {
   b.x0 = 50;
   Session s(MeshDoc({a, b}));
   const json kids = RunDots(s);
-  ASSERT_EQ(Names(kids), (std::vector<std::string>{"MeshPoints", "", "MeshPoints", ""}));
+  ASSERT_EQ(Names(kids), (Strs{"MeshPoints", "", "MeshPoints", ""}));
   EXPECT_EQ(Anchors(Child(Child(kids[2], "Nodes"), "0,0")), (Pts{{50, 0}}));
 }
 

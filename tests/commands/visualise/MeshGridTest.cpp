@@ -27,14 +27,14 @@ std::vector<Pts> LinePaths(const json& axisGroup, const std::string& line) {
 TEST(MeshGrid, WholeMeshEachLineOnePathInOrder) {
   Session s(MeshDoc({Cells(2, 1)}));
   const json kids = s.runLayer(kGrid);
-  ASSERT_EQ(Names(kids), (std::vector<std::string>{"MeshGrid", ""}));
+  ASSERT_EQ(Names(kids), (Strs{"MeshGrid", ""}));
   const json& grid = kids[0];
   EXPECT_EQ(grid.at("type"), "group");
-  EXPECT_EQ(Names(grid.at("children")), (std::vector<std::string>{"I-axis", "J-axis"}));
+  EXPECT_EQ(Names(grid.at("children")), (Strs{"I-axis", "J-axis"}));
   const json& axI = Child(grid, "I-axis");
   const json& axJ = Child(grid, "J-axis");
-  EXPECT_EQ(Names(axI.at("children")), (std::vector<std::string>{"J=0", "J=1"}));
-  EXPECT_EQ(Names(axJ.at("children")), (std::vector<std::string>{"I=0", "I=1", "I=2"}));
+  EXPECT_EQ(Names(axI.at("children")), (Strs{"J=0", "J=1"}));
+  EXPECT_EQ(Names(axJ.at("children")), (Strs{"I=0", "I=1", "I=2"}));
   for (const auto& p : axI.at("children")) EXPECT_EQ(p.at("type"), "path");
 
   // Exact Bezier points of J=0: straight runs with handles at thirds.
@@ -81,8 +81,7 @@ TEST_P(MeshGridCuts, PathsEndWhereTheVariantSays) {
   EXPECT_EQ(LinePaths(axI, "J=1").size(), GetParam().alt || GetParam().ctrl ? 2u : 1u);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Variants, MeshGridCuts,
+INSTANTIATE_TEST_SUITE_P(Variants, MeshGridCuts,
     ::testing::Values(CutCase{"none", false, false, {{{0, 0}, {5, 0}, {10, 0}, {20, 0}}}},
                       CutCase{"ctrl", false, true, {{{0, 0}, {5, 0}, {10, 0}}, {{10, 0}, {20, 0}}}},
                       CutCase{"alt", true, false, {{{0, 0}, {5, 0}}, {{5, 0}, {10, 0}}, {{10, 0}, {20, 0}}}}),
@@ -97,8 +96,8 @@ TEST(MeshGrid, OneCellSelectedDrawsItsFourSides) {
   const json& grid = kids[0];
   const json& axI = Child(grid, "I-axis");
   const json& axJ = Child(grid, "J-axis");
-  EXPECT_EQ(Names(axI.at("children")), (std::vector<std::string>{"J=0", "J=1"}));
-  EXPECT_EQ(Names(axJ.at("children")), (std::vector<std::string>{"I=1", "I=2"}));
+  EXPECT_EQ(Names(axI.at("children")), (Strs{"J=0", "J=1"}));
+  EXPECT_EQ(Names(axJ.at("children")), (Strs{"I=1", "I=2"}));
   EXPECT_EQ(Anchors(Child(axI, "J=1")), (Pts{{10, 10}, {20, 10}}));
   EXPECT_EQ(Anchors(Child(axJ, "I=1")), (Pts{{10, 0}, {10, 10}}));
 }
@@ -111,7 +110,7 @@ TEST(MeshGrid, UnselectedVertexBreaksTheLineAndEmptyAxisGoes) {
   const json kids = s.runLayer(kGrid);
   const json& grid = kids[0];
   // No line along J has both ends selected.
-  EXPECT_EQ(Names(grid.at("children")), (std::vector<std::string>{"I-axis"}));
+  EXPECT_EQ(Names(grid.at("children")), (Strs{"I-axis"}));
   EXPECT_EQ(LinePaths(Child(grid, "I-axis"), "J=0"), (std::vector<Pts>{{{0, 0}, {10, 0}}, {{30, 0}, {40, 0}}}));
 }
 
@@ -123,7 +122,7 @@ TEST(MeshGrid, UnselectedNonNodeVertexBreaksTheRun) {
   Session s(MeshDoc({m}));
   const json kids = s.runLayer(kGrid);
   // Both halves touch the unselected vertex: nothing is drawn at all.
-  EXPECT_EQ(Names(kids), (std::vector<std::string>{""}));
+  EXPECT_EQ(Names(kids), (Strs{""}));
 }
 
 TEST(MeshGrid, NoSelectedVertexLeavesNoArt) {
@@ -150,8 +149,8 @@ TEST(MeshGrid, EachMeshGetsItsGridDirectlyAboveItInsideItsGroup) {
   json group = {{"type", "group"}, {"name", "G"}, {"children", {MeshJson(a), other}}};
   Session s(DocJson({group, MeshJson(b)}));
   const json kids = s.runLayer(kGrid);
-  ASSERT_EQ(Names(kids), (std::vector<std::string>{"G", "MeshGrid", ""}));
-  EXPECT_EQ(Names(kids[0].at("children")), (std::vector<std::string>{"MeshGrid", "", "other"}));
+  ASSERT_EQ(Names(kids), (Strs{"G", "MeshGrid", ""}));
+  EXPECT_EQ(Names(kids[0].at("children")), (Strs{"MeshGrid", "", "other"}));
   EXPECT_EQ(Anchors(Child(Child(kids[1], "J-axis"), "I=0")), (Pts{{100, 0}, {100, 10}}));
   EXPECT_EQ(Anchors(Child(Child(kids[0].at("children")[0], "J-axis"), "I=0")), (Pts{{0, 0}, {0, 10}}));
 }
@@ -190,26 +189,18 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(MeshGrid, KnotsKeepTheirCurveAndCornerFlags) {
   MeshRecipe m = Cells(1, 1);
   // Run (0,0)-I: a smooth knot at (5, 2); run (0,1)-I: a corner knot.
-  json smooth = {{"node", {0, 0}},
-                 {"axis", "I"},
-                 {"points", {{0, 0}, {1, 1}, {3, 2}, {5, 2}, {7, 2}, {9, 1}, {10, 0}}},
+  json corner = {{"node", {0, 1}}, {"axis", "I"}, {"points", {{0, 10}, {1, 11}, {3, 12}, {5, 12}, {7, 10}, {9, 11}, {10, 10}}},
                  {"inner", {{{"kind", "knot"}}}}};
-  json corner = {{"node", {0, 1}},
-                 {"axis", "I"},
-                 {"points", {{0, 10}, {1, 11}, {3, 12}, {5, 12}, {7, 10}, {9, 11}, {10, 10}}},
-                 {"inner", {{{"kind", "knot"}}}}};
-  m.runs = {smooth, corner};
+  m.runs = {KnotRun(), corner};
   Session s(MeshDoc({m}));
   const json kids = s.runLayer(kGrid);
   const json& axI = Child(kids[0], "I-axis");
-  const json& p0 = Child(axI, "J=0");
-  ASSERT_EQ(p0.at("segments").size(), 3u);
-  EXPECT_EQ(p0.at("segments")[1].at("p"), json({5.0, 2.0}));
-  EXPECT_EQ(p0.at("segments")[1].at("in"), json({3.0, 2.0}));
-  EXPECT_EQ(p0.at("segments")[1].at("out"), json({7.0, 2.0}));
-  EXPECT_EQ(p0.at("segments")[0].at("out"), json({1.0, 1.0}));
-  EXPECT_EQ(p0.at("segments")[2].at("in"), json({9.0, 1.0}));
-  EXPECT_FALSE(p0.at("segments")[1].at("corner").get<bool>());
+  const json& p0 = Child(axI, "J=0").at("segments");
+  ASSERT_EQ(p0.size(), 3u);
+  for (const char* k : {"p", "in", "out", "corner"})
+    EXPECT_EQ(p0[1].at(k), (json{{"p", {5.0, 2.0}}, {"in", {3.0, 2.0}}, {"out", {7.0, 2.0}}, {"corner", false}}).at(k));
+  EXPECT_EQ(p0[0].at("out"), json({1.0, 1.0}));
+  EXPECT_EQ(p0[2].at("in"), json({9.0, 1.0}));
   const json& p1 = Child(axI, "J=1");
   EXPECT_TRUE(p1.at("segments")[1].at("corner").get<bool>());
 }

@@ -26,6 +26,13 @@ inline json SplitRun(const MeshRecipe& m, int i, int j, char axis, const json& i
   return {{"node", {i, j}}, {"axis", std::string(1, axis)}, {"points", pts}, {"inner", {inner}}};
 }
 
+// The run from (0, 0) along I of a 10 x 10 cell bent through one smooth
+// knot at (5, 2).
+inline json KnotRun() {
+  return {{"node", {0, 0}}, {"axis", "I"}, {"points", {{0, 0}, {1, 1}, {3, 2}, {5, 2}, {7, 2}, {9, 1}, {10, 0}}},
+          {"inner", {{{"kind", "knot"}}}}};
+}
+
 // A stroke-only graphic style of the given grey width.
 inline json Style(const std::string& name, double width) {
   return {{"name", name}, {"fill", nullptr}, {"stroke", {{"color", {{"rgb", {0, 1, 0}}}}, {"width", width}}}};
@@ -72,5 +79,6 @@ inline std::vector<std::pair<double, double>> Anchors(const json& path) {
 }
 
 using Pts = std::vector<std::pair<double, double>>;
+using Strs = std::vector<std::string>;
 
 }  // namespace vistest
