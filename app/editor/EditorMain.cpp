@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "app/Interchange.h"
 #include "app/editor/EditorCore.h"
 #include "host/Host.h"
 #include "host/PanelHost.h"
@@ -173,32 +174,91 @@ bool OpenFile(const std::string& path) {
   return true;
 }
 
-// Exports the document as PNG at 1 pixel per unit, without the selection.
-void ExportPng() {
-  GtkFileChooserNative* fc = gtk_file_chooser_native_new("Export PNG", gEd->win, GTK_FILE_CHOOSER_ACTION_SAVE,
-                                                         nullptr, nullptr);
-  std::string name = DisplayName();
-  if (name.size() > 6 && name.substr(name.size() - 6) == ".lbdoc") name.resize(name.size() - 6);
-  gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(fc), (name + ".png").c_str());
-  g_signal_connect(fc, "response", G_CALLBACK(+[](GtkNativeDialog* d, int response, gpointer) {
+// Shows the warning lines of an import or an export (what the format
+// cannot hold) in one dialog; they also go to standard error.
+void ShowWarnings(const lb::app::Warnings& warnings) {
+  if (warnings.empty()) return;
+  std::string text;
+  for (const std::string& w : warnings) {
+    std::fprintf(stderr, "latticebender edit: warning: %s\n", w.c_str());
+    text += (text.empty() ? "" : "\n") + w;
+  }
+  ShowMessage(text, GTK_MESSAGE_WARNING);
+}
+
+// Writes the document by the file's extension (.svg, .pdf, .png at 1 pixel
+// per unit; no selection marks), atomically, as `latticebender export` does.
+void ExportTo(const std::string& path) {
+  if (!lb::app::isExportPath(path)) {
+    ShowMessage("Cannot export: the file name must end in .svg, .pdf or .png, not '" +
+                    std::filesystem::path(path).filename().string() + "'",
+                GTK_MESSAGE_ERROR);
+    return;
+  }
+  lb::app::Warnings warnings;
+  try {
+    lb::app::writeAnyDocument(Doc(), path, 1, &warnings);
+  } catch (const std::exception& e) {
+    ShowMessage(std::string("Cannot export: ") + e.what(), GTK_MESSAGE_ERROR);
+    return;
+  }
+  ShowWarnings(warnings);
+}
+
+// Replaces the document with an SVG file's content, as `latticebender
+// import` reads it: one undoable change; the document keeps its file name.
+void ImportFrom(const std::string& path) {
+  if (!lb::app::isSvgPath(path)) {
+    ShowMessage("Cannot import: Import reads .svg files, not '" + std::filesystem::path(path).filename().string() +
+                    "'",
+                GTK_MESSAGE_ERROR);
+    return;
+  }
+  lb::app::Warnings warnings;
+  std::unique_ptr<lb::host::Document> doc;
+  try {
+    doc = lb::app::readAnyDocument(path, {}, &warnings);
+  } catch (const std::exception& e) {
+    const std::string what = e.what();
+    ShowMessage("Cannot import: " + (what.find(path) == std::string::npos ? path + ": " + what : what),
+                GTK_MESSAGE_ERROR);
+    return;
+  }
+  BeginChange();
+  gEd->host->setDocument(std::move(doc));
+  gEd->fitted = false;
+  EndChange();
+  ShowWarnings(warnings);
+}
+
+// A file chooser whose accepted path goes to `then`.
+void ChoosePath(const char* title, bool save, const std::string& name, void (*then)(const std::string&)) {
+  GtkFileChooserNative* fc = gtk_file_chooser_native_new(
+      title, gEd->win, save ? GTK_FILE_CHOOSER_ACTION_SAVE : GTK_FILE_CHOOSER_ACTION_OPEN, nullptr, nullptr);
+  if (save) gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(fc), name.c_str());
+  g_signal_connect(fc, "response", G_CALLBACK(+[](GtkNativeDialog* d, int response, gpointer data) {
+                     std::string path;
                      if (response == GTK_RESPONSE_ACCEPT) {
                        GFile* f = gtk_file_chooser_get_file(GTK_FILE_CHOOSER(d));
-                       char* p = g_file_get_path(f);
-                       if (p) {
-                         try {
-                           lb::render::renderDocumentPng(Doc(), p);
-                         } catch (const std::exception& e) {
-                           ShowMessage(std::string("Cannot export: ") + e.what(), GTK_MESSAGE_ERROR);
-                         }
-                       }
+                       char* p = f ? g_file_get_path(f) : nullptr;
+                       if (p) path = p;
                        g_free(p);
-                       g_object_unref(f);
+                       if (f) g_object_unref(f);
                      }
                      g_object_unref(d);
+                     if (!path.empty()) reinterpret_cast<void (*)(const std::string&)>(data)(path);
                    }),
-                   nullptr);
+                   reinterpret_cast<gpointer>(then));
   gtk_native_dialog_show(GTK_NATIVE_DIALOG(fc));
 }
+
+void Export() {
+  std::string name = DisplayName();
+  if (name.size() > 6 && name.substr(name.size() - 6) == ".lbdoc") name.resize(name.size() - 6);
+  ChoosePath("Export (.svg, .pdf or .png)", true, name + ".svg", ExportTo);
+}
+
+void Import() { ChoosePath("Import SVG", false, "", ImportFrom); }
 
 void ChooseFile(bool save) {
   GtkFileChooserNative* fc = gtk_file_chooser_native_new(save ? "Save Document" : "Open Document", gEd->win,
@@ -527,7 +587,8 @@ GMenuModel* BuildMenu() {
   g_menu_append(file, "Open...", "app.open");
   g_menu_append(file, "Save", "app.save");
   g_menu_append(file, "Save As...", "app.saveas");
-  g_menu_append(file, "Export PNG...", "app.exportpng");
+  g_menu_append(file, "Import SVG...", "app.import");
+  g_menu_append(file, "Export...", "app.export");
   g_menu_append(file, "Quit", "app.quit");
   g_menu_append_submenu(bar, "File", G_MENU_MODEL(file));
   GMenu* edit = g_menu_new();
@@ -610,7 +671,8 @@ void Activate(GtkApplication* app, gpointer) {
   AddAction("open", +[] { ConfirmDiscard(+[] { ChooseFile(false); }); });
   AddAction("save", Save);
   AddAction("saveas", +[] { ChooseFile(true); });
-  AddAction("exportpng", ExportPng);
+  AddAction("import", Import);
+  AddAction("export", Export);
   AddAction("quit", +[] { gtk_window_close(gEd->win); });
   AddAction("undo", Undo);
   AddAction("redo", Redo);
@@ -631,6 +693,8 @@ void Activate(GtkApplication* app, gpointer) {
   const Accel accels[] = {{"app.open", {"<Control>o"}},
                           {"app.save", {"<Control>s"}},
                           {"app.saveas", {"<Control><Shift>s"}},
+                          {"app.import", {"<Control>i"}},
+                          {"app.export", {"<Control>e"}},
                           {"app.quit", {"<Control>q"}},
                           {"app.undo", {"<Control>z"}},
                           {"app.redo", {"<Control><Shift>z", "<Control>y"}},
