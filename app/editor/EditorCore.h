@@ -64,13 +64,17 @@ void moveHandle(ArtObject* mesh, lb::host::VertexId v, int dir, double dx, doubl
 // Everything deselected: art and mesh vertices.
 bool deselectAll(lb::host::Document& doc);
 
-// The canvas: a zoom and a pan over the document's drawing area, and the
-// rendered picture (with the selection overlay) kept until the document
-// changes or the zoom does. A frame only paints the cached picture.
+// The canvas: a zoom and a pan over the document's drawing area, the
+// rendered picture of the document kept until the document changes or the
+// zoom does, and the selection marks over it, drawn apart for the part of
+// the picture in and around the view and kept until the selection changes
+// or the view moves beyond that part. A frame only paints the two.
 class CanvasView {
  public:
   // Marks the cached picture stale (after any change of the document).
-  void invalidate() { stale_ = true; }
+  void invalidate() { stale_ = marksStale_ = true; }
+  // Marks only the selection marks stale (after a change of selection).
+  void invalidateMarks() { marksStale_ = true; }
   void setZoom(double zoom, double anchorX, double anchorY);
   double zoom() const { return zoom_; }
   void panBy(double dx, double dy) { panX_ += dx; panY_ += dy; }
@@ -89,8 +93,18 @@ class CanvasView {
   void paint(cairo_t* cr, const lb::host::Document& doc, int w, int h);
   // Renders the picture now if stale; returns whether it did.
   bool refresh(const lb::host::Document& doc);
+  // Draws the marks for a w x h view now if stale or if the view has left
+  // the part they cover; returns whether it did.
+  bool refreshMarks(const lb::host::Document& doc, int w, int h);
 
  private:
+  // The marks: view pixels relative to the picture's top-left corner at
+  // the current zoom, covering (marksX_, marksY_) + marksW_ x marksH_.
+  cairo_surface_t* marks_ = nullptr;
+  int marksX_ = 0, marksY_ = 0, marksW_ = 0, marksH_ = 0;
+  bool marksStale_ = true;
+  bool anyMarks_ = false;
+
   double zoom_ = 1, panX_ = 20, panY_ = 20;
   bool stale_ = true;
   AIRealRect area_{0, 0, 0, 0};

@@ -46,6 +46,7 @@ struct Editor {
   std::string before;      // snapshot taken when a change began
   bool changing = false;
   bool touched = false;    // a canvas edit changed something during the change
+  bool selectionOnly = false;  // the change can alter the selection only
   std::vector<std::string> alerts;
   std::string statePath;   // LB_EDITOR_STATE: where the window's geometry goes
   bool fitted = false;
@@ -80,6 +81,12 @@ void Redraw() {
   gtk_widget_queue_draw(gEd->canvas);
 }
 
+// After a change of selection only: the picture stays, the marks are drawn again.
+void RedrawMarks() {
+  gEd->view.invalidateMarks();
+  gtk_widget_queue_draw(gEd->canvas);
+}
+
 void ShowMessage(const std::string& text, GtkMessageType type = GTK_MESSAGE_INFO) {
   GtkWidget* d = gtk_message_dialog_new(gEd->win, GTK_DIALOG_MODAL, type, GTK_BUTTONS_OK, "%s", text.c_str());
   g_signal_connect(d, "response", G_CALLBACK(gtk_window_destroy), nullptr);
@@ -97,10 +104,11 @@ void ShowAlerts() {
 // The text of the document before the change is the one kept since the
 // last change, so a change costs one serialisation (after it), and a canvas
 // press that changed nothing costs none.
-void BeginChange() {
+void BeginChange(bool selectionOnly = false) {
   gEd->before = gEd->current;
   gEd->changing = true;
   gEd->touched = false;
+  gEd->selectionOnly = selectionOnly;
 }
 
 // `mayHaveChanged` false: the caller knows nothing changed.
@@ -113,7 +121,10 @@ void EndChange(bool mayHaveChanged = true) {
       gEd->history.push(std::move(gEd->before));
       gEd->current = std::move(after);
       gEd->modified = true;
-      Redraw();
+      if (gEd->selectionOnly)
+        RedrawMarks();
+      else
+        Redraw();
     }
   }
   gEd->before.clear();
@@ -406,7 +417,7 @@ void CanvasPressed(GtkGestureDrag* g, double x, double y, gpointer) {
   if (button != 1) return;
   const GdkModifierType mods = gtk_event_controller_get_current_event_state(GTK_EVENT_CONTROLLER(g));
   const bool shift = (mods & GDK_SHIFT_MASK) != 0;
-  BeginChange();
+  BeginChange(true);
   const Hit hit = lb::editor::hitTest(Doc(), gEd->view.toDoc(x, y), kPickPixels / gEd->view.zoom());
   gEd->dragHit = hit;
   if (hit.kind == Hit::kNone) {
@@ -422,7 +433,7 @@ void CanvasPressed(GtkGestureDrag* g, double x, double y, gpointer) {
                 : hit.kind == Hit::kVertex && hit.art->mesh->selected(hit.vertex) ? Editor::kMoveVertex
                                                                                    : Editor::kNoDrag;
   }
-  Redraw();
+  RedrawMarks();
 }
 
 void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
@@ -440,12 +451,14 @@ void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
       for (lb::host::VertexId v = m.firstVertex(); v != lb::host::kNoVertex; v = m.nextVertex(v))
         if (m.selected(v)) lb::editor::moveVertex(gEd->dragHit.art, v, dx / z, -dy / z);
       gEd->touched = true;
+      gEd->selectionOnly = false;
       Redraw();
       break;
     }
     case Editor::kMoveHandle:
       lb::editor::moveHandle(gEd->dragHit.art, gEd->dragHit.vertex, gEd->dragHit.dir, dx / z, -dy / z);
       gEd->touched = true;
+      gEd->selectionOnly = false;
       Redraw();
       break;
     case Editor::kRect:
@@ -469,7 +482,7 @@ void CanvasReleased(GtkGestureDrag* g, double ox, double oy, gpointer) {
   const bool wasPan = gEd->drag == Editor::kPan;
   gEd->drag = Editor::kNoDrag;
   if (!wasPan) EndChange(gEd->touched);
-  Redraw();
+  gtk_widget_queue_draw(gEd->canvas);
   WriteState();
 }
 
@@ -622,7 +635,7 @@ void TogglePanel() {
 }
 
 void SelectEverything() {
-  BeginChange();
+  BeginChange(true);
   for (ArtObject* a : Doc().allArt()) {
     if ((a->type != kMeshArt && a->type != kPathArt) || a->hidden() || a->locked()) continue;
     Doc().setSelected(a, true);
@@ -632,7 +645,7 @@ void SelectEverything() {
 }
 
 void DeselectEverything() {
-  BeginChange();
+  BeginChange(true);
   lb::editor::deselectAll(Doc());
   EndChange();
 }
