@@ -1,4 +1,4 @@
-// The editor's history, direct-selection tool and cached canvas picture.
+// The editor's direct-selection tool and cached canvas picture and marks.
 #include "app/editor/EditorCore.h"
 
 #include <algorithm>
@@ -10,27 +10,6 @@ using lb::host::Document;
 using lb::host::GradientMesh;
 using lb::host::kNoVertex;
 using lb::host::VertexId;
-
-// ---- History ------------------------------------------------------------------
-
-void History::push(std::string before) {
-  undo_.push_back(std::move(before));
-  redo_.clear();
-}
-
-std::string History::undo(std::string current) {
-  std::string s = std::move(undo_.back());
-  undo_.pop_back();
-  redo_.push_back(std::move(current));
-  return s;
-}
-
-std::string History::redo(std::string current) {
-  std::string s = std::move(redo_.back());
-  redo_.pop_back();
-  undo_.push_back(std::move(current));
-  return s;
-}
 
 // ---- Direct selection ---------------------------------------------------------
 

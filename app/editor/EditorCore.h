@@ -15,23 +15,37 @@
 
 namespace lb::editor {
 
-// Undo and redo as whole-document snapshots in .lbdoc text: exact, and
-// independent of what a command or an edit touched.
+// Undo and redo as whole-document snapshots (the editor keeps copies of
+// the host document): exact, and independent of what a command or an edit
+// touched.
+template <class State>
 class History {
  public:
   // Records the state before a change; clears the redo list.
-  void push(std::string before);
+  void push(State before) {
+    undo_.push_back(std::move(before));
+    redo_.clear();
+  }
   bool canUndo() const { return !undo_.empty(); }
   bool canRedo() const { return !redo_.empty(); }
   size_t undoCount() const { return undo_.size(); }
   size_t redoCount() const { return redo_.size(); }
   // Returns the state to restore; `current` goes to the other list.
-  std::string undo(std::string current);
-  std::string redo(std::string current);
+  State undo(State current) { return step(undo_, redo_, std::move(current)); }
+  State redo(State current) { return step(redo_, undo_, std::move(current)); }
 
  private:
-  std::vector<std::string> undo_, redo_;
+  static State step(std::vector<State>& from, std::vector<State>& to, State current) {
+    State s = std::move(from.back());
+    from.pop_back();
+    to.push_back(std::move(current));
+    return s;
+  }
+  std::vector<State> undo_, redo_;
 };
+
+// The editor's history: copies of the document.
+using DocumentHistory = History<std::unique_ptr<lb::host::Document>>;
 
 // What lies under a point of the document, topmost first.
 struct Hit {

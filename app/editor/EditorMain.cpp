@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,7 @@ namespace {
 
 using lb::editor::CanvasView;
 using lb::editor::Hit;
-using lb::editor::History;
+using lb::editor::DocumentHistory;
 
 struct Editor {
   GtkApplication* app = nullptr;
@@ -38,13 +39,14 @@ struct Editor {
   std::unique_ptr<lb::host::Host> host;
   HWND panelWnd = nullptr;
   CanvasView view;
-  History history;
+  DocumentHistory history;
   std::string path;        // empty: not saved yet
-  std::string savedText;   // the document as last opened or saved
+  long savedAt = 0;        // undo count when last opened or saved; -1: not reachable
   bool modified = false;
-  std::string current;     // the document's text as of the last change, open or save
-  std::string before;      // snapshot taken when a change began
+  std::unique_ptr<lb::host::Document> snapshot;  // the document between changes
+  std::optional<std::string> currentText;        // its .lbdoc text, when known
   bool changing = false;
+  bool known = false;      // the change itself reports whether it changed anything
   bool touched = false;    // a canvas edit changed something during the change
   bool selectionOnly = false;  // the change can alter the selection only
   std::vector<std::string> alerts;
@@ -101,63 +103,71 @@ void ShowAlerts() {
 
 // ---- Changes and history ---------------------------------------------------------
 
-// The text of the document before the change is the one kept since the
-// last change, so a change costs one serialisation (after it), and a canvas
-// press that changed nothing costs none.
+// `snapshot` is a copy of the document as it stands between changes; a
+// change that changed something pushes it on the undo list and takes a new
+// copy. Canvas edits and Select All / Deselect All know whether they changed
+// anything; a panel press or an import is judged by the document's text
+// before and after (the text after a change is kept for the next one).
 void BeginChange(bool selectionOnly = false) {
-  gEd->before = gEd->current;
   gEd->changing = true;
   gEd->touched = false;
   gEd->selectionOnly = selectionOnly;
+  gEd->known = selectionOnly;
 }
 
 // `mayHaveChanged` false: the caller knows nothing changed.
 void EndChange(bool mayHaveChanged = true) {
   if (!gEd->changing) return;
   gEd->changing = false;
-  if (mayHaveChanged) {
+  bool changed = false;
+  if (mayHaveChanged && gEd->known) {
+    changed = gEd->touched;
+    if (changed) gEd->currentText.reset();
+  } else if (mayHaveChanged) {
+    if (!gEd->currentText) gEd->currentText = lb::io::writeDocument(*gEd->snapshot);
     std::string after = DocText();
-    if (after != gEd->before) {
-      gEd->history.push(std::move(gEd->before));
-      gEd->current = std::move(after);
-      gEd->modified = true;
-      if (gEd->selectionOnly)
-        RedrawMarks();
-      else
-        Redraw();
-    }
+    changed = after != *gEd->currentText;
+    gEd->currentText = std::move(after);
   }
-  gEd->before.clear();
+  if (changed) {
+    if (gEd->savedAt > static_cast<long>(gEd->history.undoCount())) gEd->savedAt = -1;  // no longer reachable
+    gEd->history.push(std::move(gEd->snapshot));
+    gEd->snapshot = Doc().clone();
+    gEd->modified = true;
+    if (gEd->selectionOnly)
+      RedrawMarks();
+    else
+      Redraw();
+  }
   UpdateTitle();
 }
 
-void Restore(const std::string& text) {
-  gEd->host->setDocument(lb::io::readDocument(text));
-  gEd->current = text;
-  gEd->modified = text != gEd->savedText;
+void Restore(std::unique_ptr<lb::host::Document> doc) {
+  gEd->snapshot = std::move(doc);
+  gEd->host->setDocument(gEd->snapshot->clone());
+  gEd->currentText.reset();
+  gEd->modified = static_cast<long>(gEd->history.undoCount()) != gEd->savedAt;
   Redraw();
   UpdateTitle();
 }
 
 void Undo() {
   if (gEd->changing || !gEd->history.canUndo()) return;
-  Restore(gEd->history.undo(DocText()));
+  Restore(gEd->history.undo(std::move(gEd->snapshot)));
 }
 
 void Redo() {
   if (gEd->changing || !gEd->history.canRedo()) return;
-  Restore(gEd->history.redo(DocText()));
+  Restore(gEd->history.redo(std::move(gEd->snapshot)));
 }
 
 // ---- Files -------------------------------------------------------------------------
 
 bool SaveTo(const std::string& path) {
   try {
-    const std::string text = DocText();
     lb::io::writeDocumentFileAtomic(Doc(), path);
     gEd->path = path;
-    gEd->current = text;
-    gEd->savedText = text;
+    gEd->savedAt = static_cast<long>(gEd->history.undoCount());
     gEd->modified = false;
     UpdateTitle();
     return true;
@@ -176,9 +186,11 @@ bool OpenFile(const std::string& path) {
     return false;
   }
   gEd->path = path;
-  gEd->savedText = gEd->current = DocText();
+  gEd->snapshot = Doc().clone();
+  gEd->currentText.reset();
+  gEd->savedAt = 0;
   gEd->modified = false;
-  gEd->history = History();
+  gEd->history = DocumentHistory();
   gEd->fitted = false;
   Redraw();
   UpdateTitle();
@@ -638,6 +650,7 @@ void SelectEverything() {
   BeginChange(true);
   for (ArtObject* a : Doc().allArt()) {
     if ((a->type != kMeshArt && a->type != kPathArt) || a->hidden() || a->locked()) continue;
+    if (!a->selected() || (a->mesh && !a->mesh->isSelectionFull())) gEd->touched = true;
     Doc().setSelected(a, true);
     if (a->mesh) a->mesh->selectAll();
   }
@@ -646,7 +659,7 @@ void SelectEverything() {
 
 void DeselectEverything() {
   BeginChange(true);
-  lb::editor::deselectAll(Doc());
+  gEd->touched = lb::editor::deselectAll(Doc());
   EndChange();
 }
 
@@ -840,7 +853,7 @@ int main(int argc, char** argv) {
   const lb::host::PanelInfo* p = lb::host::currentPanel();
   if (p && !p->shown && ed.host->pluginMenuItem()) ed.host->sendMenuGo(ed.host->pluginMenuItem());
   if (ed.panelWnd) lbwinPaint(ed.panelWnd);
-  ed.savedText = ed.current = DocText();
+  ed.snapshot = Doc().clone();
 
   ed.app = gtk_application_new("org.latticebender.Editor", G_APPLICATION_NON_UNIQUE);
   g_signal_connect(ed.app, "activate", G_CALLBACK(Activate), nullptr);

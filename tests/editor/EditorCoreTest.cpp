@@ -35,7 +35,7 @@ ArtObject* Mesh(Document& d) {
 }
 
 TEST(History, UndoAndRedoWalkTheSnapshots) {
-  lb::editor::History h;
+  lb::editor::History<std::string> h;
   h.push("a");
   h.push("b");
   EXPECT_EQ(h.undo("c"), "b");
@@ -46,6 +46,28 @@ TEST(History, UndoAndRedoWalkTheSnapshots) {
   h.push("x");  // a new change drops what could be redone
   EXPECT_FALSE(h.canRedo());
   EXPECT_EQ(h.undoCount(), 2u);
+}
+
+// The history's snapshots are copies of the document: a copy must write
+// the same file, selection, ids and styles included, and stay apart from
+// the original.
+TEST(History, DocumentCopyWritesTheSameFile) {
+  auto doc = MeshAndPath();
+  ArtObject* art = Mesh(*doc);
+  doc->setSelected(art, true);
+  art->mesh->clearSelection();
+  art->mesh->setSelected(art->mesh->node(1, 1), true);
+  art->id = "mesh1";
+  doc->keyArtId = "mesh1";
+  lb::host::GraphicStyle style;
+  style.name = "Blue";
+  doc->addStyle(style);
+  const std::string text = lb::io::writeDocument(*doc);
+  auto copy = doc->clone();
+  EXPECT_EQ(lb::io::writeDocument(*copy), text);
+  EXPECT_EQ(copy->findById("mesh1"), Mesh(*copy));
+  lb::editor::moveVertex(Mesh(*copy), Mesh(*copy)->mesh->node(1, 1), 5, 0);
+  EXPECT_EQ(lb::io::writeDocument(*doc), text);
 }
 
 struct HitCase {
