@@ -817,6 +817,8 @@ int main(int argc, char** argv) {
     }
     file = a;
   }
+  // GTK holds cairo and fontconfig fonts past the end of main.
+  lbwinKeepFontCachesAtExit();
   Editor ed;
   gEd = &ed;
   if (const char* s = std::getenv("LB_EDITOR_STATE")) ed.statePath = s;
@@ -863,10 +865,5 @@ int main(int argc, char** argv) {
   ed.host->shutdownPlugin();
   ed.host.reset();
   gEd = nullptr;
-  // lbwin hands cairo's static font data back at exit, which cairo refuses
-  // (aborts) while GTK still holds fonts of its own: leave without the exit
-  // handlers.
-  std::fflush(stdout);
-  std::fflush(stderr);
-  std::_Exit(status);
+  return status;
 }
