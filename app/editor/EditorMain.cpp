@@ -36,6 +36,8 @@ struct Editor {
   GtkWindow* win = nullptr;
   GtkWidget* canvas = nullptr;
   GtkWidget* panel = nullptr;
+  GtkWidget* row = nullptr;          // the canvas and the docked panel
+  GtkWindow* panelWin = nullptr;     // the panel's own window, when not docked
   std::unique_ptr<lb::host::Host> host;
   HWND panelWnd = nullptr;
   CanvasView view;
@@ -351,11 +353,21 @@ void CloseNow() {
 
 // ---- State for tests ---------------------------------------------------------------
 
-void WidgetBox(GtkWidget* w, std::string& out, const char* name) {
+unsigned long Xid(GtkWindow* win) {
+  unsigned long xid = 0;
+#ifdef GDK_WINDOWING_X11
+  GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(win));
+  if (surface && GDK_IS_X11_SURFACE(surface)) xid = gdk_x11_surface_get_xid(surface);
+#endif
+  return xid;
+}
+
+void WidgetBox(GtkWidget* w, std::string& out, const char* name, GtkWindow* win) {
   double x = 0, y = 0;
   double sx = 0, sy = 0;
-  gtk_native_get_surface_transform(GTK_NATIVE(gEd->win), &sx, &sy);
-  if (!gtk_widget_get_visible(w) || !gtk_widget_translate_coordinates(w, GTK_WIDGET(gEd->win), 0, 0, &x, &y)) {
+  gtk_native_get_surface_transform(GTK_NATIVE(win), &sx, &sy);
+  if (!gtk_widget_get_visible(w) || !gtk_widget_get_mapped(GTK_WIDGET(win)) || gtk_widget_get_width(w) <= 0 ||
+      !gtk_widget_translate_coordinates(w, GTK_WIDGET(win), 0, 0, &x, &y)) {
     out += std::string(name) + " hidden\n";
     return;
   }
@@ -371,14 +383,12 @@ void WidgetBox(GtkWidget* w, std::string& out, const char* name) {
 void WriteState() {
   if (gEd->statePath.empty() || !gtk_widget_get_realized(GTK_WIDGET(gEd->win))) return;
   std::string s;
-  unsigned long xid = 0;
-#ifdef GDK_WINDOWING_X11
-  GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gEd->win));
-  if (GDK_IS_X11_SURFACE(surface)) xid = gdk_x11_surface_get_xid(surface);
-#endif
-  s += "xid " + std::to_string(xid) + "\n";
-  WidgetBox(gEd->canvas, s, "canvas");
-  WidgetBox(gEd->panel, s, "panel");
+  s += "xid " + std::to_string(Xid(gEd->win)) + "\n";
+  WidgetBox(gEd->canvas, s, "canvas", gEd->win);
+  // A panel in its own window is placed in that window's pixels.
+  GtkWindow* panelIn = gEd->panelWin ? gEd->panelWin : gEd->win;
+  WidgetBox(gEd->panel, s, "panel", panelIn);
+  s += "panelxid " + std::to_string(Xid(panelIn)) + "\n";
   const AIRealRect a = gEd->view.area();
   char line[256];
   std::snprintf(line, sizeof line, "view %.17g %.17g %.17g %.17g %.17g\n", gEd->view.panX(), gEd->view.panY(),
@@ -521,6 +531,16 @@ void Zoom(double factor) {
 // ---- The plug-in's panel -------------------------------------------------------------
 
 void DrawPanel(GtkDrawingArea*, cairo_t* cr, int, int, gpointer) {
+  // The state file follows the panel into and out of its own window.
+  static GtkWindow* lastIn = nullptr;
+  static double lastX = -1, lastY = -1;
+  GtkWindow* in = gEd->panelWin ? gEd->panelWin : gEd->win;
+  double x = 0, y = 0;
+  if (gtk_widget_translate_coordinates(gEd->panel, GTK_WIDGET(in), 0, 0, &x, &y) &&
+      (in != lastIn || x != lastX || y != lastY)) {
+    lastIn = in, lastX = x, lastY = y;
+    WriteState();
+  }
   HWND hwnd = gEd->panelWnd;
   if (!hwnd || !IsWindow(hwnd)) return;
   if (lbwinIsInvalid(hwnd)) UpdateWindow(hwnd);
@@ -590,8 +610,51 @@ void PanelCancelled(GtkGesture*, GdkEventSequence*, gpointer) {
 
 void SyncPanelVisibility() {
   const lb::host::PanelInfo* p = lb::host::currentPanel();
-  gtk_widget_set_visible(gEd->panel, p && p->shown && p->window);
+  const bool shown = p && p->shown && p->window;
+  gtk_widget_set_visible(gEd->panel, shown);
+  if (gEd->panelWin) {
+    if (shown)
+      gtk_window_present(gEd->panelWin);
+    else
+      gtk_widget_set_visible(GTK_WIDGET(gEd->panelWin), FALSE);
+  }
   WriteState();
+}
+
+void TogglePanel();
+
+// Moves the panel into a window of its own (beside the editor, which owns
+// it) or back into the editor's window.
+void SetPanelWindowed(bool windowed) {
+  if (windowed == (gEd->panelWin != nullptr)) return;
+  g_object_ref(gEd->panel);
+  if (windowed) {
+    gtk_box_remove(GTK_BOX(gEd->row), gEd->panel);
+    GtkWindow* w = GTK_WINDOW(gtk_window_new());
+    gtk_window_set_application(w, gEd->app);  // the editor's shortcuts work there too
+    gtk_window_set_transient_for(w, gEd->win);
+    gtk_window_set_resizable(w, FALSE);
+    AIMenuItemHandle item = gEd->host->pluginMenuItem();
+    gtk_window_set_title(w, item ? gEd->host->menuItemText(item).c_str() : "Lattice Bender");
+    gtk_window_set_child(w, gEd->panel);
+    // Closing the panel's window hides the panel, as its menu item does.
+    g_signal_connect(w, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer) -> gboolean {
+                       const lb::host::PanelInfo* p = lb::host::currentPanel();
+                       if (p && p->shown) TogglePanel();
+                       return TRUE;
+                     }),
+                     nullptr);
+    g_signal_connect_after(w, "map", G_CALLBACK(+[](GtkWidget*, gpointer) { WriteState(); }), nullptr);
+    gEd->panelWin = w;
+  } else {
+    GtkWindow* w = gEd->panelWin;
+    gEd->panelWin = nullptr;
+    gtk_window_set_child(w, nullptr);
+    gtk_window_destroy(w);
+    gtk_box_append(GTK_BOX(gEd->row), gEd->panel);
+  }
+  g_object_unref(gEd->panel);
+  SyncPanelVisibility();
 }
 
 // ---- Actions ---------------------------------------------------------------------------
@@ -632,6 +695,7 @@ GMenuModel* BuildMenu() {
   AIMenuItemHandle item = gEd->host->pluginMenuItem();
   const std::string label = item ? gEd->host->menuItemText(item) : std::string("Lattice Bender");
   g_menu_append(window, label.c_str(), "app.panel");
+  g_menu_append(window, "Panel in Own Window", "app.panelwindow");
   g_menu_append_submenu(bar, "Window", G_MENU_MODEL(window));
   g_object_unref(file);
   g_object_unref(edit);
@@ -712,6 +776,20 @@ void Activate(GtkApplication* app, gpointer) {
   });
   AddAction("actual", +[] { Zoom(1 / gEd->view.zoom()); });
   AddAction("panel", TogglePanel);
+  {
+    // A check item: the panel in its own window, or docked.
+    GSimpleAction* a = g_simple_action_new_stateful("panelwindow", nullptr, g_variant_new_boolean(FALSE));
+    g_signal_connect(a, "activate", G_CALLBACK(+[](GSimpleAction* action, GVariant*, gpointer) {
+                       GVariant* state = g_action_get_state(G_ACTION(action));
+                       const bool windowed = !g_variant_get_boolean(state);
+                       g_variant_unref(state);
+                       g_simple_action_set_state(action, g_variant_new_boolean(windowed));
+                       SetPanelWindowed(windowed);
+                     }),
+                     nullptr);
+    g_action_map_add_action(G_ACTION_MAP(app), G_ACTION(a));
+    g_object_unref(a);
+  }
   struct Accel {
     const char* action;
     const char* keys[3];
@@ -720,6 +798,7 @@ void Activate(GtkApplication* app, gpointer) {
                           {"app.save", {"<Control>s"}},
                           {"app.saveas", {"<Control><Shift>s"}},
                           {"app.import", {"<Control>i"}},
+                          {"app.panelwindow", {"<Control><Shift>p"}},
                           {"app.export", {"<Control>e"}},
                           {"app.quit", {"<Control>q"}},
                           {"app.undo", {"<Control>z"}},
@@ -782,7 +861,7 @@ void Activate(GtkApplication* app, gpointer) {
   g_signal_connect(keys, "key-released", G_CALLBACK(KeyReleased), nullptr);
   gtk_widget_add_controller(GTK_WIDGET(gEd->win), keys);
 
-  GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+  GtkWidget* row = gEd->row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
   gtk_box_append(GTK_BOX(row), gEd->canvas);
   gtk_box_append(GTK_BOX(row), gEd->panel);
   GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
@@ -790,6 +869,14 @@ void Activate(GtkApplication* app, gpointer) {
   gtk_box_append(GTK_BOX(column), row);
   gtk_window_set_child(gEd->win, column);
   g_signal_connect(gEd->win, "close-request", G_CALLBACK(CloseRequested), nullptr);
+  // The panel's own window goes with the editor's.
+  g_signal_connect(gEd->win, "destroy", G_CALLBACK(+[](GtkWidget*, gpointer) {
+                     if (!gEd->panelWin) return;
+                     GtkWindow* w = gEd->panelWin;
+                     gEd->panelWin = nullptr;
+                     gtk_window_destroy(w);
+                   }),
+                   nullptr);
   g_signal_connect_after(gEd->win, "map", G_CALLBACK(+[](GtkWidget*, gpointer) { WriteState(); }), nullptr);
 
   SyncPanelVisibility();

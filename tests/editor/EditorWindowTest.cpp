@@ -339,6 +339,32 @@ TEST_F(EditorWindow, QuitAsksWhileThereAreUnsavedChanges) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << Slurp(dir / "editor.out");
 }
 
+// Window > Panel in Own Window (Ctrl+Shift+P) moves the panel into a
+// window of its own, where its buttons work as docked; again docks it.
+TEST_F(EditorWindow, PanelWorksInItsOwnWindowAndDocksAgain) {
+  Start();
+  ClickAt(DocToWindow(mesh.P(0, 0)));
+  ClickAt(DocToWindow(mesh.P(1, 0)), "shift");
+  ClickAt(DocToWindow(mesh.P(2, 0)), "shift");
+  WaitHistory(3, 0, true);
+  Save(3, 0);
+  fs::copy_file(dir / "work.lbdoc", dir / "selected.lbdoc");
+  Key("ctrl+shift+p");
+  WaitFor([&](const State& s) { return s.count("panelxid") && s.at("panelxid")[0] != xid && s.at("panel").size() == 4; },
+          "the panel in its own window");
+  const std::string panelXid = state["panelxid"][0];
+  const auto at = PanelToWindow(PanelButtonCentre(kCmdColorReflect));
+  // Without a window manager the panel's window lies over the editor's
+  // corner once raised.
+  Xdo("sleep 0.3 windowraise " + panelXid + " sleep 0.2 mousemove --window " + panelXid + " " +
+      std::to_string(at.first) + " " + std::to_string(at.second) + " sleep 0.1 click 1");
+  WaitHistory(4, 0, true);
+  EXPECT_EQ(Save(4, 0), Run(dir / "selected.lbdoc", {"137"}));
+  Key("ctrl+shift+p");
+  WaitFor([&](const State& s) { return s.count("panelxid") && s.at("panelxid")[0] == xid && s.at("panel").size() == 4; },
+          "the panel docked");
+}
+
 // A PDF without its dates (cairo stamps the time of writing).
 std::string WithoutDates(const std::string& pdf) {
   std::istringstream in(pdf);
