@@ -809,8 +809,8 @@ class Renderer {
     return true;
   }
 
-  // Small marks at device points: stamped into an image target, else drawn
-  // one by one.
+  // Small marks at device points: stamped into an image target (past any
+  // clip of cr; the callers draw marks unclipped), else drawn one by one.
   void marks(MarkStamps::Kind kind, const std::vector<AIRealPoint>& at) {
     if (at.empty()) return;
     cairo_surface_t* target = cairo_get_group_target(cr_);
