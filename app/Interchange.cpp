@@ -27,7 +27,12 @@ bool endsWith(const std::string& s, const std::string& tail) {
   return true;
 }
 
-void warn(const std::string& line) { std::cerr << "latticebender: warning: " << line << "\n"; }
+void warn(const std::string& line, Warnings* warnings = nullptr) {
+  if (warnings)
+    warnings->push_back(line);
+  else
+    std::cerr << "latticebender: warning: " << line << "\n";
+}
 
 void writeTextAtomic(const std::string& text, const std::string& path) {
   const std::string tmp = path + ".tmp" + std::to_string(::getpid());
@@ -49,17 +54,21 @@ void writeTextAtomic(const std::string& text, const std::string& path) {
 // A picture holds what is drawn: the art tree, names, ids, selections and
 // hidden art are not part of it, as expected of PDF and PNG. Art that
 // would be drawn and cannot be is named.
-void pictureLosses(const lb::host::Document& doc, const std::string& path) {
+void pictureLosses(const lb::host::Document& doc, const std::string& path, Warnings* warnings) {
   lb::io::svg::Losses losses;
   for (const ArtObject* a : doc.allArt())
     if (a->type == kPlacedArt && a->image.placedType != kPlacedImageType && !a->hidden())
       losses.add("placed content that is not an image");
-  if (!losses.empty()) warn(path + " cannot hold: " + losses.text());
+  if (!losses.empty()) warn(path + " cannot hold: " + losses.text(), warnings);
 }
 
 }  // namespace
 
 bool isSvgPath(const std::string& path) { return endsWith(path, ".svg"); }
+
+bool isExportPath(const std::string& path) {
+  return endsWith(path, ".svg") || endsWith(path, ".pdf") || endsWith(path, ".png");
+}
 
 std::vector<std::string> splitIds(const std::string& text) {
   std::vector<std::string> ids;
@@ -70,7 +79,8 @@ std::vector<std::string> splitIds(const std::string& text) {
   return ids;
 }
 
-std::unique_ptr<lb::host::Document> readAnyDocument(const std::string& path, const std::vector<std::string>& select) {
+std::unique_ptr<lb::host::Document> readAnyDocument(const std::string& path, const std::vector<std::string>& select,
+                                                    Warnings* warnings) {
   if (!isSvgPath(path)) {
     auto doc = lb::io::readDocumentFile(path);
     for (const std::string& id : select) {
@@ -87,7 +97,7 @@ std::unique_ptr<lb::host::Document> readAnyDocument(const std::string& path, con
   lb::io::svg::Losses losses;
   try {
     auto doc = lb::io::svg::readSvg(ss.str(), select, &losses);
-    if (!losses.empty()) warn(path + ": not kept: " + losses.text());
+    if (!losses.empty()) warn(path + ": not kept: " + losses.text(), warnings);
     return doc;
   } catch (const lb::io::FormatError& e) {
     throw lb::io::FormatError(path + ": " + e.path(), std::string(e.what()).substr(e.path().size() + 2));
@@ -101,20 +111,20 @@ std::string svgText(const lb::host::Document& doc) {
   return text;
 }
 
-void writeAnyDocument(const lb::host::Document& doc, const std::string& path, double scale) {
+void writeAnyDocument(const lb::host::Document& doc, const std::string& path, double scale, Warnings* warnings) {
   if (isSvgPath(path)) {
     lb::io::svg::Losses losses;
     const std::string text = lb::io::svg::writeSvg(doc, &losses);
     writeTextAtomic(text, path);
-    if (!losses.empty()) warn(path + " cannot hold: " + losses.text());
+    if (!losses.empty()) warn(path + " cannot hold: " + losses.text(), warnings);
   } else if (endsWith(path, ".pdf")) {
     lb::render::writePdf(doc, path);
-    pictureLosses(doc, path);
+    pictureLosses(doc, path, warnings);
   } else if (endsWith(path, ".png")) {
     lb::render::RenderOptions options;
     options.scale = scale;
     lb::render::renderDocumentPng(doc, path, options);
-    pictureLosses(doc, path);
+    pictureLosses(doc, path, warnings);
   } else {
     lb::io::writeDocumentFileAtomic(doc, path);
   }
@@ -139,14 +149,8 @@ bool InterchangeCommands::run(int* status) {
     *status = 2;
     return true;
   }
-  if (!importing && !(isSvgPath(out_) || out_.size() >= 4)) {
-    std::cerr << "latticebender: export writes .svg, .pdf or .png\n";
-    *status = 2;
-    return true;
-  }
   if (!importing) {
-    const std::string lower = out_.substr(out_.size() - 4);
-    if (!isSvgPath(out_) && lower != ".pdf" && lower != ".png" && lower != ".PDF" && lower != ".PNG") {
+    if (!isExportPath(out_)) {
       std::cerr << "latticebender: export writes .svg, .pdf or .png, not '" << out_ << "'\n";
       *status = 2;
       return true;

@@ -17,15 +17,25 @@ namespace lb::app {
 // True when the path names an SVG file (by its extension).
 bool isSvgPath(const std::string& path);
 
+// Warning lines of a read or a write: what a format cannot hold. Without
+// one, the lines go to stderr.
+using Warnings = std::vector<std::string>;
+
 // Reads .svg (with `select` naming the ids to select) or .lbdoc. Throws
-// lb::io::FormatError for bad input; writes one warning line to stderr for
-// whatever the document cannot hold.
-std::unique_ptr<lb::host::Document> readAnyDocument(const std::string& path, const std::vector<std::string>& select);
+// lb::io::FormatError for bad input; one warning line names whatever the
+// document cannot hold.
+std::unique_ptr<lb::host::Document> readAnyDocument(const std::string& path, const std::vector<std::string>& select,
+                                                    Warnings* warnings = nullptr);
 
 // Writes by the extension: .svg, .pdf, .png, else .lbdoc; atomically. One
-// warning line on stderr names what the format cannot hold. Throws
-// std::runtime_error on failure.
-void writeAnyDocument(const lb::host::Document& doc, const std::string& path, double scale = 1);
+// warning line names what the format cannot hold. Throws
+// std::runtime_error on failure and leaves no file behind.
+void writeAnyDocument(const lb::host::Document& doc, const std::string& path, double scale = 1,
+                      Warnings* warnings = nullptr);
+
+// True when the path ends in .svg, .pdf or .png (any case): what
+// writeAnyDocument exports.
+bool isExportPath(const std::string& path);
 
 // The document as SVG text; one warning line on stderr names what SVG
 // cannot hold.

@@ -308,6 +308,41 @@ std::unique_ptr<ArtObject> Document::deepCopy(const ArtObject& src) const {
   return a;
 }
 
+std::unique_ptr<ArtObject> Document::exactCopy(const ArtObject& src) {
+  auto a = std::make_unique<ArtObject>();
+  a->type = src.type;
+  a->id = src.id;
+  a->name = src.name;
+  a->userAttr = src.userAttr;
+  a->opacity = src.opacity;
+  a->blendMode = src.blendMode;
+  a->graphicStyle = src.graphicStyle;
+  a->pixelPerfect = src.pixelPerfect;
+  a->isLayer = src.isLayer;
+  a->segments = src.segments;
+  a->segmentSelection = src.segmentSelection;
+  a->closed = src.closed;
+  a->style = src.style;
+  a->image = src.image;
+  if (src.mesh) a->mesh = std::make_unique<GradientMesh>(*src.mesh);
+  a->children.reserve(src.children.size());
+  for (const auto& c : src.children) a->children.push_back(exactCopy(*c));
+  return a;
+}
+
+std::unique_ptr<Document> Document::clone() const {
+  auto d = std::make_unique<Document>();
+  d->artboard = artboard;
+  d->keyArtId = keyArtId;
+  for (const auto& s : styles_) d->styles_.push_back(std::make_unique<GraphicStyle>(*s));
+  for (const auto& l : layers_) {
+    d->layers_.push_back(exactCopy(*l));
+    d->layers_.back()->parent = nullptr;
+    d->registerTree(d->layers_.back().get());
+  }
+  return d;
+}
+
 AIErr Document::duplicateArt(ArtObject* art, int16_t paintOrder, ArtObject* prep, ArtObject** out) {
   if (!contains(art)) return kNoSuchArtErr;
   if (art->isLayer) return kBadParameterErr;

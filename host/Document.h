@@ -93,6 +93,9 @@ class Document {
   ~Document();
   Document(const Document&) = delete;
   Document& operator=(const Document&) = delete;
+  // An independent copy of everything: layers, art with ids and
+  // selection, styles, artboard, key object.
+  std::unique_ptr<Document> clone() const;
 
   // ---- layers (top layer first) ----
   const std::vector<std::unique_ptr<ArtObject>>& layers() const { return layers_; }
@@ -178,6 +181,7 @@ class Document {
   void registerTree(ArtObject* art);
   void unregisterTree(const ArtObject* art);
   std::unique_ptr<ArtObject> deepCopy(const ArtObject& art) const;
+  static std::unique_ptr<ArtObject> exactCopy(const ArtObject& art);
 
   std::vector<std::unique_ptr<ArtObject>> layers_;
   std::vector<std::unique_ptr<GraphicStyle>> styles_;

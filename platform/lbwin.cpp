@@ -136,8 +136,12 @@ std::string ToUtf8(const wchar_t* s, size_t n) {
 
 // cairo keeps the font faces it has looked up (and fontconfig's patterns
 // with them) for the life of the process; give them back at exit so that
-// leak checkers see a clean process.
+// leak checkers see a clean process, unless the host said another user
+// (a toolkit) still holds fonts then: cairo refuses (aborts) to reset its
+// static data while fonts are in use.
+bool gKeepFontCaches = false;
 void ReleaseFontCaches() {
+  if (gKeepFontCaches) return;
   cairo_debug_reset_static_data();
   FcFini();
 }
@@ -613,6 +617,8 @@ void lbwinPaint(HWND hwnd) {
 }
 
 BOOL lbwinIsInvalid(HWND hwnd) { return Valid(hwnd) && hwnd->invalid ? TRUE : FALSE; }
+
+void lbwinKeepFontCachesAtExit(void) { gKeepFontCaches = true; }
 
 void lbwinSetKeyState(int vk, BOOL down) { gKeys[vk] = down != FALSE; }
 

@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 
@@ -170,6 +171,95 @@ class SafePath {
   AIRealPoint cur_{0, 0};
 };
 
+// The small marks of the selection look (vertex squares, knot and handle
+// dots), drawn by cairo once per quarter-pixel position and then copied
+// into an image: a mesh has tens of thousands of them, and one cairo fill
+// each (or one fill of a path of all, whose overlaps the tessellator must
+// resolve) costs far more than copying 9 x 9 pixels.
+class MarkStamps {
+ public:
+  enum Kind { kKnot, kHandleEnd, kChosen, kPlain, kKinds };
+  static constexpr int kSize = 9, kCentre = 4, kPhases = 4;
+
+  static const MarkStamps& get() {
+    static const MarkStamps stamps;
+    return stamps;
+  }
+
+  // Draws one mark as cairo would, centred at device point p.
+  static void path(cairo_t* cr, Kind kind, double x, double y) {
+    const double blue[3] = {0.16, 0.43, 0.96};
+    cairo_new_path(cr);
+    cairo_set_source_rgb(cr, blue[0], blue[1], blue[2]);
+    switch (kind) {
+      case kKnot: cairo_arc(cr, x, y, 1.5, 0, 2 * M_PI); cairo_fill(cr); break;
+      case kHandleEnd: cairo_arc(cr, x, y, 2, 0, 2 * M_PI); cairo_fill(cr); break;
+      case kChosen: cairo_rectangle(cr, x - 2.5, y - 2.5, 5, 5); cairo_fill(cr); break;
+      default:
+        cairo_rectangle(cr, x - 2.5, y - 2.5, 5, 5);
+        cairo_set_source_rgb(cr, 1, 1, 1);
+        cairo_fill_preserve(cr);
+        cairo_set_source_rgb(cr, blue[0], blue[1], blue[2]);
+        cairo_set_line_width(cr, 1);
+        cairo_stroke(cr);
+        break;
+    }
+  }
+
+  // Lays the mark over an ARGB32 image (premultiplied OVER, as cairo
+  // composites), its centre at device point (x, y) rounded to a quarter pixel.
+  void blit(uint32_t* px, int width, int height, int stride, Kind kind, double x, double y) const {
+    const long qx = std::lround(x * kPhases), qy = std::lround(y * kPhases);
+    const long ix = floorDiv(qx), iy = floorDiv(qy);
+    const uint32_t* s = stamp_[kind][qy - iy * kPhases][qx - ix * kPhases];
+    for (int r = 0; r < kSize; ++r) {
+      const long row = iy - kCentre + r;
+      if (row < 0 || row >= height) continue;
+      uint32_t* d = px + row * stride;
+      for (int k = 0; k < kSize; ++k) {
+        const long col = ix - kCentre + k;
+        const uint32_t src = s[r * kSize + k];
+        if (col < 0 || col >= width || src == 0) continue;
+        d[col] = (src >> 24) == 255 ? src : over(src, d[col]);
+      }
+    }
+  }
+
+ private:
+  MarkStamps() {
+    cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSize, kSize);
+    for (int kind = 0; kind < kKinds; ++kind)
+      for (int py = 0; py < kPhases; ++py)
+        for (int px = 0; px < kPhases; ++px) {
+          cairo_t* cr = cairo_create(s);
+          cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
+          cairo_paint(cr);
+          cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
+          path(cr, static_cast<Kind>(kind), kCentre + double(px) / kPhases, kCentre + double(py) / kPhases);
+          cairo_destroy(cr);
+          cairo_surface_flush(s);
+          const unsigned char* data = cairo_image_surface_get_data(s);
+          const int stride = cairo_image_surface_get_stride(s);
+          for (int r = 0; r < kSize; ++r)
+            std::memcpy(stamp_[kind][py][px] + r * kSize, data + r * stride, kSize * 4);
+        }
+    cairo_surface_destroy(s);
+  }
+  static long floorDiv(long q) { return q >= 0 ? q / kPhases : -((-q + kPhases - 1) / kPhases); }
+  static uint32_t over(uint32_t s, uint32_t d) {
+    const uint32_t ia = 255 - (s >> 24);
+    uint32_t out = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+      const uint32_t t = ((d >> shift) & 255) * ia + 0x80;
+      const uint32_t v = std::min<uint32_t>(255, ((s >> shift) & 255) + (((t >> 8) + t) >> 8));
+      out |= v << shift;
+    }
+    return out;
+  }
+
+  uint32_t stamp_[kKinds][kPhases][kPhases][kSize * kSize];
+};
+
 class Renderer {
  public:
   Renderer(const Document& doc, cairo_t* cr, const RenderOptions& opt, const AIRealRect& area)
@@ -178,8 +268,23 @@ class Renderer {
   void draw() {
     const auto& layers = doc_.layers();
     for (auto it = layers.rbegin(); it != layers.rend(); ++it) drawArt(**it);
-    if (opt_.selection)
+    if (opt_.selection && !selectedMeshes_.empty()) {
+      // The marks are drawn apart and laid over the picture, as the editor
+      // lays its cached marks over its cached picture.
+      cairo_push_group(cr_);
       for (const ArtObject* m : selectedMeshes_) drawSelection(*m->mesh);
+      cairo_pop_group_to_source(cr_);
+      cairo_paint(cr_);
+    }
+  }
+
+  // Only the selection marks, of the meshes draw() would mark, those
+  // reaching into `visible` (device pixels; null: all).
+  void drawMarks(const PixelRect* visible) {
+    visible_ = visible;
+    const auto& layers = doc_.layers();
+    for (auto it = layers.rbegin(); it != layers.rend(); ++it) collectMarked(**it);
+    for (const ArtObject* m : selectedMeshes_) drawSelection(*m->mesh);
   }
 
  private:
@@ -187,6 +292,15 @@ class Renderer {
     cairo_matrix_t m;
     cairo_matrix_init(&m, opt_.scale, 0, 0, -opt_.scale, -area_.left * opt_.scale, area_.top * opt_.scale);
     cairo_set_matrix(cr_, &m);
+  }
+
+  void collectMarked(const ArtObject& art) {
+    if (art.hidden()) return;
+    if (art.type == kMeshArt) {
+      if (art.mesh && art.selected() && finiteRuns(*art.mesh)) selectedMeshes_.push_back(&art);
+      return;
+    }
+    for (auto it = art.children.rbegin(); it != art.children.rend(); ++it) collectMarked(**it);
   }
 
   void drawArt(const ArtObject& art) {
@@ -568,7 +682,12 @@ class Renderer {
   }
 
   // Direct-selection look: grid lines, vertices as squares (filled when
-  // selected), knots as small circles, and the handles of selected vertices.
+  // selected), knots as small circles, and the handles of selected
+  // vertices. Lines are stroked as one path per direction (lines of one
+  // direction do not cross, so cairo has no crossings to resolve); the
+  // small marks are stamped (MarkStamps) when drawing into an image. Marks
+  // wholly outside `visible_` (device pixels) are left out, so the cost
+  // follows what is seen rather than the size of the mesh.
   void drawSelection(const GradientMesh& mesh) {
     cairo_identity_matrix(cr_);
     auto dev = [&](AIRealPoint p) {
@@ -576,54 +695,110 @@ class Renderer {
     };
     // Marks far outside the picture are left out.
     auto near = [](AIRealPoint d) { return std::fabs(d.h) < SafePath::kReach && std::fabs(d.v) < SafePath::kReach; };
+    // A mark reaches at most 3.5 pixels from its point.
+    constexpr double kMark = 4;
+    auto seen = [&](double x0, double y0, double x1, double y1) {
+      return !visible_ || (x1 >= visible_->x0 - kMark && x0 <= visible_->x1 + kMark && y1 >= visible_->y0 - kMark &&
+                           y0 <= visible_->y1 + kMark);
+    };
+    auto seenPoint = [&](AIRealPoint d) { return near(d) && seen(d.h, d.v, d.h, d.v); };
     const double blue[3] = {0.16, 0.43, 0.96};
-    cairo_set_source_rgb(cr_, blue[0], blue[1], blue[2]);
-    cairo_set_line_width(cr_, 1);
-    for (int axis = 0; axis < 2; ++axis)
+    auto stroke = [&] {
+      cairo_set_source_rgb(cr_, blue[0], blue[1], blue[2]);
+      cairo_set_line_width(cr_, 1);
+      cairo_stroke(cr_);
+    };
+    std::vector<AIRealPoint> knots, ends, chosen, plain;
+    std::vector<AIRealPoint> d3;
+    cairo_new_path(cr_);
+    for (int axis = 0; axis < 2; ++axis) {
       for (int j = 0; j <= mesh.sizeJ() - axis; ++j)
         for (int i = 0; i <= mesh.sizeI() - (1 - axis); ++i) {
           const auto& pts = mesh.runPoints(axis, i, j);
+          d3.clear();
+          double x0 = HUGE_VAL, y0 = HUGE_VAL, x1 = -HUGE_VAL, y1 = -HUGE_VAL;
+          for (const AIRealPoint& p : pts) {
+            const AIRealPoint d = dev(p);
+            d3.push_back(d);
+            x0 = std::min(x0, d.h), x1 = std::max(x1, d.h), y0 = std::min(y0, d.v), y1 = std::max(y1, d.v);
+          }
+          // A run lies inside the hull of its control points.
+          if (!seen(x0, y0, x1, y1)) continue;
           SafePath line(cr_);
-          line.moveTo(dev(pts[0]));
-          for (size_t k = 1; k + 2 < pts.size(); k += 3) line.curveTo(dev(pts[k]), dev(pts[k + 1]), dev(pts[k + 2]));
-          cairo_stroke(cr_);
+          line.moveTo(d3[0]);
+          for (size_t k = 1; k + 2 < d3.size(); k += 3)
+            if (straight(d3[k - 1], d3[k], d3[k + 1], d3[k + 2]))
+              line.lineTo(d3[k + 2]);
+            else
+              line.curveTo(d3[k], d3[k + 1], d3[k + 2]);
+          if (d3.size() <= 4) continue;
           const MeshRunData d = mesh.runData(axis, i, j);
           for (size_t k = 0; k < d.inner.size(); ++k)
-            if (!d.inner[k].vertex) {
-              const AIRealPoint q = dev(pts[3 * (k + 1)]);
-              if (!near(q)) continue;
-              cairo_new_sub_path(cr_);
-              cairo_arc(cr_, q.h, q.v, 1.5, 0, 2 * M_PI);
-              cairo_fill(cr_);
-            }
+            if (!d.inner[k].vertex && seenPoint(d3[3 * (k + 1)])) knots.push_back(d3[3 * (k + 1)]);
         }
-    for (lb::host::VertexId v = mesh.firstVertex(); v != lb::host::kNoVertex; v = mesh.nextVertex(v)) {
-      const AIRealPoint p = dev(mesh.point(v));
-      const bool sel = mesh.selected(v);
-      if (sel) {
-        for (int dir = 0; dir < 4; ++dir) {
+      stroke();
+    }
+    marks(MarkStamps::kKnot, knots);
+    // Handles of the selected vertices: lines along I, then along J, then
+    // their ends.
+    for (int axis = 0; axis < 2 && !mesh.isSelectionEmpty(); ++axis) {
+      for (lb::host::VertexId v = mesh.firstVertex(); v != lb::host::kNoVertex; v = mesh.nextVertex(v)) {
+        if (!mesh.selected(v)) continue;
+        const AIRealPoint p = dev(mesh.point(v));
+        for (int dir = axis; dir < 4; dir += 2) {
           if (!mesh.hasSegment(v, dir)) continue;
           const AIRealPoint h = dev(mesh.tangent(v, dir));
+          if (!seen(std::min(p.h, h.h), std::min(p.v, h.v), std::max(p.h, h.h), std::max(p.v, h.v))) continue;
           SafePath handle(cr_);
           handle.moveTo(p);
           handle.lineTo(h);
-          cairo_stroke(cr_);
-          if (!near(h)) continue;
-          cairo_arc(cr_, h.h, h.v, 2, 0, 2 * M_PI);
-          cairo_fill(cr_);
+          if (seenPoint(h)) ends.push_back(h);
         }
       }
-      if (!near(p)) continue;
-      cairo_rectangle(cr_, p.h - 2.5, p.v - 2.5, 5, 5);
-      if (sel) {
-        cairo_fill(cr_);
-      } else {
-        cairo_set_source_rgb(cr_, 1, 1, 1);
-        cairo_fill_preserve(cr_);
-        cairo_set_source_rgb(cr_, blue[0], blue[1], blue[2]);
-        cairo_stroke(cr_);
-      }
+      stroke();
     }
+    marks(MarkStamps::kHandleEnd, ends);
+    for (lb::host::VertexId v = mesh.firstVertex(); v != lb::host::kNoVertex; v = mesh.nextVertex(v)) {
+      const AIRealPoint p = dev(mesh.point(v));
+      if (seenPoint(p)) (mesh.selected(v) ? chosen : plain).push_back(p);
+    }
+    marks(MarkStamps::kPlain, plain);
+    marks(MarkStamps::kChosen, chosen);
+  }
+
+  // A cubic piece that is drawn as its chord: handles on the chord, within
+  // it, so the curve traces the chord (its speed along it does not show).
+  static bool straight(AIRealPoint a, AIRealPoint b, AIRealPoint c, AIRealPoint d) {
+    const double dx = d.h - a.h, dy = d.v - a.v, len2 = dx * dx + dy * dy;
+    if (!(len2 > 0)) return false;
+    for (const AIRealPoint& p : {b, c}) {
+      const double ex = p.h - a.h, ey = p.v - a.v;
+      const double t = (ex * dx + ey * dy) / len2;
+      const double off = (ex * dy - ey * dx);
+      if (t < 0 || t > 1 || off * off > 1e-6 * len2) return false;
+    }
+    return true;
+  }
+
+  // Small marks at device points: stamped into an image target (past any
+  // clip of cr; the callers draw marks unclipped), else drawn one by one.
+  void marks(MarkStamps::Kind kind, const std::vector<AIRealPoint>& at) {
+    if (at.empty()) return;
+    cairo_surface_t* target = cairo_get_group_target(cr_);
+    if (cairo_surface_get_type(target) == CAIRO_SURFACE_TYPE_IMAGE &&
+        cairo_image_surface_get_format(target) == CAIRO_FORMAT_ARGB32) {
+      cairo_surface_flush(target);
+      double ox = 0, oy = 0;
+      cairo_surface_get_device_offset(target, &ox, &oy);
+      auto* px = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(target));
+      const int w = cairo_image_surface_get_width(target), h = cairo_image_surface_get_height(target);
+      const int stride = cairo_image_surface_get_stride(target) / 4;
+      const MarkStamps& stamps = MarkStamps::get();
+      for (const AIRealPoint& p : at) stamps.blit(px, w, h, stride, kind, p.h + ox, p.v + oy);
+      cairo_surface_mark_dirty(target);
+      return;
+    }
+    for (const AIRealPoint& p : at) MarkStamps::path(cr_, kind, p.h, p.v);
   }
 
   using MeshRunData = lb::host::MeshRunData;
@@ -640,6 +815,7 @@ class Renderer {
   RenderOptions opt_;
   AIRealRect area_;
   std::vector<const ArtObject*> selectedMeshes_;
+  const PixelRect* visible_ = nullptr;
 };
 
 }  // namespace
@@ -746,6 +922,14 @@ Image renderDocument(const Document& doc, const RenderOptions& options) {
 
 void drawDocument(const Document& doc, cairo_t* cr, const RenderOptions& options, const AIRealRect& area) {
   Renderer(doc, cr, options, area).draw();
+}
+
+void drawSelectionMarks(const Document& doc, cairo_t* cr, double scale, const AIRealRect& area,
+                        const PixelRect* visible) {
+  RenderOptions o;
+  o.scale = scale;
+  o.selection = true;
+  Renderer(doc, cr, o, area).drawMarks(visible);
 }
 
 void renderDocumentPng(const Document& doc, const std::string& outPng, const RenderOptions& options) {

@@ -62,6 +62,18 @@ Image renderDocument(const lb::host::Document& doc, const RenderOptions& options
 // PDF export draws through this onto cairo's PDF surface.
 void drawDocument(const lb::host::Document& doc, cairo_t* cr, const RenderOptions& options, const AIRealRect& area);
 
+// A rectangle of device pixels: x0 <= x1, y0 <= y1.
+struct PixelRect {
+  double x0, y0, x1, y1;
+};
+
+// Draws only the selection marks that renderDocument with `selection`
+// lays over the picture, in cr's device space (`area`'s top-left corner at
+// device (0, 0), `scale` device pixels per unit), leaving out marks wholly
+// outside `visible` (null: none left out).
+void drawSelectionMarks(const lb::host::Document& doc, cairo_t* cr, double scale, const AIRealRect& area,
+                        const PixelRect* visible = nullptr);
+
 // Writes the picture as PNG (fast zlib level), atomically (temporary file,
 // then rename).
 // Throws std::runtime_error on failure and leaves no file behind.

@@ -1,4 +1,4 @@
-// The editor's history, direct-selection tool and cached canvas picture.
+// The editor's direct-selection tool and cached canvas picture and marks.
 #include "app/editor/EditorCore.h"
 
 #include <algorithm>
@@ -10,27 +10,6 @@ using lb::host::Document;
 using lb::host::GradientMesh;
 using lb::host::kNoVertex;
 using lb::host::VertexId;
-
-// ---- History ------------------------------------------------------------------
-
-void History::push(std::string before) {
-  undo_.push_back(std::move(before));
-  redo_.clear();
-}
-
-std::string History::undo(std::string current) {
-  std::string s = std::move(undo_.back());
-  undo_.pop_back();
-  redo_.push_back(std::move(current));
-  return s;
-}
-
-std::string History::redo(std::string current) {
-  std::string s = std::move(redo_.back());
-  redo_.pop_back();
-  undo_.push_back(std::move(current));
-  return s;
-}
 
 // ---- Direct selection ---------------------------------------------------------
 
@@ -179,6 +158,7 @@ CanvasView::~CanvasView() {
     cairo_surface_finish(surface_);
     cairo_surface_destroy(surface_);
   }
+  if (marks_) cairo_surface_destroy(marks_);
 }
 
 void CanvasView::setZoom(double zoom, double anchorX, double anchorY) {
@@ -189,7 +169,7 @@ void CanvasView::setZoom(double zoom, double anchorX, double anchorY) {
   toView(d, &x, &y);
   panX_ += anchorX - x;
   panY_ += anchorY - y;
-  stale_ = true;
+  stale_ = marksStale_ = true;
 }
 
 void CanvasView::fit(const Document& doc, int w, int h) {
@@ -201,7 +181,7 @@ void CanvasView::fit(const Document& doc, int w, int h) {
   panX_ = (w - aw * zoom_) / 2;
   panY_ = (h - ah * zoom_) / 2;
   area_ = a;
-  stale_ = true;
+  stale_ = marksStale_ = true;
 }
 
 AIRealPoint CanvasView::toDoc(double x, double y) const {
@@ -229,7 +209,6 @@ bool CanvasView::refresh(const Document& doc) {
   s = std::min(s, std::sqrt(32.0 * 1024 * 1024 / (aw * ah)));
   lb::render::RenderOptions o;
   o.scale = std::max(s, 0.0001);
-  o.selection = true;
   // The old surface goes first: cairo may still read its pixels (copying
   // them for a snapshot) when it is destroyed.
   if (surface_) {
@@ -243,11 +222,58 @@ bool CanvasView::refresh(const Document& doc) {
                                                  CAIRO_FORMAT_ARGB32, image_.width, image_.height,
                                                  image_.width * 4);
   stale_ = false;
+  marksStale_ = true;
+  return true;
+}
+
+namespace {
+
+bool anySelectedMesh(const Document& doc) {
+  for (const ArtObject* a : doc.allArt())
+    if (a->type == kMeshArt && a->mesh && a->selected()) return true;
+  return false;
+}
+
+}  // namespace
+
+bool CanvasView::refreshMarks(const Document& doc, int w, int h) {
+  // The view in picture pixels at the current zoom.
+  const int vx0 = -static_cast<int>(std::round(panX_)), vy0 = -static_cast<int>(std::round(panY_));
+  const int vx1 = vx0 + w, vy1 = vy0 + h;
+  const double pw = std::ceil((area_.right - area_.left) * zoom_ - 1e-9);
+  const double ph = std::ceil((area_.top - area_.bottom) * zoom_ - 1e-9);
+  auto clampX = [&](double x) { return static_cast<int>(std::clamp(x, 0.0, std::max(pw, 0.0))); };
+  auto clampY = [&](double y) { return static_cast<int>(std::clamp(y, 0.0, std::max(ph, 0.0))); };
+  const bool covered = clampX(vx0) >= marksX_ && clampY(vy0) >= marksY_ && clampX(vx1) <= marksX_ + marksW_ &&
+                       clampY(vy1) <= marksY_ + marksH_;
+  if (!marksStale_ && (covered || !anyMarks_)) return false;
+  marksStale_ = false;
+  if (marks_) cairo_surface_destroy(marks_);
+  marks_ = nullptr;
+  marksW_ = marksH_ = 0;
+  anyMarks_ = anySelectedMesh(doc);
+  if (!anyMarks_) return true;
+  // The view and a quarter of it on every side, so that short pans need
+  // no new marks; marks outside the picture are not shown.
+  marksX_ = clampX(vx0 - w / 4), marksY_ = clampY(vy0 - h / 4);
+  marksW_ = clampX(vx1 + w / 4) - marksX_, marksH_ = clampY(vy1 + h / 4) - marksY_;
+  if (marksW_ <= 0 || marksH_ <= 0) return true;
+  marks_ = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, marksW_, marksH_);
+  cairo_surface_set_device_offset(marks_, -marksX_, -marksY_);
+  cairo_t* cr = cairo_create(marks_);
+  const lb::render::PixelRect visible{double(marksX_), double(marksY_), double(marksX_ + marksW_),
+                                      double(marksY_ + marksH_)};
+  lb::render::drawSelectionMarks(doc, cr, zoom_, area_, &visible);
+  cairo_destroy(cr);
+  cairo_surface_flush(marks_);
+  // Painted from its own top-left pixel from now on.
+  cairo_surface_set_device_offset(marks_, 0, 0);
   return true;
 }
 
 void CanvasView::paint(cairo_t* cr, const Document& doc, int w, int h) {
   refresh(doc);
+  refreshMarks(doc, w, h);
   cairo_save(cr);
   cairo_set_source_rgb(cr, 0.62, 0.62, 0.62);
   cairo_rectangle(cr, 0, 0, w, h);
@@ -259,6 +285,16 @@ void CanvasView::paint(cairo_t* cr, const Document& doc, int w, int h) {
   cairo_pattern_set_filter(cairo_get_source(cr), std::fabs(k - 1) > 1e-9 ? CAIRO_FILTER_GOOD : CAIRO_FILTER_FAST);
   cairo_paint(cr);
   cairo_restore(cr);
+  if (marks_) {
+    // The marks are drawn at the zoom itself, sharp however the picture is
+    // magnified.
+    cairo_save(cr);
+    cairo_translate(cr, std::round(panX_), std::round(panY_));
+    cairo_set_source_surface(cr, marks_, marksX_, marksY_);
+    cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_FAST);
+    cairo_paint(cr);
+    cairo_restore(cr);
+  }
 }
 
 }  // namespace lb::editor

@@ -15,23 +15,37 @@
 
 namespace lb::editor {
 
-// Undo and redo as whole-document snapshots in .lbdoc text: exact, and
-// independent of what a command or an edit touched.
+// Undo and redo as whole-document snapshots (the editor keeps copies of
+// the host document): exact, and independent of what a command or an edit
+// touched.
+template <class State>
 class History {
  public:
   // Records the state before a change; clears the redo list.
-  void push(std::string before);
+  void push(State before) {
+    undo_.push_back(std::move(before));
+    redo_.clear();
+  }
   bool canUndo() const { return !undo_.empty(); }
   bool canRedo() const { return !redo_.empty(); }
   size_t undoCount() const { return undo_.size(); }
   size_t redoCount() const { return redo_.size(); }
   // Returns the state to restore; `current` goes to the other list.
-  std::string undo(std::string current);
-  std::string redo(std::string current);
+  State undo(State current) { return step(undo_, redo_, std::move(current)); }
+  State redo(State current) { return step(redo_, undo_, std::move(current)); }
 
  private:
-  std::vector<std::string> undo_, redo_;
+  static State step(std::vector<State>& from, std::vector<State>& to, State current) {
+    State s = std::move(from.back());
+    from.pop_back();
+    to.push_back(std::move(current));
+    return s;
+  }
+  std::vector<State> undo_, redo_;
 };
+
+// The editor's history: copies of the document.
+using DocumentHistory = History<std::unique_ptr<lb::host::Document>>;
 
 // What lies under a point of the document, topmost first.
 struct Hit {
@@ -64,13 +78,17 @@ void moveHandle(ArtObject* mesh, lb::host::VertexId v, int dir, double dx, doubl
 // Everything deselected: art and mesh vertices.
 bool deselectAll(lb::host::Document& doc);
 
-// The canvas: a zoom and a pan over the document's drawing area, and the
-// rendered picture (with the selection overlay) kept until the document
-// changes or the zoom does. A frame only paints the cached picture.
+// The canvas: a zoom and a pan over the document's drawing area, the
+// rendered picture of the document kept until the document changes or the
+// zoom does, and the selection marks over it, drawn apart for the part of
+// the picture in and around the view and kept until the selection changes
+// or the view moves beyond that part. A frame only paints the two.
 class CanvasView {
  public:
   // Marks the cached picture stale (after any change of the document).
-  void invalidate() { stale_ = true; }
+  void invalidate() { stale_ = marksStale_ = true; }
+  // Marks only the selection marks stale (after a change of selection).
+  void invalidateMarks() { marksStale_ = true; }
   void setZoom(double zoom, double anchorX, double anchorY);
   double zoom() const { return zoom_; }
   void panBy(double dx, double dy) { panX_ += dx; panY_ += dy; }
@@ -89,8 +107,18 @@ class CanvasView {
   void paint(cairo_t* cr, const lb::host::Document& doc, int w, int h);
   // Renders the picture now if stale; returns whether it did.
   bool refresh(const lb::host::Document& doc);
+  // Draws the marks for a w x h view now if stale or if the view has left
+  // the part they cover; returns whether it did.
+  bool refreshMarks(const lb::host::Document& doc, int w, int h);
 
  private:
+  // The marks: view pixels relative to the picture's top-left corner at
+  // the current zoom, covering (marksX_, marksY_) + marksW_ x marksH_.
+  cairo_surface_t* marks_ = nullptr;
+  int marksX_ = 0, marksY_ = 0, marksW_ = 0, marksH_ = 0;
+  bool marksStale_ = true;
+  bool anyMarks_ = false;
+
   double zoom_ = 1, panX_ = 20, panY_ = 20;
   bool stale_ = true;
   AIRealRect area_{0, 0, 0, 0};

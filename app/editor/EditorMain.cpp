@@ -14,9 +14,11 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "app/Interchange.h"
 #include "app/editor/EditorCore.h"
 #include "host/Host.h"
 #include "host/PanelHost.h"
@@ -27,24 +29,28 @@ namespace {
 
 using lb::editor::CanvasView;
 using lb::editor::Hit;
-using lb::editor::History;
+using lb::editor::DocumentHistory;
 
 struct Editor {
   GtkApplication* app = nullptr;
   GtkWindow* win = nullptr;
   GtkWidget* canvas = nullptr;
   GtkWidget* panel = nullptr;
+  GtkWidget* row = nullptr;          // the canvas and the docked panel
+  GtkWindow* panelWin = nullptr;     // the panel's own window, when not docked
   std::unique_ptr<lb::host::Host> host;
   HWND panelWnd = nullptr;
   CanvasView view;
-  History history;
+  DocumentHistory history;
   std::string path;        // empty: not saved yet
-  std::string savedText;   // the document as last opened or saved
+  long savedAt = 0;        // undo count when last opened or saved; -1: not reachable
   bool modified = false;
-  std::string current;     // the document's text as of the last change, open or save
-  std::string before;      // snapshot taken when a change began
+  std::unique_ptr<lb::host::Document> snapshot;  // the document between changes
+  std::optional<std::string> currentText;        // its .lbdoc text, when known
   bool changing = false;
+  bool known = false;      // the change itself reports whether it changed anything
   bool touched = false;    // a canvas edit changed something during the change
+  bool selectionOnly = false;  // the change can alter the selection only
   std::vector<std::string> alerts;
   std::string statePath;   // LB_EDITOR_STATE: where the window's geometry goes
   bool fitted = false;
@@ -79,6 +85,12 @@ void Redraw() {
   gtk_widget_queue_draw(gEd->canvas);
 }
 
+// After a change of selection only: the picture stays, the marks are drawn again.
+void RedrawMarks() {
+  gEd->view.invalidateMarks();
+  gtk_widget_queue_draw(gEd->canvas);
+}
+
 void ShowMessage(const std::string& text, GtkMessageType type = GTK_MESSAGE_INFO) {
   GtkWidget* d = gtk_message_dialog_new(gEd->win, GTK_DIALOG_MODAL, type, GTK_BUTTONS_OK, "%s", text.c_str());
   g_signal_connect(d, "response", G_CALLBACK(gtk_window_destroy), nullptr);
@@ -93,59 +105,71 @@ void ShowAlerts() {
 
 // ---- Changes and history ---------------------------------------------------------
 
-// The text of the document before the change is the one kept since the
-// last change, so a change costs one serialisation (after it), and a canvas
-// press that changed nothing costs none.
-void BeginChange() {
-  gEd->before = gEd->current;
+// `snapshot` is a copy of the document as it stands between changes; a
+// change that changed something pushes it on the undo list and takes a new
+// copy. Canvas edits and Select All / Deselect All know whether they changed
+// anything; a panel press or an import is judged by the document's text
+// before and after (the text after a change is kept for the next one).
+void BeginChange(bool selectionOnly = false) {
   gEd->changing = true;
   gEd->touched = false;
+  gEd->selectionOnly = selectionOnly;
+  gEd->known = selectionOnly;
 }
 
 // `mayHaveChanged` false: the caller knows nothing changed.
 void EndChange(bool mayHaveChanged = true) {
   if (!gEd->changing) return;
   gEd->changing = false;
-  if (mayHaveChanged) {
+  bool changed = false;
+  if (mayHaveChanged && gEd->known) {
+    changed = gEd->touched;
+    if (changed) gEd->currentText.reset();
+  } else if (mayHaveChanged) {
+    if (!gEd->currentText) gEd->currentText = lb::io::writeDocument(*gEd->snapshot);
     std::string after = DocText();
-    if (after != gEd->before) {
-      gEd->history.push(std::move(gEd->before));
-      gEd->current = std::move(after);
-      gEd->modified = true;
-      Redraw();
-    }
+    changed = after != *gEd->currentText;
+    gEd->currentText = std::move(after);
   }
-  gEd->before.clear();
+  if (changed) {
+    if (gEd->savedAt > static_cast<long>(gEd->history.undoCount())) gEd->savedAt = -1;  // no longer reachable
+    gEd->history.push(std::move(gEd->snapshot));
+    gEd->snapshot = Doc().clone();
+    gEd->modified = true;
+    if (gEd->selectionOnly)
+      RedrawMarks();
+    else
+      Redraw();
+  }
   UpdateTitle();
 }
 
-void Restore(const std::string& text) {
-  gEd->host->setDocument(lb::io::readDocument(text));
-  gEd->current = text;
-  gEd->modified = text != gEd->savedText;
+void Restore(std::unique_ptr<lb::host::Document> doc) {
+  gEd->snapshot = std::move(doc);
+  gEd->host->setDocument(gEd->snapshot->clone());
+  gEd->currentText.reset();
+  gEd->modified = static_cast<long>(gEd->history.undoCount()) != gEd->savedAt;
   Redraw();
   UpdateTitle();
 }
 
 void Undo() {
   if (gEd->changing || !gEd->history.canUndo()) return;
-  Restore(gEd->history.undo(DocText()));
+  Restore(gEd->history.undo(std::move(gEd->snapshot)));
 }
 
 void Redo() {
   if (gEd->changing || !gEd->history.canRedo()) return;
-  Restore(gEd->history.redo(DocText()));
+  Restore(gEd->history.redo(std::move(gEd->snapshot)));
 }
 
 // ---- Files -------------------------------------------------------------------------
 
 bool SaveTo(const std::string& path) {
   try {
-    const std::string text = DocText();
     lb::io::writeDocumentFileAtomic(Doc(), path);
     gEd->path = path;
-    gEd->current = text;
-    gEd->savedText = text;
+    gEd->savedAt = static_cast<long>(gEd->history.undoCount());
     gEd->modified = false;
     UpdateTitle();
     return true;
@@ -164,41 +188,102 @@ bool OpenFile(const std::string& path) {
     return false;
   }
   gEd->path = path;
-  gEd->savedText = gEd->current = DocText();
+  gEd->snapshot = Doc().clone();
+  gEd->currentText.reset();
+  gEd->savedAt = 0;
   gEd->modified = false;
-  gEd->history = History();
+  gEd->history = DocumentHistory();
   gEd->fitted = false;
   Redraw();
   UpdateTitle();
   return true;
 }
 
-// Exports the document as PNG at 1 pixel per unit, without the selection.
-void ExportPng() {
-  GtkFileChooserNative* fc = gtk_file_chooser_native_new("Export PNG", gEd->win, GTK_FILE_CHOOSER_ACTION_SAVE,
-                                                         nullptr, nullptr);
-  std::string name = DisplayName();
-  if (name.size() > 6 && name.substr(name.size() - 6) == ".lbdoc") name.resize(name.size() - 6);
-  gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(fc), (name + ".png").c_str());
-  g_signal_connect(fc, "response", G_CALLBACK(+[](GtkNativeDialog* d, int response, gpointer) {
+// Shows the warning lines of an import or an export (what the format
+// cannot hold) in one dialog; they also go to standard error.
+void ShowWarnings(const lb::app::Warnings& warnings) {
+  if (warnings.empty()) return;
+  std::string text;
+  for (const std::string& w : warnings) {
+    std::fprintf(stderr, "latticebender edit: warning: %s\n", w.c_str());
+    text += (text.empty() ? "" : "\n") + w;
+  }
+  ShowMessage(text, GTK_MESSAGE_WARNING);
+}
+
+// Writes the document by the file's extension (.svg, .pdf, .png at 1 pixel
+// per unit; no selection marks), atomically, as `latticebender export` does.
+void ExportTo(const std::string& path) {
+  if (!lb::app::isExportPath(path)) {
+    ShowMessage("Cannot export: the file name must end in .svg, .pdf or .png, not '" +
+                    std::filesystem::path(path).filename().string() + "'",
+                GTK_MESSAGE_ERROR);
+    return;
+  }
+  lb::app::Warnings warnings;
+  try {
+    lb::app::writeAnyDocument(Doc(), path, 1, &warnings);
+  } catch (const std::exception& e) {
+    ShowMessage(std::string("Cannot export: ") + e.what(), GTK_MESSAGE_ERROR);
+    return;
+  }
+  ShowWarnings(warnings);
+}
+
+// Replaces the document with an SVG file's content, as `latticebender
+// import` reads it: one undoable change; the document keeps its file name.
+void ImportFrom(const std::string& path) {
+  if (!lb::app::isSvgPath(path)) {
+    ShowMessage("Cannot import: Import reads .svg files, not '" + std::filesystem::path(path).filename().string() +
+                    "'",
+                GTK_MESSAGE_ERROR);
+    return;
+  }
+  lb::app::Warnings warnings;
+  std::unique_ptr<lb::host::Document> doc;
+  try {
+    doc = lb::app::readAnyDocument(path, {}, &warnings);
+  } catch (const std::exception& e) {
+    const std::string what = e.what();
+    ShowMessage("Cannot import: " + (what.find(path) == std::string::npos ? path + ": " + what : what),
+                GTK_MESSAGE_ERROR);
+    return;
+  }
+  BeginChange();
+  gEd->host->setDocument(std::move(doc));
+  gEd->fitted = false;
+  EndChange();
+  ShowWarnings(warnings);
+}
+
+// A file chooser whose accepted path goes to `then`.
+void ChoosePath(const char* title, bool save, const std::string& name, void (*then)(const std::string&)) {
+  GtkFileChooserNative* fc = gtk_file_chooser_native_new(
+      title, gEd->win, save ? GTK_FILE_CHOOSER_ACTION_SAVE : GTK_FILE_CHOOSER_ACTION_OPEN, nullptr, nullptr);
+  if (save) gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(fc), name.c_str());
+  g_signal_connect(fc, "response", G_CALLBACK(+[](GtkNativeDialog* d, int response, gpointer data) {
+                     std::string path;
                      if (response == GTK_RESPONSE_ACCEPT) {
                        GFile* f = gtk_file_chooser_get_file(GTK_FILE_CHOOSER(d));
-                       char* p = g_file_get_path(f);
-                       if (p) {
-                         try {
-                           lb::render::renderDocumentPng(Doc(), p);
-                         } catch (const std::exception& e) {
-                           ShowMessage(std::string("Cannot export: ") + e.what(), GTK_MESSAGE_ERROR);
-                         }
-                       }
+                       char* p = f ? g_file_get_path(f) : nullptr;
+                       if (p) path = p;
                        g_free(p);
-                       g_object_unref(f);
+                       if (f) g_object_unref(f);
                      }
                      g_object_unref(d);
+                     if (!path.empty()) reinterpret_cast<void (*)(const std::string&)>(data)(path);
                    }),
-                   nullptr);
+                   reinterpret_cast<gpointer>(then));
   gtk_native_dialog_show(GTK_NATIVE_DIALOG(fc));
 }
+
+void Export() {
+  std::string name = DisplayName();
+  if (name.size() > 6 && name.substr(name.size() - 6) == ".lbdoc") name.resize(name.size() - 6);
+  ChoosePath("Export (.svg, .pdf or .png)", true, name + ".svg", ExportTo);
+}
+
+void Import() { ChoosePath("Import SVG", false, "", ImportFrom); }
 
 void ChooseFile(bool save) {
   GtkFileChooserNative* fc = gtk_file_chooser_native_new(save ? "Save Document" : "Open Document", gEd->win,
@@ -268,11 +353,21 @@ void CloseNow() {
 
 // ---- State for tests ---------------------------------------------------------------
 
-void WidgetBox(GtkWidget* w, std::string& out, const char* name) {
+unsigned long Xid(GtkWindow* win) {
+  unsigned long xid = 0;
+#ifdef GDK_WINDOWING_X11
+  GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(win));
+  if (surface && GDK_IS_X11_SURFACE(surface)) xid = gdk_x11_surface_get_xid(surface);
+#endif
+  return xid;
+}
+
+void WidgetBox(GtkWidget* w, std::string& out, const char* name, GtkWindow* win) {
   double x = 0, y = 0;
   double sx = 0, sy = 0;
-  gtk_native_get_surface_transform(GTK_NATIVE(gEd->win), &sx, &sy);
-  if (!gtk_widget_get_visible(w) || !gtk_widget_translate_coordinates(w, GTK_WIDGET(gEd->win), 0, 0, &x, &y)) {
+  gtk_native_get_surface_transform(GTK_NATIVE(win), &sx, &sy);
+  if (!gtk_widget_get_visible(w) || !gtk_widget_get_mapped(GTK_WIDGET(win)) || gtk_widget_get_width(w) <= 0 ||
+      !gtk_widget_translate_coordinates(w, GTK_WIDGET(win), 0, 0, &x, &y)) {
     out += std::string(name) + " hidden\n";
     return;
   }
@@ -288,14 +383,12 @@ void WidgetBox(GtkWidget* w, std::string& out, const char* name) {
 void WriteState() {
   if (gEd->statePath.empty() || !gtk_widget_get_realized(GTK_WIDGET(gEd->win))) return;
   std::string s;
-  unsigned long xid = 0;
-#ifdef GDK_WINDOWING_X11
-  GdkSurface* surface = gtk_native_get_surface(GTK_NATIVE(gEd->win));
-  if (GDK_IS_X11_SURFACE(surface)) xid = gdk_x11_surface_get_xid(surface);
-#endif
-  s += "xid " + std::to_string(xid) + "\n";
-  WidgetBox(gEd->canvas, s, "canvas");
-  WidgetBox(gEd->panel, s, "panel");
+  s += "xid " + std::to_string(Xid(gEd->win)) + "\n";
+  WidgetBox(gEd->canvas, s, "canvas", gEd->win);
+  // A panel in its own window is placed in that window's pixels.
+  GtkWindow* panelIn = gEd->panelWin ? gEd->panelWin : gEd->win;
+  WidgetBox(gEd->panel, s, "panel", panelIn);
+  s += "panelxid " + std::to_string(Xid(panelIn)) + "\n";
   const AIRealRect a = gEd->view.area();
   char line[256];
   std::snprintf(line, sizeof line, "view %.17g %.17g %.17g %.17g %.17g\n", gEd->view.panX(), gEd->view.panY(),
@@ -346,7 +439,7 @@ void CanvasPressed(GtkGestureDrag* g, double x, double y, gpointer) {
   if (button != 1) return;
   const GdkModifierType mods = gtk_event_controller_get_current_event_state(GTK_EVENT_CONTROLLER(g));
   const bool shift = (mods & GDK_SHIFT_MASK) != 0;
-  BeginChange();
+  BeginChange(true);
   const Hit hit = lb::editor::hitTest(Doc(), gEd->view.toDoc(x, y), kPickPixels / gEd->view.zoom());
   gEd->dragHit = hit;
   if (hit.kind == Hit::kNone) {
@@ -362,7 +455,7 @@ void CanvasPressed(GtkGestureDrag* g, double x, double y, gpointer) {
                 : hit.kind == Hit::kVertex && hit.art->mesh->selected(hit.vertex) ? Editor::kMoveVertex
                                                                                    : Editor::kNoDrag;
   }
-  Redraw();
+  RedrawMarks();
 }
 
 void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
@@ -380,12 +473,14 @@ void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
       for (lb::host::VertexId v = m.firstVertex(); v != lb::host::kNoVertex; v = m.nextVertex(v))
         if (m.selected(v)) lb::editor::moveVertex(gEd->dragHit.art, v, dx / z, -dy / z);
       gEd->touched = true;
+      gEd->selectionOnly = false;
       Redraw();
       break;
     }
     case Editor::kMoveHandle:
       lb::editor::moveHandle(gEd->dragHit.art, gEd->dragHit.vertex, gEd->dragHit.dir, dx / z, -dy / z);
       gEd->touched = true;
+      gEd->selectionOnly = false;
       Redraw();
       break;
     case Editor::kRect:
@@ -409,7 +504,7 @@ void CanvasReleased(GtkGestureDrag* g, double ox, double oy, gpointer) {
   const bool wasPan = gEd->drag == Editor::kPan;
   gEd->drag = Editor::kNoDrag;
   if (!wasPan) EndChange(gEd->touched);
-  Redraw();
+  gtk_widget_queue_draw(gEd->canvas);
   WriteState();
 }
 
@@ -436,6 +531,16 @@ void Zoom(double factor) {
 // ---- The plug-in's panel -------------------------------------------------------------
 
 void DrawPanel(GtkDrawingArea*, cairo_t* cr, int, int, gpointer) {
+  // The state file follows the panel into and out of its own window.
+  static GtkWindow* lastIn = nullptr;
+  static double lastX = -1, lastY = -1;
+  GtkWindow* in = gEd->panelWin ? gEd->panelWin : gEd->win;
+  double x = 0, y = 0;
+  if (gtk_widget_translate_coordinates(gEd->panel, GTK_WIDGET(in), 0, 0, &x, &y) &&
+      (in != lastIn || x != lastX || y != lastY)) {
+    lastIn = in, lastX = x, lastY = y;
+    WriteState();
+  }
   HWND hwnd = gEd->panelWnd;
   if (!hwnd || !IsWindow(hwnd)) return;
   if (lbwinIsInvalid(hwnd)) UpdateWindow(hwnd);
@@ -505,8 +610,51 @@ void PanelCancelled(GtkGesture*, GdkEventSequence*, gpointer) {
 
 void SyncPanelVisibility() {
   const lb::host::PanelInfo* p = lb::host::currentPanel();
-  gtk_widget_set_visible(gEd->panel, p && p->shown && p->window);
+  const bool shown = p && p->shown && p->window;
+  gtk_widget_set_visible(gEd->panel, shown);
+  if (gEd->panelWin) {
+    if (shown)
+      gtk_window_present(gEd->panelWin);
+    else
+      gtk_widget_set_visible(GTK_WIDGET(gEd->panelWin), FALSE);
+  }
   WriteState();
+}
+
+void TogglePanel();
+
+// Moves the panel into a window of its own (beside the editor, which owns
+// it) or back into the editor's window.
+void SetPanelWindowed(bool windowed) {
+  if (windowed == (gEd->panelWin != nullptr)) return;
+  g_object_ref(gEd->panel);
+  if (windowed) {
+    gtk_box_remove(GTK_BOX(gEd->row), gEd->panel);
+    GtkWindow* w = GTK_WINDOW(gtk_window_new());
+    gtk_window_set_application(w, gEd->app);  // the editor's shortcuts work there too
+    gtk_window_set_transient_for(w, gEd->win);
+    gtk_window_set_resizable(w, FALSE);
+    AIMenuItemHandle item = gEd->host->pluginMenuItem();
+    gtk_window_set_title(w, item ? gEd->host->menuItemText(item).c_str() : "Lattice Bender");
+    gtk_window_set_child(w, gEd->panel);
+    // Closing the panel's window hides the panel, as its menu item does.
+    g_signal_connect(w, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer) -> gboolean {
+                       const lb::host::PanelInfo* p = lb::host::currentPanel();
+                       if (p && p->shown) TogglePanel();
+                       return TRUE;
+                     }),
+                     nullptr);
+    g_signal_connect_after(w, "map", G_CALLBACK(+[](GtkWidget*, gpointer) { WriteState(); }), nullptr);
+    gEd->panelWin = w;
+  } else {
+    GtkWindow* w = gEd->panelWin;
+    gEd->panelWin = nullptr;
+    gtk_window_set_child(w, nullptr);
+    gtk_window_destroy(w);
+    gtk_box_append(GTK_BOX(gEd->row), gEd->panel);
+  }
+  g_object_unref(gEd->panel);
+  SyncPanelVisibility();
 }
 
 // ---- Actions ---------------------------------------------------------------------------
@@ -527,7 +675,8 @@ GMenuModel* BuildMenu() {
   g_menu_append(file, "Open...", "app.open");
   g_menu_append(file, "Save", "app.save");
   g_menu_append(file, "Save As...", "app.saveas");
-  g_menu_append(file, "Export PNG...", "app.exportpng");
+  g_menu_append(file, "Import SVG...", "app.import");
+  g_menu_append(file, "Export...", "app.export");
   g_menu_append(file, "Quit", "app.quit");
   g_menu_append_submenu(bar, "File", G_MENU_MODEL(file));
   GMenu* edit = g_menu_new();
@@ -546,6 +695,7 @@ GMenuModel* BuildMenu() {
   AIMenuItemHandle item = gEd->host->pluginMenuItem();
   const std::string label = item ? gEd->host->menuItemText(item) : std::string("Lattice Bender");
   g_menu_append(window, label.c_str(), "app.panel");
+  g_menu_append(window, "Panel in Own Window", "app.panelwindow");
   g_menu_append_submenu(bar, "Window", G_MENU_MODEL(window));
   g_object_unref(file);
   g_object_unref(edit);
@@ -561,9 +711,10 @@ void TogglePanel() {
 }
 
 void SelectEverything() {
-  BeginChange();
+  BeginChange(true);
   for (ArtObject* a : Doc().allArt()) {
     if ((a->type != kMeshArt && a->type != kPathArt) || a->hidden() || a->locked()) continue;
+    if (!a->selected() || (a->mesh && !a->mesh->isSelectionFull())) gEd->touched = true;
     Doc().setSelected(a, true);
     if (a->mesh) a->mesh->selectAll();
   }
@@ -571,8 +722,8 @@ void SelectEverything() {
 }
 
 void DeselectEverything() {
-  BeginChange();
-  lb::editor::deselectAll(Doc());
+  BeginChange(true);
+  gEd->touched = lb::editor::deselectAll(Doc());
   EndChange();
 }
 
@@ -610,7 +761,8 @@ void Activate(GtkApplication* app, gpointer) {
   AddAction("open", +[] { ConfirmDiscard(+[] { ChooseFile(false); }); });
   AddAction("save", Save);
   AddAction("saveas", +[] { ChooseFile(true); });
-  AddAction("exportpng", ExportPng);
+  AddAction("import", Import);
+  AddAction("export", Export);
   AddAction("quit", +[] { gtk_window_close(gEd->win); });
   AddAction("undo", Undo);
   AddAction("redo", Redo);
@@ -624,6 +776,20 @@ void Activate(GtkApplication* app, gpointer) {
   });
   AddAction("actual", +[] { Zoom(1 / gEd->view.zoom()); });
   AddAction("panel", TogglePanel);
+  {
+    // A check item: the panel in its own window, or docked.
+    GSimpleAction* a = g_simple_action_new_stateful("panelwindow", nullptr, g_variant_new_boolean(FALSE));
+    g_signal_connect(a, "activate", G_CALLBACK(+[](GSimpleAction* action, GVariant*, gpointer) {
+                       GVariant* state = g_action_get_state(G_ACTION(action));
+                       const bool windowed = !g_variant_get_boolean(state);
+                       g_variant_unref(state);
+                       g_simple_action_set_state(action, g_variant_new_boolean(windowed));
+                       SetPanelWindowed(windowed);
+                     }),
+                     nullptr);
+    g_action_map_add_action(G_ACTION_MAP(app), G_ACTION(a));
+    g_object_unref(a);
+  }
   struct Accel {
     const char* action;
     const char* keys[3];
@@ -631,6 +797,9 @@ void Activate(GtkApplication* app, gpointer) {
   const Accel accels[] = {{"app.open", {"<Control>o"}},
                           {"app.save", {"<Control>s"}},
                           {"app.saveas", {"<Control><Shift>s"}},
+                          {"app.import", {"<Control>i"}},
+                          {"app.panelwindow", {"<Control><Shift>p"}},
+                          {"app.export", {"<Control>e"}},
                           {"app.quit", {"<Control>q"}},
                           {"app.undo", {"<Control>z"}},
                           {"app.redo", {"<Control><Shift>z", "<Control>y"}},
@@ -692,7 +861,7 @@ void Activate(GtkApplication* app, gpointer) {
   g_signal_connect(keys, "key-released", G_CALLBACK(KeyReleased), nullptr);
   gtk_widget_add_controller(GTK_WIDGET(gEd->win), keys);
 
-  GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+  GtkWidget* row = gEd->row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
   gtk_box_append(GTK_BOX(row), gEd->canvas);
   gtk_box_append(GTK_BOX(row), gEd->panel);
   GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
@@ -700,6 +869,14 @@ void Activate(GtkApplication* app, gpointer) {
   gtk_box_append(GTK_BOX(column), row);
   gtk_window_set_child(gEd->win, column);
   g_signal_connect(gEd->win, "close-request", G_CALLBACK(CloseRequested), nullptr);
+  // The panel's own window goes with the editor's.
+  g_signal_connect(gEd->win, "destroy", G_CALLBACK(+[](GtkWidget*, gpointer) {
+                     if (!gEd->panelWin) return;
+                     GtkWindow* w = gEd->panelWin;
+                     gEd->panelWin = nullptr;
+                     gtk_window_destroy(w);
+                   }),
+                   nullptr);
   g_signal_connect_after(gEd->win, "map", G_CALLBACK(+[](GtkWidget*, gpointer) { WriteState(); }), nullptr);
 
   SyncPanelVisibility();
@@ -727,6 +904,8 @@ int main(int argc, char** argv) {
     }
     file = a;
   }
+  // GTK holds cairo and fontconfig fonts past the end of main.
+  lbwinKeepFontCachesAtExit();
   Editor ed;
   gEd = &ed;
   if (const char* s = std::getenv("LB_EDITOR_STATE")) ed.statePath = s;
@@ -763,7 +942,7 @@ int main(int argc, char** argv) {
   const lb::host::PanelInfo* p = lb::host::currentPanel();
   if (p && !p->shown && ed.host->pluginMenuItem()) ed.host->sendMenuGo(ed.host->pluginMenuItem());
   if (ed.panelWnd) lbwinPaint(ed.panelWnd);
-  ed.savedText = ed.current = DocText();
+  ed.snapshot = Doc().clone();
 
   ed.app = gtk_application_new("org.latticebender.Editor", G_APPLICATION_NON_UNIQUE);
   g_signal_connect(ed.app, "activate", G_CALLBACK(Activate), nullptr);
@@ -773,10 +952,5 @@ int main(int argc, char** argv) {
   ed.host->shutdownPlugin();
   ed.host.reset();
   gEd = nullptr;
-  // lbwin hands cairo's static font data back at exit, which cairo refuses
-  // (aborts) while GTK still holds fonts of its own: leave without the exit
-  // handlers.
-  std::fflush(stdout);
-  std::fflush(stderr);
-  std::_Exit(status);
+  return status;
 }

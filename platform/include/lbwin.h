@@ -276,6 +276,11 @@ LBWIN_API void lbwinPaint(HWND hwnd);
 LBWIN_API BOOL lbwinIsInvalid(HWND hwnd);
 // Sets the key state GetKeyState reports.
 LBWIN_API void lbwinSetKeyState(int vk, BOOL down);
+// The font caches of cairo and fontconfig are handed back at exit so that
+// leak checkers see a clean process; a host that shares them with a
+// toolkit still holding fonts at exit (a GTK window) calls this to leave
+// them alone.
+LBWIN_API void lbwinKeepFontCachesAtExit(void);
 // Window image: top-down rows of `*stride` bytes, 4 bytes a pixel (blue,
 // green, red, unused). Null for an invalid window.
 LBWIN_API const uint8_t* lbwinGetPixels(HWND hwnd, int* w, int* h, int* stride);

@@ -1,9 +1,10 @@
 // The editor's core without a window: history, hit testing, the
 // direct-selection tool's clicks, rectangles and drags, and the canvas
-// view's coordinates and cached picture.
+// view's coordinates, cached picture and selection marks.
 #include <gtest/gtest.h>
 
 #include "app/editor/EditorCore.h"
+#include "render/Render.h"
 #include "io/Lbdoc.h"
 #include "support/MeshRecipe.h"
 
@@ -34,7 +35,7 @@ ArtObject* Mesh(Document& d) {
 }
 
 TEST(History, UndoAndRedoWalkTheSnapshots) {
-  lb::editor::History h;
+  lb::editor::History<std::string> h;
   h.push("a");
   h.push("b");
   EXPECT_EQ(h.undo("c"), "b");
@@ -45,6 +46,28 @@ TEST(History, UndoAndRedoWalkTheSnapshots) {
   h.push("x");  // a new change drops what could be redone
   EXPECT_FALSE(h.canRedo());
   EXPECT_EQ(h.undoCount(), 2u);
+}
+
+// The history's snapshots are copies of the document: a copy must write
+// the same file, selection, ids and styles included, and stay apart from
+// the original.
+TEST(History, DocumentCopyWritesTheSameFile) {
+  auto doc = MeshAndPath();
+  ArtObject* art = Mesh(*doc);
+  doc->setSelected(art, true);
+  art->mesh->clearSelection();
+  art->mesh->setSelected(art->mesh->node(1, 1), true);
+  art->id = "mesh1";
+  doc->keyArtId = "mesh1";
+  lb::host::GraphicStyle style;
+  style.name = "Blue";
+  doc->addStyle(style);
+  const std::string text = lb::io::writeDocument(*doc);
+  auto copy = doc->clone();
+  EXPECT_EQ(lb::io::writeDocument(*copy), text);
+  EXPECT_EQ(copy->findById("mesh1"), Mesh(*copy));
+  lb::editor::moveVertex(Mesh(*copy), Mesh(*copy)->mesh->node(1, 1), 5, 0);
+  EXPECT_EQ(lb::io::writeDocument(*doc), text);
 }
 
 struct HitCase {
@@ -167,5 +190,69 @@ TEST(Canvas, PictureIsRenderedOnlyWhenStale) {
   view.panBy(10, 0);  // panning reuses the picture
   EXPECT_FALSE(view.refresh(*doc));
 }
+
+// The view's marks, drawn apart for the part around the view, must land
+// exactly where the renderer's overlay puts them: after a pan, after a
+// pan beyond the part they cover, and after a change of selection.
+struct MarksCase {
+  const char* name;
+  double zoom, panX, panY;
+};
+
+class CanvasMarks : public ::testing::TestWithParam<MarksCase> {};
+
+// Pixels of the w x h view that differ from the renderer's picture with
+// the selection overlay, where the picture is shown.
+int DiffsFromRenderer(const Document& doc, lb::editor::CanvasView& view, int w, int h) {
+  cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
+  cairo_t* cr = cairo_create(s);
+  view.paint(cr, doc, w, h);
+  cairo_destroy(cr);
+  cairo_surface_flush(s);
+  lb::render::RenderOptions o;
+  o.scale = view.zoom();
+  o.selection = true;
+  const lb::render::Image ref = lb::render::renderDocument(doc, o);
+  const auto* px = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(s));
+  const int stride = cairo_image_surface_get_stride(s) / 4;
+  const int ox = static_cast<int>(std::round(view.panX())), oy = static_cast<int>(std::round(view.panY()));
+  int diffs = 0;
+  for (int y = 0; y < h; ++y)
+    for (int x = 0; x < w; ++x) {
+      const int rx = x - ox, ry = y - oy;
+      if (rx < 0 || ry < 0 || rx >= ref.width || ry >= ref.height) continue;
+      diffs += (px[y * stride + x] & 0xFFFFFF) != (ref.at(rx, ry) & 0xFFFFFF);
+    }
+  cairo_surface_destroy(s);
+  return diffs;
+}
+
+TEST_P(CanvasMarks, LandWhereTheRendererDrawsThem) {
+  const MarksCase c = GetParam();
+  auto doc = MeshAndPath();
+  ArtObject* art = Mesh(*doc);
+  GradientMesh& m = *art->mesh;
+  doc->setSelected(art, true);
+  m.clearSelection();
+  m.setSelected(m.node(0, 0), true);
+  m.setSelected(m.node(1, 1), true);
+  const int w = 160, h = 120;
+  lb::editor::CanvasView view;
+  view.fit(*doc, w, h);
+  view.setZoom(c.zoom, 0, 0);
+  view.panBy(c.panX - view.panX(), c.panY - view.panY());
+  EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+  view.panBy(-70, 0);  // past the quarter view the marks cover around it
+  EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+  m.setSelected(m.node(2, 0), true);
+  m.setSelected(m.node(0, 0), false);
+  view.invalidateMarks();
+  EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Views, CanvasMarks,
+                         ::testing::Values(MarksCase{"whole", 0.4, 5, 10}, MarksCase{"oneToOne", 1, -20.4, 15.6},
+                                           MarksCase{"magnified", 2.5, -180.7, -60.2}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

@@ -339,6 +339,94 @@ TEST_F(EditorWindow, QuitAsksWhileThereAreUnsavedChanges) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << Slurp(dir / "editor.out");
 }
 
+// Window > Panel in Own Window (Ctrl+Shift+P) moves the panel into a
+// window of its own, where its buttons work as docked; again docks it.
+TEST_F(EditorWindow, PanelWorksInItsOwnWindowAndDocksAgain) {
+  Start();
+  ClickAt(DocToWindow(mesh.P(0, 0)));
+  ClickAt(DocToWindow(mesh.P(1, 0)), "shift");
+  ClickAt(DocToWindow(mesh.P(2, 0)), "shift");
+  WaitHistory(3, 0, true);
+  Save(3, 0);
+  fs::copy_file(dir / "work.lbdoc", dir / "selected.lbdoc");
+  Key("ctrl+shift+p");
+  WaitFor([&](const State& s) { return s.count("panelxid") && s.at("panelxid")[0] != xid && s.at("panel").size() == 4; },
+          "the panel in its own window");
+  const std::string panelXid = state["panelxid"][0];
+  const auto at = PanelToWindow(PanelButtonCentre(kCmdColorReflect));
+  // Without a window manager the panel's window lies over the editor's
+  // corner once raised.
+  Xdo("sleep 0.3 windowraise " + panelXid + " sleep 0.2 mousemove --window " + panelXid + " " +
+      std::to_string(at.first) + " " + std::to_string(at.second) + " sleep 0.1 click 1");
+  WaitHistory(4, 0, true);
+  EXPECT_EQ(Save(4, 0), Run(dir / "selected.lbdoc", {"137"}));
+  Key("ctrl+shift+p");
+  WaitFor([&](const State& s) { return s.count("panelxid") && s.at("panelxid")[0] == xid && s.at("panel").size() == 4; },
+          "the panel docked");
+}
+
+// A PDF without its dates (cairo stamps the time of writing).
+std::string WithoutDates(const std::string& pdf) {
+  std::istringstream in(pdf);
+  std::string line, out;
+  while (std::getline(in, line))
+    if (line.find("CreationDate") == std::string::npos && line.find("ModDate") == std::string::npos) out += line + "\n";
+  return out;
+}
+
+// File > Export (Ctrl+E) by extension and File > Import SVG (Ctrl+I),
+// typed into the real file dialogs, give what `latticebender export` and
+// `import` give; the import is one undoable change.
+TEST_F(EditorWindow, ExportAndImportMatchTheCommandLine) {
+  Start();
+  struct Case {
+    const char* ext;
+    bool pdf;
+  };
+  for (const Case c : {Case{"svg", false}, Case{"pdf", true}, Case{"png", false}}) {
+    SCOPED_TRACE(c.ext);
+    const fs::path out = dir / (std::string("menu.") + c.ext), ref = dir / (std::string("cli.") + c.ext);
+    Key("ctrl+e");
+    Xdo("search --sync --name '^Export' sleep 0.5 key ctrl+a type --delay 5 '" + out.string() + "'");
+    Xdo("sleep 0.2 key Return");
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!fs::exists(out) && std::chrono::steady_clock::now() < end)
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ASSERT_TRUE(fs::exists(out)) << Slurp(dir / "editor.out");
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    ASSERT_EQ(std::system((std::string(LB_CLI_BIN) + " export " + (dir / "work.lbdoc").string() + " -o " +
+                           ref.string() + " 2> /dev/null")
+                              .c_str()),
+              0);
+    if (c.pdf)
+      EXPECT_EQ(WithoutDates(Slurp(out)), WithoutDates(Slurp(ref)));
+    else
+      EXPECT_EQ(Slurp(out), Slurp(ref));
+  }
+  WaitHistory(0, 0, false);  // exporting changes nothing
+
+  // An SVG of another mesh, imported through the menu and saved.
+  lbtest::MeshRecipe other = lbtest::Coded(1, 2);
+  std::ofstream(dir / "other.lbdoc") << lbtest::DocJson(other).dump(2);
+  const fs::path svg = dir / "other.svg";
+  ASSERT_EQ(std::system((std::string(LB_CLI_BIN) + " export " + (dir / "other.lbdoc").string() + " -o " +
+                         svg.string() + " 2> /dev/null")
+                            .c_str()),
+            0);
+  ASSERT_EQ(std::system((std::string(LB_CLI_BIN) + " import " + svg.string() + " -o " +
+                         (dir / "imported.lbdoc").string() + " 2> /dev/null")
+                            .c_str()),
+            0);
+  Key("ctrl+i");
+  Xdo("search --sync --name '^Import' sleep 0.5 key ctrl+l type --delay 5 '" + svg.string() + "'");
+  Xdo("sleep 0.3 key Return");
+  WaitHistory(1, 0, true);
+  EXPECT_EQ(Save(1, 0), Slurp(dir / "imported.lbdoc"));
+  Key("ctrl+z");
+  WaitHistory(0, 1, true);
+  EXPECT_EQ(Save(0, 1), lb::io::writeDocument(*lb::io::readDocument(lbtest::DocJson(mesh).dump())));
+}
+
 // `latticebender edit` refuses bad input before it opens a window.
 struct EditArgsCase {
   const char* name;
