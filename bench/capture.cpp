@@ -34,12 +34,11 @@ void Capture(benchmark::State &state, bool edge) {
   mesh.I = mesh.J = n;
   mesh.whole = true;
   // Inside the image, a little away from its edges.
-  const double step = (kSide - 20.0) / n;
-  mesh.at = [step](int i, int j) { return std::pair<double, double>{10.0 + step * i, 10.0 + step * j}; };
-  mesh.color = [](int, int) { return nlohmann::json{{"gray", 0.5}}; };
-  mesh.opacity = [](int, int) { return 1.0; };
+  mesh.x0 = mesh.y0 = 10.0;
+  mesh.dx = mesh.dy = (kSide - 20.0) / n;
+  mesh.colorAt = [](int, int) { return coltest::GrayPaint(0.5); };
   static const coltest::ImageRecipe photo = Photo();
-  coltest::Session session({coltest::MeshJson(mesh), coltest::ImageJson(photo)});
+  coltest::Session session(coltest::Doc({coltest::MeshJson(mesh), coltest::ImageJson(photo)}));
   for (auto _ : state) session.run(kCmdColorCapture, false, !edge, true, true);
   const double nodes = double(n + 1) * double(n + 1);
   state.counters["nodes"] = nodes;

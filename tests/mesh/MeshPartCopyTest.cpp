@@ -174,7 +174,9 @@ TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
     ASSERT_EQ(artCount(), 2u);
     EXPECT_EQ(art(0), part);
     EXPECT_TRUE(SameContent(content(0), SubMesh(src, i0, i1, j0, j1), 0.0, true));
-    if (i1 == 4) EXPECT_TRUE(SameContent(content(1), src, 0.0, true));
+    if (i1 == 4) {
+      EXPECT_TRUE(SameContent(content(1), src, 0.0, true));
+    }
     const json top = Children(written())[0];
     EXPECT_EQ(top.value("opacity", 1.0), 0.75);
     EXPECT_EQ(top.value("blend", std::string("normal")), "overlay");
