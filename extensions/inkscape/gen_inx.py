@@ -10,14 +10,23 @@ from xml.sax.saxutils import escape
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TABLE = os.path.join(HERE, "..", "..", "frame", "ButtonDefs.cpp")
+IDS = os.path.join(HERE, "..", "..", "sdk", "LBModule.h")
 
-ENTRY = re.compile(r'\{\s*(\d+),\s*(\d+),\s*(\d+),\s*"([A-Z0-9_]+)",\s*(\d+),\s*((?:L"(?:[^"\\]|\\.)*"\s*)+)\}')
+# A table row names its command by the enum in sdk/LBModule.h (or, in older
+# tables, by number).
+ENTRY = re.compile(r'\{\s*(\d+),\s*(\d+),\s*(\d+),\s*"([A-Z0-9_]+)",\s*(\w+),\s*((?:L"(?:[^"\\]|\\.)*"\s*)+)\}')
+ENUM = re.compile(r"\b(kCmd\w+)\s*=\s*(\d+)")
+
+
+def command_ids():
+    return {name: int(value) for name, value in ENUM.findall(open(IDS, encoding="utf-8").read())}
 VARIANT = re.compile(r"^\[(|Ctrl|Alt|Ctrl\]\+\[Alt)\]\s*-\s*(.*)$")
 KEYS = {"": "", "Alt": "alt", "Ctrl": "ctrl", "Ctrl]+[Alt": "ctrl+alt"}
 
 
 def commands():
     text = open(TABLE, encoding="utf-8").read()
+    ids = command_ids()
     for m in ENTRY.finditer(text):
         tip = "".join(re.findall(r'L"((?:[^"\\]|\\.)*)"', m.group(6)))
         tip = tip.replace("\\n", "\n").replace('\\"', '"')
@@ -28,7 +37,8 @@ def commands():
             v = VARIANT.match(line)
             if v:
                 variants.append((KEYS[v.group(1)], v.group(2)))
-        yield int(m.group(5)), m.group(4), title, variants
+        cid = m.group(5)
+        yield (int(cid) if cid.isdigit() else ids[cid]), m.group(4), title, variants
 
 
 def inx(cid, pic, title, variants):

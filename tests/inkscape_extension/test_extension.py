@@ -22,6 +22,16 @@ except ImportError:
     sys.exit(77)
 
 
+def read(path):
+    with open(path, encoding="utf-8") as f:
+        return f.read()
+
+
+def write(path, text):
+    with open(path, "w", encoding="utf-8") as f:
+        f.write(text)
+
+
 def run_extension(svg_path, *options, program=PROGRAM):
     env = dict(os.environ, LATTICEBENDER=program)
     return subprocess.run([sys.executable, SCRIPT, *options, svg_path], capture_output=True, text=True, env=env)
@@ -36,16 +46,21 @@ class Extension(unittest.TestCase):
         doc = os.path.join(SOURCE, "examples", "mesh.lbdoc")
         subprocess.run([PROGRAM, "export", doc, "-o", cls.svg], check=True, capture_output=True)
         # The page as Inkscape keeps it: sizes in millimetres and a named view.
-        text = open(cls.svg, encoding="utf-8").read()
+        text = read(cls.svg)
         text = text.replace('width="220"', 'width="220mm"', 1)
         text = text.replace("<defs>", '<sodipodi:namedview id="view1" pagecolor="#ffffff"/>\n  <defs>', 1)
-        open(cls.svg, "w", encoding="utf-8").write(text)
+        write(cls.svg, text)
+
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.tmp.cleanup()
 
     def stops(self, text):
         return [s.split(";")[0] for s in text.split("stop-color:")[1:]]
 
     def test_variants_change_the_selected_mesh_and_colour_checkbox_off_keeps_colours(self):
-        before = self.stops(open(self.svg, encoding="utf-8").read())
+        before = self.stops(read(self.svg))
         runs = {v: run_extension(self.svg, "--id=mesh", "--command=136", *(["--variant=" + v] if v else []))
                 for v in ("", "alt", "ctrl")}
         for v, r in runs.items():
@@ -73,7 +88,7 @@ class Extension(unittest.TestCase):
                           "--opacity=false", program=fake)
         self.assertEqual(r.returncode, 0, r.stderr)
         self.assertIn("No mesh is selected.", r.stderr)
-        args = open(os.path.join(self.dir, "args")).read().split()
+        args = read(os.path.join(self.dir, "args")).split()
         self.assertEqual(args[0], "run")
         self.assertIn("140+ctrl+alt", args)
         self.assertEqual(args[args.index("--select") + 1], "mesh,demo")
@@ -81,7 +96,7 @@ class Extension(unittest.TestCase):
         self.assertEqual(args[args.index("--color") + 1], "on")
 
         bad = os.path.join(self.dir, "bad.svg")
-        open(bad, "w").write("<svg xmlns='http://www.w3.org/2000/svg'><path d='M0 0 Q'/></svg>")
+        write(bad, "<svg xmlns='http://www.w3.org/2000/svg'><path d='M0 0 Q'/></svg>")
         r = run_extension(bad, "--command=136")
         self.assertNotEqual(r.returncode, 0)
         self.assertIn("bad path data", r.stderr)
