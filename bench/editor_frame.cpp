@@ -1,7 +1,8 @@
 // The editor's canvas on a 256 x 256 mesh at 1:1 (1024 x 1024 pixels) with
 // selection marks: a frame from the cached picture and marks (what every
 // redraw, pan or hover costs), a frame after a change (the picture and the
-// marks drawn again), a frame after a change of selection (the marks only),
+// marks drawn again), a frame during a drag (the patches around the moved
+// node and the marks), a frame after a change of selection (the marks only),
 // the undo snapshot of a change (a copy of the document) and the document's
 // text, and the hit test of a click.
 #include <benchmark/benchmark.h>
@@ -75,6 +76,28 @@ void BM_FrameAfterChange(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_FrameAfterChange)->ArgName("selected")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// A frame of a drag: one selected node moved, and only the patches around
+// it drawn again (with the marks). Arg 0: the whole picture drawn again
+// instead, as before partial redraws.
+void BM_FrameDuringDrag(benchmark::State& state) {
+  Scene s;
+  auto& m = *s.art->mesh;
+  const lb::host::VertexId v = m.node(kCells / 4, kCells / 4);
+  double step = 0.5;
+  for (auto _ : state) {
+    if (state.range(0)) s.view.invalidateArea(lb::editor::vertexReach(m, v));
+    lb::editor::moveVertex(s.art, v, step, 0);
+    step = -step;
+    if (state.range(0))
+      s.view.invalidateArea(lb::editor::vertexReach(m, v));
+    else
+      s.view.invalidate();
+    s.view.paint(s.cr, s.doc, kViewW, kViewH);
+    cairo_surface_flush(s.target);
+  }
+}
+BENCHMARK(BM_FrameDuringDrag)->ArgName("partial")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 // A click that changes the selection: only the marks are drawn again. Arg:
 // the zoom (at 4 the view shows a sixteenth of the mesh).

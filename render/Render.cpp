@@ -437,8 +437,16 @@ class Renderer {
     const AIRealRect bb = mesh.bounds();
     if (!finiteRect(bb) || !overlapsPicture(bb) || !finiteRuns(mesh)) return;
     Pattern pat(cairo_pattern_create_mesh(), cairo_pattern_destroy);
+    // Patches wholly outside the clip (the picture, or the part of it being
+    // redrawn) are left out: they cannot change a pixel inside it.
+    double cx0, cy0, cx1, cy1;
+    cairo_clip_extents(cr_, &cx0, &cy0, &cx1, &cy1);
+    const double margin = 2 / opt_.scale;
+    const AIRealRect clip{std::min(cx0, cx1) - margin, std::max(cy0, cy1) + margin, std::max(cx0, cx1) + margin,
+                          std::min(cy0, cy1) - margin};
     for (int j = 0; j < mesh.sizeJ(); ++j)
-      for (int i = 0; i < mesh.sizeI(); ++i) addPatch(pat.get(), mesh, i, j);
+      for (int i = 0; i < mesh.sizeI(); ++i)
+        if (overlaps(patchReach(mesh, i, j), clip)) addPatch(pat.get(), mesh, i, j);
     cairo_new_path(cr_);
     if (opt_.maskMeshes) {
       cairo_push_group(cr_);
@@ -459,6 +467,27 @@ class Renderer {
     cairo_set_source(cr_, pat.get());
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
     cairo_fill(cr_);
+  }
+
+  // A box the surface of patch (i, j) cannot leave. Each point of a Coons
+  // patch is the sum of two blends of its sides less a blend of its
+  // corners, all three inside the box of the sides' control points, so the
+  // patch stays within that box grown by its own size on every side.
+  static AIRealRect patchReach(const GradientMesh& mesh, int i, int j) {
+    double l = INFINITY, r = -INFINITY, b = INFINITY, t = -INFINITY;
+    for (const auto* run : {&mesh.runPoints(0, i, j), &mesh.runPoints(0, i, j + 1), &mesh.runPoints(1, i, j),
+                            &mesh.runPoints(1, i + 1, j)})
+      for (const AIRealPoint& p : *run) {
+        l = std::min(l, p.h), r = std::max(r, p.h);
+        b = std::min(b, p.v), t = std::max(t, p.v);
+      }
+    const double w = r - l, h = t - b;
+    return AIRealRect{l - w, t + h, r + w, b - h};
+  }
+
+  // Whether two document rectangles (top above bottom) meet.
+  static bool overlaps(const AIRealRect& a, const AIRealRect& b) {
+    return a.left <= b.right && b.left <= a.right && a.bottom <= b.top && b.bottom <= a.top;
   }
 
   static bool finiteRuns(const GradientMesh& mesh) {

@@ -151,7 +151,49 @@ void moveHandle(ArtObject* mesh, VertexId v, int dir, double dx, double dy) {
   m.setTangent(v, dir, AIRealPoint{h.h + dx, h.v + dy});
 }
 
+AIRealRect vertexReach(const GradientMesh& m, VertexId v) {
+  int i = 0, j = 0;
+  if (!m.nodeIndex(v, &i, &j)) return AIRealRect{0, 0, 0, 0};
+  // The cells touching the vertex: around a node, or on both sides of the
+  // run an inner vertex lies on.
+  const int axis = m.vertexAxis(v);
+  const int i0 = axis == 0 ? i : i - 1, i1 = i;
+  const int j0 = axis == 1 ? j : j - 1, j1 = j;
+  double l = INFINITY, r = -INFINITY, b = INFINITY, t = -INFINITY;
+  for (int cj = std::max(j0, 0); cj <= std::min(j1, m.sizeJ() - 1); ++cj)
+    for (int ci = std::max(i0, 0); ci <= std::min(i1, m.sizeI() - 1); ++ci) {
+      // A Coons patch stays within the box of its sides' control points
+      // grown by the box's own size (the renderer culls by the same box).
+      double cl = INFINITY, cr = -INFINITY, cb = INFINITY, ct = -INFINITY;
+      for (const auto* run : {&m.runPoints(0, ci, cj), &m.runPoints(0, ci, cj + 1), &m.runPoints(1, ci, cj),
+                              &m.runPoints(1, ci + 1, cj)})
+        for (const AIRealPoint& p : *run) {
+          cl = std::min(cl, p.h), cr = std::max(cr, p.h);
+          cb = std::min(cb, p.v), ct = std::max(ct, p.v);
+        }
+      const double w = cr - cl, h = ct - cb;
+      l = std::min(l, cl - w), r = std::max(r, cr + w);
+      b = std::min(b, cb - h), t = std::max(t, ct + h);
+    }
+  return AIRealRect{l, t, r, b};
+}
+
 // ---- Canvas -------------------------------------------------------------------
+
+void CanvasView::invalidateArea(const AIRealRect& r) {
+  marksStale_ = true;
+  if (stale_) return;
+  if (!(r.left <= r.right && r.bottom <= r.top)) return;
+  if (!dirty_) {
+    dirtyArea_ = r;
+    dirty_ = true;
+    return;
+  }
+  dirtyArea_.left = std::min(dirtyArea_.left, r.left);
+  dirtyArea_.right = std::max(dirtyArea_.right, r.right);
+  dirtyArea_.bottom = std::min(dirtyArea_.bottom, r.bottom);
+  dirtyArea_.top = std::max(dirtyArea_.top, r.top);
+}
 
 CanvasView::~CanvasView() {
   if (surface_) {
@@ -194,8 +236,14 @@ void CanvasView::toView(AIRealPoint p, double* x, double* y) const {
 }
 
 bool CanvasView::refresh(const Document& doc) {
-  if (!stale_ && surface_) return false;
+  if (!stale_ && surface_ && !dirty_) return false;
   const AIRealRect a = lb::render::renderArea(doc);
+  if (!stale_ && surface_ && dirty_ && a.left == area_.left && a.top == area_.top && a.right == area_.right &&
+      a.bottom == area_.bottom) {
+    redrawArea(doc);
+    return true;
+  }
+  dirty_ = false;
   // Keep document points where they are on screen when the area moves.
   if (surface_ || area_.left != 0 || area_.top != 0 || area_.right != 0 || area_.bottom != 0) {
     panX_ += (a.left - area_.left) * zoom_;
@@ -224,6 +272,31 @@ bool CanvasView::refresh(const Document& doc) {
   stale_ = false;
   marksStale_ = true;
   return true;
+}
+
+void CanvasView::redrawArea(const Document& doc) {
+  dirty_ = false;
+  // The dirty area in picture pixels, grown to whole pixels (a clip on
+  // pixel edges is exact, so the pixels inside come out as a full render
+  // would draw them).
+  const double s = pictureScale_;
+  const double x0 = std::floor((dirtyArea_.left - area_.left) * s) - 1;
+  const double x1 = std::ceil((dirtyArea_.right - area_.left) * s) + 1;
+  const double y0 = std::floor((area_.top - dirtyArea_.top) * s) - 1;
+  const double y1 = std::ceil((area_.top - dirtyArea_.bottom) * s) + 1;
+  const double cx0 = std::clamp(x0, 0.0, double(image_.width)), cx1 = std::clamp(x1, 0.0, double(image_.width));
+  const double cy0 = std::clamp(y0, 0.0, double(image_.height)), cy1 = std::clamp(y1, 0.0, double(image_.height));
+  if (cx1 <= cx0 || cy1 <= cy0) return;
+  cairo_t* cr = cairo_create(surface_);
+  cairo_rectangle(cr, cx0, cy0, cx1 - cx0, cy1 - cy0);
+  cairo_clip(cr);
+  cairo_set_source_rgb(cr, 1, 1, 1);
+  cairo_paint(cr);
+  lb::render::RenderOptions o;
+  o.scale = s;
+  lb::render::drawDocument(doc, cr, o, area_);
+  cairo_destroy(cr);
+  cairo_surface_flush(surface_);
 }
 
 namespace {

@@ -74,6 +74,9 @@ bool rectSelect(lb::host::Document& doc, AIRealRect r, bool shift);
 // Moves a vertex with its handles, or one handle, by (dx, dy) document units.
 void moveVertex(ArtObject* mesh, lb::host::VertexId v, double dx, double dy);
 void moveHandle(ArtObject* mesh, lb::host::VertexId v, int dir, double dx, double dy);
+// The document area that moving vertex v or one of its handles can change:
+// the patches around it. Take it before and after a move and redraw both.
+AIRealRect vertexReach(const lb::host::GradientMesh& mesh, lb::host::VertexId v);
 
 // Everything deselected: art and mesh vertices.
 bool deselectAll(lb::host::Document& doc);
@@ -87,6 +90,10 @@ class CanvasView {
  public:
   // Marks the cached picture stale (after any change of the document).
   void invalidate() { stale_ = marksStale_ = true; }
+  // Marks the picture stale inside a document area only (after an edit
+  // whose effect stays there, such as dragging a vertex); the next refresh
+  // redraws that part, or everything when the drawing area itself moved.
+  void invalidateArea(const AIRealRect& r);
   // Marks only the selection marks stale (after a change of selection).
   void invalidateMarks() { marksStale_ = true; }
   void setZoom(double zoom, double anchorX, double anchorY);
@@ -112,6 +119,7 @@ class CanvasView {
   bool refreshMarks(const lb::host::Document& doc, int w, int h);
 
  private:
+  void redrawArea(const lb::host::Document& doc);
   // The marks: view pixels relative to the picture's top-left corner at
   // the current zoom, covering (marksX_, marksY_) + marksW_ x marksH_.
   cairo_surface_t* marks_ = nullptr;
@@ -121,6 +129,8 @@ class CanvasView {
 
   double zoom_ = 1, panX_ = 20, panY_ = 20;
   bool stale_ = true;
+  bool dirty_ = false;  // dirtyArea_ waits to be redrawn
+  AIRealRect dirtyArea_{0, 0, 0, 0};
   AIRealRect area_{0, 0, 0, 0};
   double pictureScale_ = 1;
   lb::render::Image image_;

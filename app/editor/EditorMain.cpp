@@ -468,21 +468,30 @@ void CanvasDragged(GtkGestureDrag*, double ox, double oy, gpointer) {
       gtk_widget_queue_draw(gEd->canvas);
       break;
     case Editor::kMoveVertex: {
-      // Every selected vertex of the mesh moves together.
+      // Every selected vertex of the mesh moves together; only the patches
+      // around them are drawn again, where they were and where they go.
       lb::host::GradientMesh& m = *gEd->dragHit.art->mesh;
+      std::vector<lb::host::VertexId> moved;
       for (lb::host::VertexId v = m.firstVertex(); v != lb::host::kNoVertex; v = m.nextVertex(v))
-        if (m.selected(v)) lb::editor::moveVertex(gEd->dragHit.art, v, dx / z, -dy / z);
+        if (m.selected(v)) moved.push_back(v);
+      for (lb::host::VertexId v : moved) gEd->view.invalidateArea(lb::editor::vertexReach(m, v));
+      for (lb::host::VertexId v : moved) lb::editor::moveVertex(gEd->dragHit.art, v, dx / z, -dy / z);
+      for (lb::host::VertexId v : moved) gEd->view.invalidateArea(lb::editor::vertexReach(m, v));
       gEd->touched = true;
       gEd->selectionOnly = false;
-      Redraw();
+      gtk_widget_queue_draw(gEd->canvas);
       break;
     }
-    case Editor::kMoveHandle:
+    case Editor::kMoveHandle: {
+      const lb::host::GradientMesh& m = *gEd->dragHit.art->mesh;
+      gEd->view.invalidateArea(lb::editor::vertexReach(m, gEd->dragHit.vertex));
       lb::editor::moveHandle(gEd->dragHit.art, gEd->dragHit.vertex, gEd->dragHit.dir, dx / z, -dy / z);
+      gEd->view.invalidateArea(lb::editor::vertexReach(m, gEd->dragHit.vertex));
       gEd->touched = true;
       gEd->selectionOnly = false;
-      Redraw();
+      gtk_widget_queue_draw(gEd->canvas);
       break;
+    }
     case Editor::kRect:
       gtk_widget_queue_draw(gEd->canvas);
       break;
