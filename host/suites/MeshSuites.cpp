@@ -91,9 +91,6 @@ MeshRef refOf(GradientMesh* mesh) { return MeshRef{mesh, mesh->lifeToken()}; }
 template <class T>
 class IterPool {
  public:
-  ~IterPool() {
-    for (T* o : free_) delete o;
-  }
   T* get() {
     if (free_.empty()) return new T;
     T* o = free_.back();
@@ -120,10 +117,13 @@ class IterPool {
   std::vector<T*> free_;
 };
 
+// The pools live as long as the process (never destroyed), so that an
+// iterator released by a static object's destructor at exit still has one.
+// The host runs on one thread.
 template <class T>
 IterPool<T>& poolOf() {
-  thread_local IterPool<T> pool;
-  return pool;
+  static IterPool<T>* pool = new IterPool<T>;
+  return *pool;
 }
 
 AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) {
