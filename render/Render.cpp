@@ -446,7 +446,7 @@ class Renderer {
                           std::min(cy0, cy1) - margin};
     for (int j = 0; j < mesh.sizeJ(); ++j)
       for (int i = 0; i < mesh.sizeI(); ++i)
-        if (overlaps(patchReach(mesh, i, j), clip)) addPatch(pat.get(), mesh, i, j);
+        if (overlaps(lb::render::patchReach(mesh, i, j), clip)) addPatch(pat.get(), mesh, i, j);
     cairo_new_path(cr_);
     if (opt_.maskMeshes) {
       cairo_push_group(cr_);
@@ -467,22 +467,6 @@ class Renderer {
     cairo_set_source(cr_, pat.get());
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
     cairo_fill(cr_);
-  }
-
-  // A box the surface of patch (i, j) cannot leave. Each point of a Coons
-  // patch is the sum of two blends of its sides less a blend of its
-  // corners, all three inside the box of the sides' control points, so the
-  // patch stays within that box grown by its own size on every side.
-  static AIRealRect patchReach(const GradientMesh& mesh, int i, int j) {
-    double l = INFINITY, r = -INFINITY, b = INFINITY, t = -INFINITY;
-    for (const auto* run : {&mesh.runPoints(0, i, j), &mesh.runPoints(0, i, j + 1), &mesh.runPoints(1, i, j),
-                            &mesh.runPoints(1, i + 1, j)})
-      for (const AIRealPoint& p : *run) {
-        l = std::min(l, p.h), r = std::max(r, p.h);
-        b = std::min(b, p.v), t = std::max(t, p.v);
-      }
-    const double w = r - l, h = t - b;
-    return AIRealRect{l - w, t + h, r + w, b - h};
   }
 
   // Whether two document rectangles (top above bottom) meet.
@@ -854,6 +838,18 @@ constexpr int kMaxSide = 16384;
 constexpr double kMaxPixels = 64.0 * 1024 * 1024;
 constexpr double kMinScale = 1e-4, kMaxScale = 1e4;
 }  // namespace
+
+AIRealRect patchReach(const GradientMesh& mesh, int i, int j) {
+  double l = INFINITY, r = -INFINITY, b = INFINITY, t = -INFINITY;
+  for (const auto* run : {&mesh.runPoints(0, i, j), &mesh.runPoints(0, i, j + 1), &mesh.runPoints(1, i, j),
+                          &mesh.runPoints(1, i + 1, j)})
+    for (const AIRealPoint& p : *run) {
+      l = std::min(l, p.h), r = std::max(r, p.h);
+      b = std::min(b, p.v), t = std::max(t, p.v);
+    }
+  const double w = r - l, h = t - b;
+  return AIRealRect{l - w, t + h, r + w, b - h};
+}
 
 cairo_surface_t* imageSurface(const ArtObject& art) {
   const ArtImage& im = art.image;

@@ -46,6 +46,12 @@ struct Image {
 // cairo cannot make a surface that size. The caller destroys the surface.
 cairo_surface_t* imageSurface(const ArtObject& art);
 
+// A box the surface of patch (i, j) cannot leave. Each point of a Coons
+// patch is the sum of two blends of its sides less a blend of its corners,
+// all three inside the box of the sides' control points, so the patch stays
+// within that box grown by its own size on every side.
+AIRealRect patchReach(const lb::host::GradientMesh& mesh, int i, int j);
+
 // The area drawn: the artboard, or the bounds of all visible art.
 AIRealRect renderArea(const lb::host::Document& doc);
 

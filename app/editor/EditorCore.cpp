@@ -162,18 +162,9 @@ AIRealRect vertexReach(const GradientMesh& m, VertexId v) {
   double l = INFINITY, r = -INFINITY, b = INFINITY, t = -INFINITY;
   for (int cj = std::max(j0, 0); cj <= std::min(j1, m.sizeJ() - 1); ++cj)
     for (int ci = std::max(i0, 0); ci <= std::min(i1, m.sizeI() - 1); ++ci) {
-      // A Coons patch stays within the box of its sides' control points
-      // grown by the box's own size (the renderer culls by the same box).
-      double cl = INFINITY, cr = -INFINITY, cb = INFINITY, ct = -INFINITY;
-      for (const auto* run : {&m.runPoints(0, ci, cj), &m.runPoints(0, ci, cj + 1), &m.runPoints(1, ci, cj),
-                              &m.runPoints(1, ci + 1, cj)})
-        for (const AIRealPoint& p : *run) {
-          cl = std::min(cl, p.h), cr = std::max(cr, p.h);
-          cb = std::min(cb, p.v), ct = std::max(ct, p.v);
-        }
-      const double w = cr - cl, h = ct - cb;
-      l = std::min(l, cl - w), r = std::max(r, cr + w);
-      b = std::min(b, cb - h), t = std::max(t, ct + h);
+      const AIRealRect p = lb::render::patchReach(m, ci, cj);
+      l = std::min(l, p.left), r = std::max(r, p.right);
+      b = std::min(b, p.bottom), t = std::max(t, p.top);
     }
   return AIRealRect{l, t, r, b};
 }
