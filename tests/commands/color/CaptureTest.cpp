@@ -94,12 +94,8 @@ struct Kind {
 };
 
 const Kind kKinds[] = {
-    {"rgb", "rgb", false, nullptr},
-    {"rgba", "rgb", true, nullptr},
-    {"cmyk", "cmyk", false, nullptr},
-    {"cmyka", "cmyk", true, nullptr},
-    {"gray", "gray", false, nullptr},
-    {"graya", "gray", true, nullptr},
+    {"rgb", "rgb", false, nullptr},   {"rgba", "rgb", true, nullptr},   {"cmyk", "cmyk", false, nullptr},
+    {"cmyka", "cmyk", true, nullptr}, {"gray", "gray", false, nullptr}, {"graya", "gray", true, nullptr},
     {"grayRgbFill", "gray", false, {{"color", {{"rgb", {0.25, 0.5, 1.0}}}}}},
     {"grayCmykFill", "gray", true, {{"color", {{"cmyk", {0.2, 0.4, 0.6, 0.8}}}}}},
     {"grayGrayFill", "gray", false, {{"color", {{"gray", 0.5}}}}},
