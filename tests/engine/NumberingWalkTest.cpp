@@ -171,15 +171,6 @@ class Walks : public MeshTest {
   }
 };
 
-TEST_F(Walks, FreshMeshVisitsNodesInRowOrderAndRunsAlongIThenJ) {
-  ASSERT_EQ(s.mesh->InitCartesian(art, 3, 2), kNoErr);
-  const auto walk = vertexWalk();
-  ASSERT_EQ(walk.size(), 12u);
-  for (size_t k = 0; k < walk.size(); ++k)
-    EXPECT_EQ(walk[k], std::tuple(static_cast<int>(k % 4), static_cast<int>(k / 4), true));
-  EXPECT_EQ(runWalk(), expectedRuns(3, 2));
-}
-
 TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 2, 2), kNoErr);
   int32_t ni = -1, nj = -1;

@@ -12,15 +12,7 @@
 namespace lbtest {
 namespace {
 
-// A Linked session per document, read back through short names.
-class PartCopy : public LinkedTest {
- protected:
-  void load(const json& doc) { Load(doc); }
-  ArtObject* art(size_t k) { return session->art(k); }
-  size_t artCount() { return session->artCount(); }
-  json written() { return session->written(); }
-  MeshContent content(size_t k) { return session->content(k); }
-};
+using PartCopy = LinkedTest;
 
 // The content of the cells i0..i1 x j0..j1 of a mesh, renumbered from 0.
 MeshContent SubMesh(const MeshContent& m, int i0, int i1, int j0, int j1) {
@@ -55,8 +47,8 @@ MeshRecipe Plain(int I, int J, double originH) {
 
 TEST_F(PartCopy, InvalidWindowsChangeNothing) {
   MeshRecipe layout = MeshRecipe::Varied();
-  load(DocJson({MeshJson(layout), MeshJson(Plain(3, 2, 300))}));
-  const json before = written();
+  Load(DocJson({MeshJson(layout), MeshJson(Plain(3, 2, 300))}));
+  const json before = session->written();
   ZS_RestoreMeshData good{0, 0, 0, 1, 0, 0, 3, 2};
   const ZS_RestoreMeshData bad[] = {
       {0, 0, 0, 0, 0, 0, 3, 2},   // both coordinates along I
@@ -69,9 +61,9 @@ TEST_F(PartCopy, InvalidWindowsChangeNothing) {
   };
   for (const ZS_RestoreMeshData& b : bad) {
     ZS_RestoreMeshData w = b;
-    EXPECT_EQ(RestoreMeshPart(art(0), art(1), &w, &good), 1);
-    EXPECT_EQ(RestoreMeshPart(art(0), art(1), &good, &w), 1);
-    EXPECT_EQ(written(), before);
+    EXPECT_EQ(RestoreMeshPart(session->art(0), session->art(1), &w, &good), 1);
+    EXPECT_EQ(RestoreMeshPart(session->art(0), session->art(1), &good, &w), 1);
+    EXPECT_EQ(session->written(), before);
   }
 }
 
@@ -80,12 +72,12 @@ TEST_F(PartCopy, InvalidWindowsChangeNothing) {
 // fixture checks the counters).
 TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
   MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
-  load(DocJson({MeshJson(layout), MeshJson(Plain(2, 2, 300))}));
-  const MeshContent src = content(0);
+  Load(DocJson({MeshJson(layout), MeshJson(Plain(2, 2, 300))}));
+  const MeshContent src = session->content(0);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 3, 2};
   ZS_RestoreMeshData d = w;
-  EXPECT_EQ(RestoreMeshPart(art(0), art(1), &w, &d), 1);
-  const MeshContent got = content(1);
+  EXPECT_EQ(RestoreMeshPart(session->art(0), session->art(1), &w, &d), 1);
+  const MeshContent got = session->content(1);
   for (int j = 0; j <= 2; ++j)
     for (int i = 0; i <= 1; ++i) EXPECT_EQ(got.nodes.at({i, j}).color, src.nodes.at({i, j}).color) << i << "," << j;
 }
@@ -94,20 +86,20 @@ TEST_F(PartCopy, IdentityWindowCopiesEverythingButSelectionExactly) {
   MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 3;
-  load(DocJson({MeshJson(layout), MeshJson(Plain(4, 3, 500))}));
-  const MeshContent src = content(0);
-  const MeshContent dstBefore = content(1);
+  Load(DocJson({MeshJson(layout), MeshJson(Plain(4, 3, 500))}));
+  const MeshContent src = session->content(0);
+  const MeshContent dstBefore = session->content(1);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 4, 3};
   ZS_RestoreMeshData d = w;
-  ASSERT_EQ(RestoreMeshPart(art(0), art(1), &w, &d), 0);
-  const MeshContent got = content(1);
+  ASSERT_EQ(RestoreMeshPart(session->art(0), session->art(1), &w, &d), 0);
+  const MeshContent got = session->content(1);
   EXPECT_TRUE(SameContent(got, src, 0.0));
   // Line positions and selection belong to the destination.
   EXPECT_EQ(got.u, dstBefore.u);
   EXPECT_EQ(got.v, dstBefore.v);
   for (const auto& [key, n] : got.nodes) EXPECT_FALSE(n.selected);
   // The source is only read.
-  EXPECT_TRUE(SameContent(content(0), src, 0.0, true));
+  EXPECT_TRUE(SameContent(session->content(0), src, 0.0, true));
 }
 
 TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
@@ -126,12 +118,12 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
-    load(DocJson({MeshJson(layout), MeshJson(Plain(c.dstI, c.dstJ, 300))}));
-    const MeshContent src = content(0);
+    Load(DocJson({MeshJson(layout), MeshJson(Plain(c.dstI, c.dstJ, 300))}));
+    const MeshContent src = session->content(0);
     ZS_RestoreMeshData s{0, 0, 0, 1, 0, 0, 3, 2};
     ZS_RestoreMeshData d = c.dst;
-    ASSERT_EQ(RestoreMeshPart(art(0), art(1), &s, &d), 0);
-    EXPECT_TRUE(SameContent(content(1), MapMesh(src, c.dstI, c.dstJ, c.map), 0.0));
+    ASSERT_EQ(RestoreMeshPart(session->art(0), session->art(1), &s, &d), 0);
+    EXPECT_TRUE(SameContent(session->content(1), MapMesh(src, c.dstI, c.dstJ, c.map), 0.0));
   }
 }
 
@@ -139,12 +131,12 @@ TEST_F(PartCopy, ShiftedWindowCopiesPartOfTheSource) {
   MeshRecipe layout = MeshRecipe::Varied();
   layout.I = 4;
   layout.J = 3;
-  load(DocJson({MeshJson(layout), MeshJson(Plain(2, 1, 400))}));
-  const MeshContent src = content(0);
+  Load(DocJson({MeshJson(layout), MeshJson(Plain(2, 1, 400))}));
+  const MeshContent src = session->content(0);
   ZS_RestoreMeshData s{1, 1, 0, 1, 0, 0, 2, 1};
   ZS_RestoreMeshData d{0, 0, 0, 1, 0, 0, 2, 1};
-  ASSERT_EQ(RestoreMeshPart(art(0), art(1), &s, &d), 0);
-  EXPECT_TRUE(SameContent(content(1), SubMesh(src, 1, 3, 1, 2), 0.0));
+  ASSERT_EQ(RestoreMeshPart(session->art(0), session->art(1), &s, &d), 0);
+  EXPECT_TRUE(SameContent(session->content(1), SubMesh(src, 1, 3, 1, 2), 0.0));
 }
 
 // A selection with single nodes and single non-node vertices, some on runs
@@ -167,17 +159,17 @@ TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
   layout.blend = "overlay";
   for (auto [i0, i1, j0, j1] : {std::array{0, 4, 0, 2}, std::array{1, 3, 1, 2}}) {
     SCOPED_TRACE(testing::Message() << i0 << ".." << i1 << " x " << j0 << ".." << j1);
-    load(DocJson({SelectedPartly(MeshJson(layout))}));
-    const MeshContent src = content(0);
+    Load(DocJson({SelectedPartly(MeshJson(layout))}));
+    const MeshContent src = session->content(0);
     ArtObject* part = nullptr;
-    ASSERT_EQ(MakeMeshPart(art(0), &part, i0, i1, j0, j1), 0);
-    ASSERT_EQ(artCount(), 2u);
-    EXPECT_EQ(art(0), part);
-    EXPECT_TRUE(SameContent(content(0), SubMesh(src, i0, i1, j0, j1), 0.0, true));
+    ASSERT_EQ(MakeMeshPart(session->art(0), &part, i0, i1, j0, j1), 0);
+    ASSERT_EQ(session->artCount(), 2u);
+    EXPECT_EQ(session->art(0), part);
+    EXPECT_TRUE(SameContent(session->content(0), SubMesh(src, i0, i1, j0, j1), 0.0, true));
     if (i1 == 4) {
-      EXPECT_TRUE(SameContent(content(1), src, 0.0, true));
+      EXPECT_TRUE(SameContent(session->content(1), src, 0.0, true));
     }
-    const json top = Children(written())[0];
+    const json top = Children(session->written())[0];
     EXPECT_EQ(top.value("opacity", 1.0), 0.75);
     EXPECT_EQ(top.value("blend", std::string("normal")), "overlay");
   }
@@ -185,16 +177,16 @@ TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
 
 TEST_F(PartCopy, RectangleWithoutACellOrOutsideTheGridIsRefused) {
   MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
-  load(DocJson({MeshJson(layout)}));
-  const json before = written();
+  Load(DocJson({MeshJson(layout)}));
+  const json before = session->written();
   const int bad[][4] = {{1, 1, 0, 2}, {0, 3, 2, 2}, {-1, 2, 0, 1}, {0, 4, 0, 1}, {0, 3, 0, 3}, {2, 1, 0, 2}};
   for (const auto& r : bad) {
     ArtObject* part = nullptr;
-    EXPECT_EQ(MakeMeshPart(art(0), &part, r[0], r[1], r[2], r[3]), 1);
+    EXPECT_EQ(MakeMeshPart(session->art(0), &part, r[0], r[1], r[2], r[3]), 1);
     EXPECT_EQ(part, nullptr);
-    EXPECT_EQ(artCount(), 1u);
+    EXPECT_EQ(session->artCount(), 1u);
   }
-  EXPECT_EQ(written(), before);
+  EXPECT_EQ(session->written(), before);
 }
 
 }  // namespace

@@ -7,21 +7,15 @@
 
 namespace lbtest {
 
-MeshSuites HostMeshSuites() {
-  using lb::host::findSuite;
-  return MeshSuites{
-      static_cast<const AIMeshSuite*>(findSuite(kAIMeshSuite, kAIMeshSuiteVersion)),
-      static_cast<const AIMeshVertexIteratorSuite*>(findSuite(kAIMeshVertexIteratorSuite, kAIMeshVertexIteratorSuiteVersion)),
-      static_cast<const AIMeshSegmentIteratorSuite*>(findSuite(kAIMeshSegmentIteratorSuite, kAIMeshSegmentIteratorSuiteVersion)),
-      static_cast<const AIMeshSelectionSuite*>(findSuite(kAIMeshSelectionSuite, kAIMeshSelectionSuiteVersion)),
-      static_cast<const AIMeshPatchIteratorSuite*>(findSuite(kAIMeshPatchIteratorSuite, kAIMeshPatchIteratorSuiteVersion)),
-      static_cast<const AIMeshHitSuite*>(findSuite(kAIMeshHitSuite, kAIMeshHitSuiteVersion)),
-  };
-}
-
 void MeshTest::SetUp() {
   session = std::make_unique<Session>(DocJson(std::vector<json>{}), Session::Bare);
-  s = HostMeshSuites();
+  using lb::host::findSuite;
+  s = {static_cast<const AIMeshSuite*>(findSuite(kAIMeshSuite, kAIMeshSuiteVersion)),
+       static_cast<const AIMeshVertexIteratorSuite*>(findSuite(kAIMeshVertexIteratorSuite, kAIMeshVertexIteratorSuiteVersion)),
+       static_cast<const AIMeshSegmentIteratorSuite*>(findSuite(kAIMeshSegmentIteratorSuite, kAIMeshSegmentIteratorSuiteVersion)),
+       static_cast<const AIMeshSelectionSuite*>(findSuite(kAIMeshSelectionSuite, kAIMeshSelectionSuiteVersion)),
+       static_cast<const AIMeshPatchIteratorSuite*>(findSuite(kAIMeshPatchIteratorSuite, kAIMeshPatchIteratorSuiteVersion)),
+       static_cast<const AIMeshHitSuite*>(findSuite(kAIMeshHitSuite, kAIMeshHitSuiteVersion))};
   ASSERT_NE(s.mesh, nullptr);
   ASSERT_EQ(session->host().document().newArt(kMeshArt, kPlaceAboveAll, nullptr, &art), kNoErr);
   ASSERT_NE(art->mesh, nullptr);

@@ -23,8 +23,6 @@ struct MeshSuites {
   const AIMeshPatchIteratorSuite* patch;
   const AIMeshHitSuite* hit;
 };
-// The host's tables (a Host must exist).
-MeshSuites HostMeshSuites();
 
 // A bare host (no plug-in) holding one new mesh art; the session checks at
 // the end that every iterator and selection handed out was released.
@@ -42,8 +40,6 @@ class MeshTest : public ::testing::Test {
   ArtObject* art = nullptr;
 };
 
-// Bends every run of the mesh a little, deterministically, so that curves
-// are not straight lines.
 // Readers of a mesh in the host, by node (i, j) and direction (Dir).
 inline AIRealPoint NodeP(const lb::host::GradientMesh& m, int i, int j) { return m.point(m.node(i, j)); }
 inline AIRealPoint Tan(const lb::host::GradientMesh& m, int i, int j, int d) { return m.tangent(m.node(i, j), d); }
@@ -52,6 +48,8 @@ inline bool SmoothAt(const lb::host::GradientMesh& m, int i, int j, int d) { ret
 std::vector<AIRealPoint> AllNodeHandles(const lb::host::GradientMesh& m);
 NodeSet SelectedNodes(const lb::host::GradientMesh& m);
 
+// Bends every run of the mesh a little, deterministically, so that curves
+// are not straight lines.
 void Bend(lb::host::GradientMesh& m, double amount = 0.07);
 AIColor Rgb(double r, double g, double b);
 

@@ -24,19 +24,13 @@ NodeSet MeshState::selectedNodes() const {
 int MeshState::colorFrom(int i, int j) const { return Decode(node(i, j).at("color").at("gray").get<double>(), false); }
 int MeshState::opacityFrom(int i, int j) const { return Decode(node(i, j).at("opacity").get<double>(), true); }
 
-std::vector<bool> MeshState::innerSelected(int i, int j, char axis) const {
-  std::vector<bool> out;
+bool MeshState::innerSel(int i, int j, char axis) const {
   for (const auto& run : m_art.value("runs", json::array())) {
     if (run.at("node").at(0) != i || run.at("node").at(1) != j || run.at("axis") != std::string(1, axis)) continue;
     for (const auto& in : run.value("inner", json::array()))
-      if (in.at("kind") == "vertex") out.push_back(in.value("selected", false));
+      if (in.at("kind") == "vertex") return in.value("selected", false);
   }
-  return out;
-}
-
-bool MeshState::innerSel(int i, int j, char axis) const {
-  const auto v = innerSelected(i, j, axis);
-  return !v.empty() && v[0];
+  return false;
 }
 
 int MeshState::Decode(double x, bool opacity) const {

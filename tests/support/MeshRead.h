@@ -32,9 +32,8 @@ class MeshState {
   // now carries, or -1 when it matches none.
   int colorFrom(int i, int j) const;
   int opacityFrom(int i, int j) const;
-  // Selection flags of the non-node vertices of the run from (i, j) along
-  // axis, in order; innerSel: the first of them.
-  std::vector<bool> innerSelected(int i, int j, char axis) const;
+  // Selection flag of the first non-node vertex of the run from (i, j)
+  // along axis (false when there is none).
   bool innerSel(int i, int j, char axis) const;
   int nodeNo(int i, int j) const { return i + (I + 1) * j; }
 

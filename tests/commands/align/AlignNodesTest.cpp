@@ -79,27 +79,6 @@ TEST(AlignTest, CtrlAltOrNoSelectedMeshChangesNothing) {
     }
 }
 
-TEST(AlignTest, HandlesKeepTheirShape) {
-  // Handles at p + (5, 0) and p - (5, 0), node moved by (0, 20).
-  MeshRecipe d;
-  d.selected = {{1, 1}, {1, 0}};
-  d.moved[{1, 1}] = {10, -10};
-  d.handle[{1, 1, IF}] = {15, -10};
-  d.handle[{1, 1, IB}] = {5, -10};
-  {
-    Session s(d);
-    s.run(kCmdAlignHor, false, false);  // v centre of -10 and 0: (1, 1) moves by (0, 5)
-    const GradientMesh& m = s.engine();
-    EXPECT_PT_NEAR(NodeP(m, 1, 1), (AIRealPoint{10, -5}), 0.0);
-    EXPECT_PT_NEAR(Tan(m, 1, 1, IF), (AIRealPoint{15, -5}), 0.0);
-    EXPECT_PT_NEAR(Tan(m, 1, 1, IB), (AIRealPoint{5, -5}), 0.0);
-  }
-  Session t(d);
-  t.run(kCmdAlignHor, false, true);  // smaller end: the moved node stays, (1, 0) goes down by 10
-  EXPECT_PT_NEAR(NodeP(t.engine(), 1, 0), (AIRealPoint{10, -10}), 0.0);
-  EXPECT_PT_NEAR(Tan(t.engine(), 1, 1, IF), (AIRealPoint{15, -10}), 0.0);
-}
-
 TEST(AlignTest, NonNodeVerticesMoveToo) {
   MeshRecipe d;
   d.selected = {{2, 2}};

@@ -46,6 +46,10 @@ std::vector<AIRealPoint> RunPoints(const GradientMesh& m, int i, int j, bool alo
 
 // The piece of the path from anchor a to anchor b: every control point.
 std::vector<AIRealPoint> Piece(const std::vector<Anchor>& s, int a, int b) {
+  if (a > b) {
+    std::vector<AIRealPoint> back = Piece(s, b, a);
+    return {back.rbegin(), back.rend()};
+  }
   std::vector<AIRealPoint> pts = {s[a].p, s[a].out};
   for (int k = a + 1; k < b; ++k) pts.insert(pts.end(), {s[k].in, s[k].p, s[k].out});
   pts.insert(pts.end(), {s[b].in, s[b].p});
@@ -62,22 +66,28 @@ struct RowCase {
   int nodes;            // row j = 0 of a (nodes - 1) x 1 mesh, all selected
   int anchors;
   std::vector<int> idx;  // anchor under node q
+  bool backwards = false, alt = false;
 };
 
+// The walk starts at the row end nearer the path's first anchor; Alt
+// reverses it.
 TEST(SpreadAlongPathTest, RowNodesLandOnTheirAnchorsAndRunsFollowThePath) {
   const RowCase cases[] = {
       {"5 nodes, 5 anchors", 5, 5, {0, 1, 2, 3, 4}},
       {"3 nodes, 5 anchors", 3, 5, {0, 2, 4}},
       {"4 nodes, 6 anchors", 4, 6, {0, 2, 4, 5}},
+      {"drawn along the row, Alt", 5, 5, {4, 3, 2, 1, 0}, false, true},
+      {"drawn against the row", 5, 5, {4, 3, 2, 1, 0}, true, false},
+      {"drawn against the row, Alt", 5, 5, {0, 1, 2, 3, 4}, true, true},
   };
   for (const RowCase& c : cases) {
     SCOPED_TRACE(c.name);
     MeshRecipe d;
     d.I = c.nodes - 1, d.J = 1;
     d.selected = Rect(0, d.I, 0, 0);
-    const auto wave = Wave(c.anchors, 40.0 / (c.anchors - 1));
+    const auto wave = Wave(c.anchors, 40.0 / (c.anchors - 1), c.backwards);
     Session s(DocJson({MeshJson(d), PathJson(wave)}));
-    s.run(kCmdAlignPath);
+    s.run(kCmdAlignPath, c.alt, false);
     ASSERT_EQ(s.artCount(), 1u) << "the path is consumed";
     const GradientMesh& m = s.engine(0);
     for (int q = 0; q < c.nodes; ++q) EXPECT_PT_NEAR(NodeP(m, q, 0), wave[c.idx[q]].p, 0.0) << q;
@@ -109,32 +119,6 @@ TEST(SpreadAlongPathTest, ShortPathGetsAnchorsAtTheMiddleOfItsPieces) {
     EXPECT_PT_NEAR(NodeP(m, 2 * k + 1, 0), half, 1e-12);
     ExpectPoints(RunPoints(m, 2 * k, 0), {p0, a, ab, half}, 1e-12);
     ExpectPoints(RunPoints(m, 2 * k + 1, 0), {half, bc, cc, p3}, 1e-12);
-  }
-}
-
-struct DirectionCase {
-  const char* name;
-  bool backwards, alt;
-  bool lastOnStart;  // node (I, 0) lands on the path's first anchor
-};
-
-TEST(SpreadAlongPathTest, WalkDirectionFollowsTheNearerEndsAndAltReversesIt) {
-  const DirectionCase cases[] = {
-      {"drawn along the row", false, false, false},
-      {"drawn along the row, Alt", false, true, true},
-      {"drawn against the row", true, false, true},
-      {"drawn against the row, Alt", true, true, false},
-  };
-  for (const DirectionCase& c : cases) {
-    SCOPED_TRACE(c.name);
-    MeshRecipe d;
-    d.I = 4, d.J = 1;
-    d.selected = Rect(0, 4, 0, 0);
-    const auto wave = Wave(5, 10, c.backwards);
-    Session s(DocJson({MeshJson(d), PathJson(wave)}));
-    s.run(kCmdAlignPath, c.alt, false);
-    const GradientMesh& m = s.engine(0);
-    for (int q = 0; q <= 4; ++q) EXPECT_PT_NEAR(NodeP(m, c.lastOnStart ? 4 - q : q, 0), wave[q].p, 0.0) << q;
   }
 }
 

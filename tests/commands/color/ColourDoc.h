@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "io/svg/SvgCommon.h"
 #include "support/Session.h"
 
 namespace coltest {
@@ -56,21 +57,6 @@ inline int OpacityCode(const MeshState& m, int i, int j) {
 }
 inline double OpacityAt(const MeshState& m, int i, int j) { return m.node(i, j).at("opacity").get<double>(); }
 
-inline std::string Base64(const std::vector<uint8_t>& in) {
-  static const char* k = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  for (size_t i = 0; i < in.size(); i += 3) {
-    uint32_t v = uint32_t(in[i]) << 16;
-    if (i + 1 < in.size()) v |= uint32_t(in[i + 1]) << 8;
-    if (i + 2 < in.size()) v |= in[i + 2];
-    out += k[(v >> 18) & 63];
-    out += k[(v >> 12) & 63];
-    out += i + 1 < in.size() ? k[(v >> 6) & 63] : '=';
-    out += i + 2 < in.size() ? k[v & 63] : '=';
-  }
-  return out;
-}
-
 struct ImageRecipe {
   std::string type = "raster";  // or "placed"
   int width = 1, height = 1;
@@ -107,9 +93,9 @@ inline std::vector<uint8_t> Numbered(const ImageRecipe& s) {
 }
 
 inline json ImageJson(const ImageRecipe& s) {
-  json a = {{"type", s.type},     {"width", s.width},           {"height", s.height}, {"space", s.space},
-            {"alpha", s.alpha},   {"bits", 8},                  {"matrix", s.matrix}, {"pixels", Base64(s.pixels)},
-            {"fill", s.fill},     {"selected", s.selected}};
+  json a = {{"type", s.type}, {"width", s.width}, {"height", s.height}, {"space", s.space}, {"alpha", s.alpha},
+            {"bits", 8}, {"matrix", s.matrix}, {"fill", s.fill}, {"selected", s.selected},
+            {"pixels", lb::io::svg::base64(std::string(s.pixels.begin(), s.pixels.end()))}};
   if (s.type == "placed") a["placedType"] = s.placedType;
   return a;
 }

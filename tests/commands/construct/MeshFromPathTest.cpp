@@ -165,22 +165,26 @@ TEST(MeshFromPath, PaintOpacityAndBlending) {
 }
 
 // The mesh takes the path's place in the paint order and is selected; the
-// path is gone. A sub-path of a compound path is replaced by a mesh above
-// the compound path.
+// path is gone. Paths that are not selected, a rectangle among them, stay.
 TEST(MeshFromPath, MeshTakesThePathsPlace) {
   json above = PathArt({{{0, 100}}, {{10, 100}}}, false, false);
   above["id"] = "above";
-  json below = PathArt({{{0, 200}}, {{10, 200}}}, false, false);
+  std::vector<Anchor> other = kRect;
+  for (Anchor& a : other) a.p.v += 200;
+  json below = PathArt(other, true, false);
   below["id"] = "below";
   Session s(lbtest::DocJson({above, PathArt(kRect), below}));
+  const json before = Children(s.written());
   const json kids = s.runLayer(kMeshFromPath);
   ASSERT_EQ(kids.size(), 3u);
-  EXPECT_EQ(kids[0].at("id"), "above");
+  EXPECT_EQ(kids[0], before[0]);
   EXPECT_EQ(kids[1].at("type"), "mesh");
   EXPECT_EQ(kids[1].at("selected"), true);
-  EXPECT_EQ(kids[2].at("id"), "below");
+  EXPECT_EQ(kids[2], before[2]);
 }
 
+// A sub-path of a compound path is replaced by a mesh above the compound
+// path.
 TEST(MeshFromPath, SubPathOfACompoundPathIsReplacedAboveIt) {
   std::vector<Anchor> other = kRect;
   for (Anchor& a : other) a.p.h += 200;
@@ -195,12 +199,6 @@ TEST(MeshFromPath, SubPathOfACompoundPathIsReplacedAboveIt) {
   EXPECT_EQ(kids[2].at("id"), "cp");
   ASSERT_EQ(kids[2].at("children").size(), 1u) << "only the triangle stays";
   EXPECT_EQ(kids[2].at("children")[0].at("segments").size(), 3u);
-}
-
-TEST(MeshFromPath, NothingSelectedChangesNothing) {
-  Session s(lbtest::DocJson({PathArt(kRect, true, false)}));
-  const json before = s.written();
-  EXPECT_EQ(s.runWritten(kMeshFromPath), before);
 }
 
 }  // namespace

@@ -2,35 +2,22 @@
 // selected) and the hidden report of shared path ends (id 170).
 #include <gtest/gtest.h>
 
-#include <optional>
-
+#include "commands/construct/ConstructDoc.h"
 #include "support/Engine.h"
 
 namespace lbtest {
 namespace {
 
 using lb::host::GradientMesh;
-constexpr double kThird = 0.3333333432674408;
 
-struct A {
-  A(AIRealPoint p_, std::optional<AIRealPoint> in_ = {}, std::optional<AIRealPoint> out_ = {}, int sel = -1)
-      : p(p_), in(in_), out(out_), selected(sel) {}
-  AIRealPoint p;
-  std::optional<AIRealPoint> in, out;
-  int selected;  // -1: not written
-};
+using constructtest::Anchor;
+using constructtest::kThird;
+using constructtest::Pt;
 
-json Path(const std::vector<A>& anchors, json stroke = nullptr, json fill = nullptr, double opacity = 1.0) {
-  json segs = json::array();
-  for (const A& a : anchors) {
-    json s = {{"p", {a.p.h, a.p.v}}};
-    if (a.in) s["in"] = {a.in->h, a.in->v};
-    if (a.out) s["out"] = {a.out->h, a.out->v};
-    if (a.selected >= 0) s["selected"] = a.selected;
-    segs.push_back(s);
-  }
-  json art = {{"type", "path"}, {"closed", false}, {"selected", true}, {"fill", fill},
-              {"stroke", stroke}, {"segments", segs}};
+json Path(const std::vector<Anchor>& anchors, json stroke = nullptr, json fill = nullptr, double opacity = 1.0) {
+  json art = constructtest::PathArt(anchors, false);
+  art["stroke"] = stroke;
+  art["fill"] = fill;
   if (opacity != 1.0) art["opacity"] = opacity;
   return art;
 }
@@ -51,9 +38,7 @@ std::vector<json> SideBySide() {
 
 // Which path ends become the corners: nodes (0, 0), (1, 0), (0, 1), (1, 1).
 TEST(SewPathsTest, CornersFromTheNearerOrSelectedEnds) {
-  const std::vector<A> curved = {{{0, 0}, {}, AIRealPoint{5, 5}},
-                                 {{15, 2}, AIRealPoint{10, 4}, AIRealPoint{20, 0}},
-                                 {{30, 0}, AIRealPoint{25, -3}, {}}};
+  const std::vector<Anchor> curved = {{{0, 0}, {}, Pt{5, 5}}, {{15, 2}, Pt{10, 4}, Pt{20, 0}}, {{30, 0}, Pt{25, -3}, {}}};
   const struct {
     const char* name;
     std::vector<json> paths;

@@ -109,16 +109,11 @@ inline Pt P(const json& p) { return {p[0].get<double>(), p[1].get<double>()}; }
 
 // The written run from node (i, j) along axis.
 inline LineRun ReadRun(const json& mesh, int axis, int i, int j) {
-  for (const json& r : mesh.at("runs")) {
-    if (r.at("node")[0] != i || r.at("node")[1] != j || r.at("axis") != (axis == 0 ? "I" : "J")) continue;
-    LineRun out;
-    for (const json& p : r.at("points")) out.points.push_back(P(p));
-    for (const json& e : r.value("inner", json::array()))
-      out.inner += e.at("kind") == "knot" ? 'k' : (e.value("selected", false) ? 'V' : 'v');
-    return out;
-  }
-  ADD_FAILURE() << "no run " << axis << " from (" << i << ", " << j << ")";
-  return {};
+  const json& r = lbtest::RunAt(mesh, i, j, axis == 0 ? 'I' : 'J');
+  LineRun out{lbtest::PointsOf(r.at("points")), ""};
+  for (const json& e : r.value("inner", json::array()))
+    out.inner += e.at("kind") == "knot" ? 'k' : (e.value("selected", false) ? 'V' : 'v');
+  return out;
 }
 
 // Every run of two written meshes: same points (within tol) and kinds.

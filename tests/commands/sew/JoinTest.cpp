@@ -23,17 +23,11 @@ struct Block {
 };
 
 const Block kBlocks[] = {
-    {"Pair", 1, 2, 2, 1, {0, 1}},
-    {"PairReversed", 1, 2, 2, 1, {1, 0}},
-    {"RowOfThree", 1, 3, 1, 2, {0, 1, 2}},
-    {"RowOfThreeMiddleFirst", 1, 3, 1, 2, {1, 2, 0}},
-    {"RowOfThreeEndsFirst", 1, 3, 1, 2, {2, 0, 1}},
-    {"ColumnOfFour", 4, 1, 2, 2, {3, 1, 0, 2}},
-    {"TwoByTwo", 2, 2, 2, 2, {0, 1, 2, 3}},
-    {"TwoByTwoShuffled", 2, 2, 2, 2, {3, 0, 2, 1}},
-    {"TwoByThree", 2, 3, 1, 2, {4, 1, 5, 0, 3, 2}},
-    {"ThreeByTwo", 3, 2, 2, 1, {0, 5, 2, 3, 1, 4}},
-    {"ThreeByThree", 3, 3, 2, 2, {4, 8, 0, 2, 6, 1, 3, 7, 5}},
+    {"Pair", 1, 2, 2, 1, {0, 1}}, {"PairReversed", 1, 2, 2, 1, {1, 0}}, {"RowOfThree", 1, 3, 1, 2, {0, 1, 2}},
+    {"RowOfThreeMiddleFirst", 1, 3, 1, 2, {1, 2, 0}}, {"RowOfThreeEndsFirst", 1, 3, 1, 2, {2, 0, 1}},
+    {"ColumnOfFour", 4, 1, 2, 2, {3, 1, 0, 2}}, {"TwoByTwo", 2, 2, 2, 2, {0, 1, 2, 3}},
+    {"TwoByTwoShuffled", 2, 2, 2, 2, {3, 0, 2, 1}}, {"TwoByThree", 2, 3, 1, 2, {4, 1, 5, 0, 3, 2}},
+    {"ThreeByTwo", 3, 2, 2, 1, {0, 5, 2, 3, 1, 4}}, {"ThreeByThree", 3, 3, 2, 2, {4, 8, 0, 2, 6, 1, 3, 7, 5}},
 };
 
 // The colour every node of mesh m gets; seam nodes average two or four.
@@ -128,27 +122,21 @@ TEST(Join, SeamAverageAndTheFirstMeshsOpacityAndBlend) {
   EXPECT_EQ(seam, 2);
 }
 
-struct Gap {
-  double gap;
-  bool joins;
-};
-
-class EachGap : public ::testing::TestWithParam<Gap> {};
-
-TEST_P(EachGap, DockingTolerance) {
-  const Block b{"Row", 1, 3, 1, 1, {0, 1, 2}};
-  Session s(DocJson(Arrange(b, GetParam().gap)));
-  const json before = s.written();
-  const json after = s.runWritten(kCmdSewDocked);
-  if (GetParam().joins) {
+// Meshes 0.5 apart dock; 0.6 apart they do not, and nothing changes.
+TEST(Join, DockingTolerance) {
+  for (double gap : {0.25, 0.5, 0.6}) {
+    SCOPED_TRACE(gap);
+    Session s(DocJson(Arrange({"Row", 1, 3, 1, 1, {0, 1, 2}}, gap)));
+    const json before = s.written();
+    const json after = s.runWritten(kCmdSewDocked);
+    if (gap > 0.55) {
+      EXPECT_EQ(after, before);
+      continue;
+    }
     ASSERT_EQ(Children(after).size(), 1u);
     EXPECT_EQ(Children(after)[0].at("size"), json::array({3, 1}));
-  } else {
-    EXPECT_EQ(after, before);
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Join, EachGap, ::testing::Values(Gap{0.25, true}, Gap{0.5, true}, Gap{0.6, false}));
 
 // Arrangements that are not a full grid of meshes change nothing, nor does
 // one selected mesh (the mesh-joining branch is not taken).
@@ -171,39 +159,30 @@ TEST(Join, RefusedArrangementsChangeNothing) {
 }
 
 // Meshes that were the only children of a group leave it: the result
-// stands where the group stood and the emptied group is gone.
-TEST(Join, MeshesLeaveTheirGroup) {
-  json group = {{"type", "group"}, {"id", "g"}, {"children", Arrange({"Pair", 1, 2, 1, 1, {0, 1}})}};
-  json other = MeshJson(Cells(1, 1));
-  other["id"] = "other";
-  other["selected"] = false;
-  other["nodes"][0]["p"] = {100, 100};
-  other.erase("runs");  // straight again from the moved node
-  Session s(DocJson({group, other}));
-  const json kids = s.runLayer(kCmdSewDocked);
-  ASSERT_EQ(kids.size(), 2u);
-  EXPECT_EQ(kids[0].at("type"), "mesh");
-  EXPECT_EQ(kids[0].at("size"), json::array({2, 1}));
-  EXPECT_EQ(kids[1].at("id"), "other");
-}
-
-// A group that keeps other art keeps the result too.
-TEST(Join, GroupWithOtherArtKeepsTheResult) {
-  std::vector<json> inside = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
+// stands where the group stood and the emptied group is gone. A group that
+// keeps other art keeps the result too.
+TEST(Join, MeshesLeaveAGroupThatHeldOnlyThem) {
   json extra = MeshJson(Cells(1, 1));
   extra["id"] = "extra";
   extra["selected"] = false;
   for (json& n : extra["nodes"]) n["p"][0] = n["p"][0].get<double>() + 100;
-  extra.erase("runs");
-  inside.push_back(extra);
-  json group = {{"type", "group"}, {"id", "g"}, {"children", inside}};
-  Session s(DocJson({group}));
-  const json kids = s.runLayer(kCmdSewDocked);
-  ASSERT_EQ(kids.size(), 1u);
-  EXPECT_EQ(kids[0].at("id"), "g");
-  ASSERT_EQ(kids[0].at("children").size(), 2u);
-  EXPECT_EQ(kids[0].at("children")[0].at("size"), json::array({2, 1}));
-  EXPECT_EQ(kids[0].at("children")[1].at("id"), "extra");
+  extra.erase("runs");  // straight again from the moved nodes
+  for (bool keeps : {false, true}) {
+    SCOPED_TRACE(keeps);
+    std::vector<json> inside = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
+    if (keeps) inside.push_back(extra);
+    json group = {{"type", "group"}, {"id", "g"}, {"children", inside}};
+    Session s(keeps ? DocJson({group}) : DocJson({group, extra}));
+    const json kids = s.runLayer(kCmdSewDocked);
+    const json& result = keeps ? kids.at(0).at("children") : kids;
+    ASSERT_EQ(kids.size(), keeps ? 1u : 2u);
+    ASSERT_EQ(result.size(), 2u);
+    EXPECT_EQ(result[0].at("size"), json::array({2, 1}));
+    EXPECT_EQ(result[1].at("id"), "extra");
+    if (keeps) {
+      EXPECT_EQ(kids[0].at("id"), "g");
+    }
+  }
 }
 
 // Meshes win over selected paths.

@@ -125,14 +125,6 @@ TEST(MeshGrid, UnselectedNonNodeVertexBreaksTheRun) {
   EXPECT_EQ(Names(kids), (Strs{""}));
 }
 
-TEST(MeshGrid, NoSelectedVertexLeavesNoArt) {
-  MeshRecipe m = Cells(2, 2);
-  m.whole = false;
-  m.selected = {{1, 1}};  // a lone node: no segment has both ends selected
-  Session s(MeshDoc({m}));
-  EXPECT_EQ(s.runLayer(kGrid).size(), 1u);
-}
-
 TEST(MeshGrid, TwoDigitLineNames) {
   Session s(MeshDoc({Cells(11, 1)}));
   const json kids = s.runLayer(kGrid);
