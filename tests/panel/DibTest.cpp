@@ -251,20 +251,12 @@ class DibDraw : public ::testing::Test {
   ZC_DIB dib;
 };
 
-TEST_F(DibDraw, WholeBitmapLandsTopDown) {
-  dib.Draw(hdc, 5, 6, 0, 0, -1, -1);
-  for (int y = 0; y < 2; ++y)
-    for (int x = 0; x < 3; ++x)
-      EXPECT_EQ(lbwinGetPixel(wnd, 5 + x, 6 + y), RGB(10 * x + 1, 10 * y + 1, 0)) << x << "," << y;
-  EXPECT_EQ(lbwinGetPixel(wnd, 8, 6), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(wnd, 5, 8), RGB(255, 255, 255));
-}
-
-TEST_F(DibDraw, SubRectangle) {
+TEST_F(DibDraw, WholeAndSubRectangles) {
   const struct {
     int x, y, sx, sy, w, h;
     COLORREF first, right, below;  // at (x, y), (x + 1, y), (x, y + 1)
   } cases[] = {
+      {5, 6, 0, 0, -1, -1, RGB(1, 1, 0), RGB(11, 1, 0), RGB(1, 11, 0)},            // whole, top row first
       {0, 0, 1, 1, 1, 1, RGB(11, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // pixel (1, 1) alone
       {10, 10, 1, 0, 2, 1, RGB(11, 1, 0), RGB(21, 1, 0), RGB(255, 255, 255)},       // columns 1..2 of the top row
       {15, 15, 2, 1, -1, -1, RGB(21, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // negative: to the edges
