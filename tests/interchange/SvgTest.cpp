@@ -138,12 +138,7 @@ TEST(MeshGradientOnly, MovedMeshKeepsItsStructureEditedMeshIsReadAsWritten) {
 
 // ---- Inkscape's own meshes -----------------------------------------------
 
-struct NodeCase {
-  int i, j;
-  double h, v;
-  unsigned rgb;
-  double opacity;
-};
+struct NodeCase { int i, j; double h, v; unsigned rgb; double opacity; };
 
 TEST(InkscapeMesh, NodesColoursSidesAndThePathBeside) {
   Losses losses;
@@ -293,18 +288,10 @@ TEST(PathData, ArcMidpointLiesOnTheCircle) {
 }
 
 TEST(Transforms, ListsComposeLeftToRight) {
-  struct {
-    const char* text;
-    Point in, out;
-  } cases[] = {
-      {"translate(10)", {1, 2}, {11, 2}},
-      {"translate(10,20) scale(2)", {1, 2}, {12, 24}},
-      {"scale(2,3)", {1, 1}, {2, 3}},
-      {"rotate(90)", {1, 0}, {0, 1}},
-      {"rotate(90 10 10)", {10, 0}, {20, 10}},
-      {"matrix(1 0 0 1 5 6)", {0, 0}, {5, 6}},
-      {"skewX(45)", {0, 1}, {1, 1}},
-      {"skewY(45)", {1, 0}, {1, 1}},
+  struct { const char* text; Point in, out; } cases[] = {
+      {"translate(10)", {1, 2}, {11, 2}}, {"translate(10,20) scale(2)", {1, 2}, {12, 24}},
+      {"scale(2,3)", {1, 1}, {2, 3}}, {"rotate(90)", {1, 0}, {0, 1}}, {"rotate(90 10 10)", {10, 0}, {20, 10}},
+      {"matrix(1 0 0 1 5 6)", {0, 0}, {5, 6}}, {"skewX(45)", {0, 1}, {1, 1}}, {"skewY(45)", {1, 0}, {1, 1}},
       {" scale( 2 ) , translate(1 1) ", {0, 0}, {2, 2}},
   };
   for (const auto& c : cases) {
@@ -348,10 +335,7 @@ TEST(Lengths, Units) {
 // ---- bad files and losses ---------------------------------------------------
 
 TEST(BadSvg, NamedErrors) {
-  struct {
-    const char* svg;
-    const char* names;
-  } cases[] = {
+  struct { const char* svg; const char* names; } cases[] = {
       {"<svg", "XML"},
       {"<html/>", "<svg>"},
       {"<svg viewBox='0 0 -1 5'/>", "viewBox"},

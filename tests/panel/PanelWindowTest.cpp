@@ -166,7 +166,9 @@ TEST_F(Panel, HostPanelAndWindow) {
   EXPECT_EQ(info->icons, (std::vector<std::pair<int32_t, int32_t>>{{220, 220}}));
 }
 
-TEST_F(Panel, EveryPictureButtonIsRaisedWithItsPictureInside) {
+// Every picture button is raised with its picture inside; background
+// between and around the buttons.
+TEST_F(Panel, ButtonsAndBackground) {
   for (const auto& [id, place] : kGrid) {
     SCOPED_TRACE(id);
     EXPECT_TRUE(Framed(id, kWhite, kShadow));
@@ -184,9 +186,6 @@ TEST_F(Panel, EveryPictureButtonIsRaisedWithItsPictureInside) {
       for (int x = r.x + 2; x < r.x + 34; ++x) drawn += At(x, y) != kGrey;
     EXPECT_GT(drawn, 20) << "no picture";
   }
-}
-
-TEST_F(Panel, BackgroundBetweenAndAroundTheButtons) {
   for (int y = 0; y < 262; ++y) {
     EXPECT_EQ(At(39, y), kGrey) << y;   // between columns 0 and 1
     EXPECT_EQ(At(2, y), kGrey) << y;    // left margin
@@ -267,7 +266,9 @@ TEST_F(Panel, PrintClientDrawsTheCompositeAlone) {
 
 // ---- Hovering -----------------------------------------------------------------------
 
-TEST_F(Panel, HoverShowsTheTooltipFromTheLeftAndEmptySpotsTheVersion) {
+// Hovering a button shows its tooltip from the left, an empty spot the
+// version; the strip is redrawn only when its text changes (and on paint).
+TEST_F(Panel, HoverShowsTheTooltipAndRedrawsTheStripOnlyWhenItsTextChanges) {
   const auto version = Strip();
   Move(kShiftX, kShiftY);
   EXPECT_NE(Strip(), version);
@@ -277,9 +278,7 @@ TEST_F(Panel, HoverShowsTheTooltipFromTheLeftAndEmptySpotsTheVersion) {
   Move(kShiftX, kShiftY);
   Move(1, 1);  // the margin is no button either
   EXPECT_EQ(Strip(), version);
-}
 
-TEST_F(Panel, TheStripIsRedrawnOnlyWhenItsTextChanges) {
   Move(kShiftX, kShiftY);
   HDC dc = GetDC(hwnd);
   SetPixel(dc, 150, 400, RGB(1, 2, 3));
