@@ -187,7 +187,9 @@ class EditorWindow : public ::testing::Test {
 
   // Presses at one window pixel, moves through the midpoint and releases at another.
   void Drag(std::pair<int, int> a, std::pair<int, int> b) {
-    auto at = [&](int x, int y) { return "mousemove --window " + xid + " " + std::to_string(x) + " " + std::to_string(y); };
+    auto at = [&](int x, int y) {
+      return "mousemove --window " + xid + " " + std::to_string(x) + " " + std::to_string(y);
+    };
     Xdo(at(a.first, a.second) + " mousedown 1 sleep 0.1 " + at((a.first + b.first) / 2, (a.second + b.second) / 2) +
         " sleep 0.1 " + at(b.first, b.second) + " sleep 0.1 mouseup 1");
   }

@@ -276,15 +276,13 @@ TEST(PathData, EveryCommandForm) {
     std::string err;
     EXPECT_FALSE(lb::io::svg::parsePathData(bad, &subs, &err)) << bad;
   }
-}
-
-TEST(PathData, ArcMidpointLiesOnTheCircle) {
-  std::vector<lb::io::svg::SubPath> subs;
+  // The arc's midpoint lies on the circle: sweep 1 from (0,0) to (10,0)
+  // with y down passes through (5, -5).
+  std::vector<lb::io::svg::SubPath> arc;
   std::string err;
-  ASSERT_TRUE(lb::io::svg::parsePathData("M0 0A5 5 0 0 1 10 0", &subs, &err));
-  // Sweep 1 from (0,0) to (10,0) with y down passes through (5, -5).
-  EXPECT_NEAR(subs[0].pts[6].x, 5, 1e-9);
-  EXPECT_NEAR(subs[0].pts[6].y, -5, 1e-9);
+  ASSERT_TRUE(lb::io::svg::parsePathData("M0 0A5 5 0 0 1 10 0", &arc, &err));
+  EXPECT_NEAR(arc[0].pts[6].x, 5, 1e-9);
+  EXPECT_NEAR(arc[0].pts[6].y, -5, 1e-9);
 }
 
 TEST(Transforms, ListsComposeLeftToRight) {
