@@ -73,8 +73,8 @@ TEST(History, DocumentCopyWritesTheSameFile) {
 struct HitCase {
   const char* name;
   AIRealPoint p;
-  Hit::Kind kind;
-  int i, j;  // the node hit, for vertices
+  Hit::Kind kind = Hit::kNone;
+  int i = 0, j = 0;  // the node hit, for vertices
 };
 
 class HitTest : public ::testing::TestWithParam<HitCase> {};
@@ -93,9 +93,8 @@ INSTANTIATE_TEST_SUITE_P(Points, HitTest,
                          ::testing::Values(HitCase{"corner", {0, 0}, Hit::kVertex, 0, 0},
                                            HitCase{"withinTolerance", {203, 97}, Hit::kVertex, 2, 1},
                                            HitCase{"middleNode", {100, 4}, Hit::kVertex, 1, 0},
-                                           HitCase{"insideCell", {50, 50}, Hit::kNone, 0, 0},
-                                           HitCase{"justOutside", {106, 0}, Hit::kNone, 0, 0},
-                                           HitCase{"path", {320, 20}, Hit::kPath, 0, 0}),
+                                           HitCase{"insideCell", {50, 50}}, HitCase{"justOutside", {106, 0}},
+                                           HitCase{"path", {320, 20}, Hit::kPath}),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Selection, ClickShiftClickAndEmptyClick) {

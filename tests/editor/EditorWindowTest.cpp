@@ -377,6 +377,8 @@ TEST_F(EditorWindow, ExportAndImportMatchTheCommandLine) {
   Xdo("search --sync --name '^Import' sleep 0.5 key ctrl+l type --delay 5 '" + svg.string() + "'");
   Xdo("sleep 0.3 key Return");
   WaitHistory(1, 0, true);
+  // The import lands before the dialog has closed; keys typed meanwhile go to the dialog.
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
   EXPECT_EQ(Save(1, 0), Slurp(dir / "imported.lbdoc"));
   Key("ctrl+z");
   WaitHistory(0, 1, true);

@@ -104,16 +104,11 @@ TEST(DibCopy, RegionCodesInOrder) {
   ZC_DIB d(10, 8, 24);
   EXPECT_EQ(empty.CopyRegRaw(0, 0, &src, 0, 0, 1, 1), 1);
   EXPECT_EQ(d.CopyRegRaw(0, 0, &empty, 0, 0, 1, 1), 2);
-  EXPECT_EQ(d.CopyRegRaw(-1, 0, &src, 0, 0, 1, 1), 3);
-  EXPECT_EQ(d.CopyRegRaw(0, -1, &src, 0, 0, 1, 1), 4);
-  EXPECT_EQ(d.CopyRegRaw(10, 0, &src, 0, 0, 1, 1), 5);
-  EXPECT_EQ(d.CopyRegRaw(0, 8, &src, 0, 0, 1, 1), 6);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, -1, 0, 1, 1), 7);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, -1, 1, 1), 8);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 4, 0, 1, 1), 9);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 4, 1, 1), 10);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, 0, 1), 11);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, 1, 0), 12);
+  // x, y, sx, sy, w, h and the code; the source is src.
+  const int cases[][7] = {{-1, 0, 0, 0, 1, 1, 3}, {0, -1, 0, 0, 1, 1, 4}, {10, 0, 0, 0, 1, 1, 5}, {0, 8, 0, 0, 1, 1, 6},
+                          {0, 0, -1, 0, 1, 1, 7}, {0, 0, 0, -1, 1, 1, 8}, {0, 0, 4, 0, 1, 1, 9}, {0, 0, 0, 4, 1, 1, 10},
+                          {0, 0, 0, 0, 0, 1, 11}, {0, 0, 0, 0, 1, 0, 12}};
+  for (const auto& c : cases) EXPECT_EQ(d.CopyRegRaw(c[0], c[1], &src, c[2], c[3], c[4], c[5]), c[6]);
   // The blending copy shares the checks.
   EXPECT_EQ(d.CopyReg(0, 0, &empty, 0, 0, 1, 1), 2);
   EXPECT_EQ(d.CopyReg(10, 0, &src, 0, 0, 1, 1), 5);
