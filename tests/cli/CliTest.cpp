@@ -7,40 +7,25 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "app/DemoTour.h"
 
 #include "cli/Invoke.h"
+#include "interchange/Pictures.h"
 
 namespace {
 namespace fs = std::filesystem;
 using clitest::Invoke;
 using clitest::Result;
-
-std::string Slurp(const fs::path& p) {
-  std::ifstream in(p, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-void Write(const fs::path& p, const std::string& text) {
-  std::ofstream out(p, std::ios::binary);
-  out << text;
-}
+const auto Slurp = lb::test::slurp;
+const auto Write = lb::test::spit;
 
 class Cli : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir = fs::temp_directory_path() /
-          ("lb-cli-" + std::to_string(::getpid()) + "-" +
-           ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::remove_all(dir);
-    fs::create_directories(dir);
+    dir = lb::test::scratchDir(std::string("cli-") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
     // A document with a path only: every command leaves it alone.
     Write(dir / "plain.lbdoc", R"({"latticebender": 1, "layers": [{"name": "Layer 1",
       "children": [{"type": "path", "closed": false, "fill": null, "stroke": null,

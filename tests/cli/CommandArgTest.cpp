@@ -8,13 +8,11 @@ using lb::app::commandsInOrder;
 using lb::app::parseCommandArg;
 
 TEST(CommandArg, IdWithModifiersInAnyOrder) {
-  const struct {
-    const char* text;
-    int id;
-    bool alt, ctrl;
-  } cases[] = {{"138", 138, false, false},       {"136+ctrl+alt", 136, true, true}, {"136+alt+ctrl", 136, true, true},
-               {"136+ALT+Ctrl", 136, true, true}, {"165+ctrl", 165, false, true},
-               {"171", 171, false, false}, {"-3", -3, false, false}};  // ids outside the table run nothing
+  // 171 and -3 lie outside the table: they parse, and run nothing.
+  const struct { const char* text; int id; bool alt, ctrl; } cases[] = {
+      {"138", 138, false, false}, {"136+ctrl+alt", 136, true, true}, {"136+alt+ctrl", 136, true, true},
+      {"136+ALT+Ctrl", 136, true, true}, {"165+ctrl", 165, false, true}, {"171", 171, false, false},
+      {"-3", -3, false, false}};
   for (const auto& c : cases) {
     auto a = parseCommandArg(c.text);
     ASSERT_TRUE(a) << c.text;
@@ -32,13 +30,8 @@ TEST(CommandArg, BadValuesAreRejectedWithAReason) {
 }
 
 TEST(CommandArg, CheckboxOptionsHoldForTheCommandsAfterThem) {
-  auto cmds = commandsInOrder({{"command", "136"},
-                                {"color", "off"},
-                                {"command", "137+ctrl"},
-                                {"opacity", "off"},
-                                {"command", "138"},
-                                {"color", "on"},
-                                {"command", "139+alt"}});
+  auto cmds = commandsInOrder({{"command", "136"}, {"color", "off"}, {"command", "137+ctrl"}, {"opacity", "off"},
+                                {"command", "138"}, {"color", "on"}, {"command", "139+alt"}});
   ASSERT_EQ(cmds.size(), 4u);
   EXPECT_TRUE(cmds[0].useColor && cmds[0].useOpacity);  // both start on
   EXPECT_FALSE(cmds[1].useColor);

@@ -59,15 +59,14 @@ int AddRowFromPath(long a, int b) { return Record("AddRowFromPath", a, b); }
 int AddZeroRow() { return Record("AddZeroRow"); }
 int DelZeroRow(int a) { return Record("DelZeroRow", a); }
 
-namespace lb {
-namespace sel {
+namespace lb::sel {
 int Nodes(long m) { return Record("sel::Nodes", m); }
 int Full(bool n) { return Record("sel::Full", n); }
 int Perim(long a, long b, long c) { return Record("sel::Perim", a, b, c); }
 int Cross(long a, long b, long c) { return Record("sel::Cross", a, b, c); }
 int Shift(long a, long b) { return Record("sel::Shift", a, b); }
-}  // namespace sel
-namespace color {
+}  // namespace lb::sel
+namespace lb::color {
 int Flip(AIMeshAxis a) { return Record("color::Flip", a); }
 int Rotate(long c) { return Record("color::Rotate", c); }
 int Shift(AIMeshAxis a, AIMeshAxisSense s) { return Record("color::Shift", a, s); }
@@ -76,35 +75,32 @@ int Copy(long a, long b) { return Record("color::Copy", a, b); }
 int Pattern(long a, long b) { return Record("color::Pattern", a, b); }
 int CatchFromRaster(int e) { return Record("color::CatchFromRaster", e); }
 int CatchFromMeshSurface(int e) { return Record("color::CatchFromMeshSurface", e); }
-}  // namespace color
-namespace handles {
+}  // namespace lb::color
+namespace lb::handles {
 int SmoothNodes(long a, long b, long c) { return Record("handles::SmoothNodes", a, b, c); }
 int Nodes13or0(long a, long b, long c, long d) { return Record("handles::Nodes13or0", a, b, c, d); }
 int Angle90Deg(long a, long b) { return Record("handles::Angle90Deg", a, b); }
-}  // namespace handles
-namespace align {
+}  // namespace lb::handles
+namespace lb::align {
 int NodesAlign(long a, long b) { return Record("align::NodesAlign", a, b); }
-int NodesSpreadAlongPath(long a, long b, int c) {
-  return Record("align::NodesSpreadAlongPath", a, b, c);
-}
+int NodesSpreadAlongPath(long a, long b, int c) { return Record("align::NodesSpreadAlongPath", a, b, c); }
 int Turn180() { return Record("align::Turn180"); }
-}  // namespace align
-namespace dens {
+}  // namespace lb::align
+namespace lb::dens {
 int Mul(long a, long b) { return Record("dens::Mul", a, b); }
 int Div(long a, long b) { return Record("dens::Div", a, b); }
-}  // namespace dens
-namespace dir {
+}  // namespace lb::dens
+namespace lb::dir {
 int Rotate(int c) { return Record("dir::Rotate", c); }
 int Flip(AIMeshAxis a) { return Record("dir::Flip", a); }
-}  // namespace dir
-namespace uv {
+}  // namespace lb::dir
+namespace lb::uv {
 int ResetLinear() { return Record("uv::ResetLinear"); }
 int ResetRelative() { return Record("uv::ResetRelative"); }
-}  // namespace uv
-namespace debug {
+}  // namespace lb::uv
+namespace lb::debug {
 int AlertUVs() { return Record("debug::AlertUVs"); }
-}  // namespace debug
-}  // namespace lb
+}  // namespace lb::debug
 
 // ---- panel -----------------------------------------------------------------
 const AIPanelSuite* sAIPanel = nullptr;
@@ -113,25 +109,16 @@ static const SSuiteInit gPanelSuites[] = {
     {kAIPanelSuite, kAIPanelSuiteVersion, reinterpret_cast<const void**>(&sAIPanel)},
     {kAIUIThemeSuite, kAIUIThemeSuiteVersion, reinterpret_cast<const void**>(&sAIUITheme)},
 };
-void PanelGetSuites(const SSuiteInit** table, unsigned* count) {
-  *table = gPanelSuites;
-  *count = 2;
-}
+void PanelGetSuites(const SSuiteInit** table, unsigned* count) { *table = gPanelSuites; *count = 2; }
 AIErr PanelAdd() {
   ++fake::panel.adds;
   if (!fake::panel.addResult) fake::panel.visible = true;
   return fake::panel.addResult;
 }
-AIErr PanelRemove() {
-  ++fake::panel.removes;
-  return kNoErr;
-}
+AIErr PanelRemove() { ++fake::panel.removes; return kNoErr; }
 void PanelShowHide() { fake::panel.visible = !fake::panel.visible; }
 bool PanelIsVisible() { return fake::panel.visible; }
-AIErr PanelChangeUITheme() {
-  ++fake::panel.themeChanges;
-  return AIFourCC("THME");
-}
+AIErr PanelChangeUITheme() { ++fake::panel.themeChanges; return AIFourCC("THME"); }
 
 // ---- host suites -------------------------------------------------------------
 struct _AIUnicodeString {
@@ -179,10 +166,7 @@ AIErr AcquirePlugin(SPPluginRef, SPAccessRef* a) {
   *a = reinterpret_cast<SPAccessRef>(0x4000);
   return kNoErr;
 }
-AIErr ReleasePlugin(SPAccessRef) {
-  --host.accesses;
-  return kNoErr;
-}
+AIErr ReleasePlugin(SPAccessRef) { --host.accesses; return kNoErr; }
 const SPAccessSuite kAccess = {.AcquirePlugin = AcquirePlugin, .ReleasePlugin = ReleasePlugin};
 
 AIErr StrInit(AIUnicodeStringRef* s, const char* t) {
@@ -197,10 +181,7 @@ AIErr StrDestroy(AIUnicodeStringRef s) {
 }
 const AIUnicodeStringSuite kString = {.InitializeFromPlatform = StrInit, .Destroy = StrDestroy};
 
-AIErr Alert(AIUnicodeStringRef s) {
-  host.alerts.push_back(s->text);
-  return kNoErr;
-}
+AIErr Alert(AIUnicodeStringRef s) { host.alerts.push_back(s->text); return kNoErr; }
 const AIUserSuite kUser = {.MessageAlert = Alert};
 
 // Any other suite: a table nobody calls into.
@@ -220,10 +201,7 @@ SPErr Acquire(const char* name, int32_t, const void** suite) {
   host.acquireLog.push_back(n);
   return kNoErr;
 }
-SPErr Release(const char* name, int32_t) {
-  if (--host.acquired[name] == 0) host.acquired.erase(name);
-  return kNoErr;
-}
+SPErr Release(const char* name, int32_t) { if (--host.acquired[name] == 0) host.acquired.erase(name); return kNoErr; }
 SPBoolean IsEqual(const char* a, const char* b) { return std::strcmp(a, b) == 0; }
 SPErr Allocate(size_t size, void** block) {
   if (host.failAllocation) return kOutOfMemoryErr;

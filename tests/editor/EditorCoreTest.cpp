@@ -73,8 +73,8 @@ TEST(History, DocumentCopyWritesTheSameFile) {
 struct HitCase {
   const char* name;
   AIRealPoint p;
-  Hit::Kind kind;
-  int i, j;  // the node hit, for vertices
+  Hit::Kind kind = Hit::kNone;
+  int i = 0, j = 0;  // the node hit, for vertices
 };
 
 class HitTest : public ::testing::TestWithParam<HitCase> {};
@@ -93,9 +93,8 @@ INSTANTIATE_TEST_SUITE_P(Points, HitTest,
                          ::testing::Values(HitCase{"corner", {0, 0}, Hit::kVertex, 0, 0},
                                            HitCase{"withinTolerance", {203, 97}, Hit::kVertex, 2, 1},
                                            HitCase{"middleNode", {100, 4}, Hit::kVertex, 1, 0},
-                                           HitCase{"insideCell", {50, 50}, Hit::kNone, 0, 0},
-                                           HitCase{"justOutside", {106, 0}, Hit::kNone, 0, 0},
-                                           HitCase{"path", {320, 20}, Hit::kPath, 0, 0}),
+                                           HitCase{"insideCell", {50, 50}}, HitCase{"justOutside", {106, 0}},
+                                           HitCase{"path", {320, 20}, Hit::kPath}),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Selection, ClickShiftClickAndEmptyClick) {
@@ -113,6 +112,10 @@ TEST(Selection, ClickShiftClickAndEmptyClick) {
   lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), true);  // toggles off
   EXPECT_EQ(m.selectedCount(), 1u);
   EXPECT_TRUE(m.selected(m.node(1, 0)));
+  // The handles of selected vertices are hit before anything else.
+  const Hit handle = lb::editor::hitTest(*doc, m.tangent(m.node(1, 0), lb::host::kDirIFwd), 2);
+  EXPECT_EQ(handle.kind, Hit::kHandle);
+  EXPECT_EQ(handle.dir, lb::host::kDirIFwd);
   // A plain click elsewhere moves the selection, a click on nothing clears it.
   lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {320, 20}, 5), false);
   EXPECT_FALSE(mesh->selected());
@@ -153,17 +156,9 @@ TEST(Selection, DraggingAVertexTakesItsHandles) {
   EXPECT_DOUBLE_EQ(m.point(v).v, -3);
 }
 
-TEST(Selection, HandlesOfSelectedVerticesAreHitFirst) {
-  auto doc = MeshAndPath();
-  lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {100, 0}, 5), false);
-  GradientMesh& m = *Mesh(*doc)->mesh;
-  const AIRealPoint h = m.tangent(m.node(1, 0), lb::host::kDirIFwd);
-  const Hit hit = lb::editor::hitTest(*doc, h, 2);
-  EXPECT_EQ(hit.kind, Hit::kHandle);
-  EXPECT_EQ(hit.dir, lb::host::kDirIFwd);
-}
-
-TEST(Canvas, ViewAndDocumentCoordinatesRoundTrip) {
+// View and document coordinates round-trip; the picture is rendered only
+// when stale.
+TEST(Canvas, CoordinatesAndCachedPicture) {
   auto doc = MeshAndPath();
   lb::editor::CanvasView view;
   view.fit(*doc, 800, 600);
@@ -177,12 +172,6 @@ TEST(Canvas, ViewAndDocumentCoordinatesRoundTrip) {
   const AIRealPoint still = view.toDoc(x, y);
   EXPECT_NEAR(still.h, 100, 1e-9);
   EXPECT_NEAR(still.v, 50, 1e-9);
-}
-
-TEST(Canvas, PictureIsRenderedOnlyWhenStale) {
-  auto doc = MeshAndPath();
-  lb::editor::CanvasView view;
-  view.fit(*doc, 400, 300);
   EXPECT_TRUE(view.refresh(*doc));
   EXPECT_FALSE(view.refresh(*doc));
   view.invalidate();
@@ -194,10 +183,7 @@ TEST(Canvas, PictureIsRenderedOnlyWhenStale) {
 // The view's marks, drawn apart for the part around the view, must land
 // exactly where the renderer's overlay puts them: after a pan, after a
 // pan beyond the part they cover, and after a change of selection.
-struct MarksCase {
-  const char* name;
-  double zoom, panX, panY;
-};
+struct MarksCase { const char* name; double zoom, panX, panY; };
 
 class CanvasMarks : public ::testing::TestWithParam<MarksCase> {};
 

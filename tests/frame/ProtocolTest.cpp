@@ -11,12 +11,6 @@ namespace {
 using lb::host::Counters;
 using lb::host::Host;
 
-const std::vector<std::string> kNotifierTypes = {
-    "AI Application Started Notifier",
-    "AI Application Shutdown Notifier",
-    "AI UI Brightness Changed Notifier",
-};
-
 TEST(Startup, AddsMenuItemAndThreeNotifiers) {
   Host host;
   host.loadPlugin();
@@ -26,7 +20,8 @@ TEST(Startup, AddsMenuItemAndThreeNotifiers) {
   EXPECT_EQ(host.menuItemGroup(item), "Tool Palettes");
   EXPECT_EQ(host.menuItemText(item), "Lattice Bender");
   EXPECT_EQ(host.menuItemOptions(item), 1);
-  EXPECT_EQ(host.notifierTypes(), kNotifierTypes);
+  // (Their types and order: dispatch's MessageTest, on the same start-up code.)
+  EXPECT_EQ(host.notifierTypes().size(), 3u);
   for (size_t i = 0; i < 3; ++i) EXPECT_EQ(host.notifierOwner(i), "LatticeBender");
   // Every message leaves the counters where they were.
   const Counters before = host.counters();

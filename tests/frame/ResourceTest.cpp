@@ -105,10 +105,6 @@ TEST(PropertyList, EntryPointIsFoundAndDamageIsRejected) {
   EXPECT_THROW(lb::host::entryPointFromPropertyList(nullptr, 0), std::runtime_error);
 }
 
-}  // namespace
-
-namespace {
-
 TEST(HostServices, MessageAlertsAreRecordedAndPassedToTheSink) {
   Host host;
   std::vector<std::string> seen;

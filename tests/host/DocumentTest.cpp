@@ -95,7 +95,7 @@ TEST_F(Doc, PaintOrderAboveBelowInsideAndAll) {
   EXPECT_EQ(d.priorSibling(layer->children.front().get()), nullptr);
 }
 
-TEST(PaintOrder, AboveAllGoesToTopmostUnlockedVisibleLayer) {
+TEST(PaintOrder, AboveAllGoesToTopmostUnlockedVisibleLayerOrANewOne) {
   Document d;
   ArtObject* hidden = d.addLayer("hidden");
   ArtObject* locked = d.addLayer("locked");
@@ -111,14 +111,12 @@ TEST(PaintOrder, AboveAllGoesToTopmostUnlockedVisibleLayer) {
   ArtObject* b = make(d, kPathArt, kPlaceBelowAll, inHidden, "b");
   EXPECT_EQ(b->parent, hidden);
   EXPECT_EQ(hidden->children.back().get(), b);
-}
-
-TEST(PaintOrder, EmptyDocumentGetsALayer) {
-  Document d;
-  ArtObject* a = make(d, kPathArt, kPlaceAboveAll, nullptr, "a");
-  ASSERT_EQ(d.layers().size(), 1u);
-  EXPECT_EQ(a->parent, d.layers()[0].get());
-  EXPECT_EQ(d.layers()[0]->name, "Layer 1");
+  // A document without layers gets one.
+  Document empty;
+  ArtObject* first = make(empty, kPathArt, kPlaceAboveAll, nullptr, "first");
+  ASSERT_EQ(empty.layers().size(), 1u);
+  EXPECT_EQ(first->parent, empty.layers()[0].get());
+  EXPECT_EQ(empty.layers()[0]->name, "Layer 1");
 }
 
 TEST_F(Doc, PaintOrderRefusedPlacementsChangeNothing) {
@@ -189,10 +187,9 @@ TEST_F(Doc, DuplicateDeepCopyWithoutIdPlacedRelative) {
   EXPECT_NE(p2, p);
   EXPECT_EQ(p2->parent, copy);
   EXPECT_TRUE(d.contains(p2) && d.contains(m2));
-  EXPECT_EQ(p2->segments.size(), 2u);
+  ASSERT_EQ(p2->segments.size(), 2u);
   EXPECT_EQ(p2->segments[1].p.h, 10);
-  EXPECT_EQ(d.anchorSelection(p2, 0), 1);
-  EXPECT_EQ(d.anchorSelection(p2, 1), 0);
+  EXPECT_EQ(anchors(d, p2), (std::vector<int>{1, 0}));
   ASSERT_NE(m2->mesh, nullptr);
   EXPECT_NE(m2->mesh.get(), m->mesh.get());
   EXPECT_EQ(std::make_pair(m2->mesh->sizeI(), m2->mesh->sizeJ()), std::make_pair(3, 2));

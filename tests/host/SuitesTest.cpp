@@ -330,9 +330,10 @@ TEST_F(Suites, BoundsKeyArtAndTransform) {
   EXPECT_EQ(k, nullptr);
 }
 
-TEST_F(Suites, InterpolationIsMeasuredFromTheSecondPoint) {
-  // The one-third handle rule: the other anchor first, the handle's own
-  // anchor second; the handle lands a third of the chord from its anchor.
+TEST_F(Suites, RealMathInterpolationAnglesLengthsAndMatrices) {
+  // Interpolation is measured from the second point (the one-third handle
+  // rule: the other anchor first, the handle's own anchor second; the
+  // handle lands a third of the chord from its anchor).
   const double third = 0.3333333432674408;
   const AIRealPoint other{9, 0}, own{0, 0};
   AIRealPoint h{};
@@ -343,9 +344,7 @@ TEST_F(Suites, InterpolationIsMeasuredFromTheSecondPoint) {
   EXPECT_EQ(h.h, 0);
   math->AIRealPointInterpolate(&other, &own, 1, &h);
   EXPECT_EQ(h.h, 9);
-}
 
-TEST_F(Suites, AnglesLengthsAndMatrices) {
   const AIRealPoint o{1, 1}, up{1, 3}, left{-1, 1}, down{1, 0};
   for (auto [p, angle] : {std::pair{up, M_PI / 2}, std::pair{left, M_PI}, std::pair{down, -M_PI / 2}})
     EXPECT_DOUBLE_EQ(math->AIRealPointAngle(&o, &p), angle);

@@ -138,12 +138,7 @@ TEST(MeshGradientOnly, MovedMeshKeepsItsStructureEditedMeshIsReadAsWritten) {
 
 // ---- Inkscape's own meshes -----------------------------------------------
 
-struct NodeCase {
-  int i, j;
-  double h, v;
-  unsigned rgb;
-  double opacity;
-};
+struct NodeCase { int i, j; double h, v; unsigned rgb; double opacity; };
 
 TEST(InkscapeMesh, NodesColoursSidesAndThePathBeside) {
   Losses losses;
@@ -281,30 +276,20 @@ TEST(PathData, EveryCommandForm) {
     std::string err;
     EXPECT_FALSE(lb::io::svg::parsePathData(bad, &subs, &err)) << bad;
   }
-}
-
-TEST(PathData, ArcMidpointLiesOnTheCircle) {
-  std::vector<lb::io::svg::SubPath> subs;
+  // The arc's midpoint lies on the circle: sweep 1 from (0,0) to (10,0)
+  // with y down passes through (5, -5).
+  std::vector<lb::io::svg::SubPath> arc;
   std::string err;
-  ASSERT_TRUE(lb::io::svg::parsePathData("M0 0A5 5 0 0 1 10 0", &subs, &err));
-  // Sweep 1 from (0,0) to (10,0) with y down passes through (5, -5).
-  EXPECT_NEAR(subs[0].pts[6].x, 5, 1e-9);
-  EXPECT_NEAR(subs[0].pts[6].y, -5, 1e-9);
+  ASSERT_TRUE(lb::io::svg::parsePathData("M0 0A5 5 0 0 1 10 0", &arc, &err));
+  EXPECT_NEAR(arc[0].pts[6].x, 5, 1e-9);
+  EXPECT_NEAR(arc[0].pts[6].y, -5, 1e-9);
 }
 
 TEST(Transforms, ListsComposeLeftToRight) {
-  struct {
-    const char* text;
-    Point in, out;
-  } cases[] = {
-      {"translate(10)", {1, 2}, {11, 2}},
-      {"translate(10,20) scale(2)", {1, 2}, {12, 24}},
-      {"scale(2,3)", {1, 1}, {2, 3}},
-      {"rotate(90)", {1, 0}, {0, 1}},
-      {"rotate(90 10 10)", {10, 0}, {20, 10}},
-      {"matrix(1 0 0 1 5 6)", {0, 0}, {5, 6}},
-      {"skewX(45)", {0, 1}, {1, 1}},
-      {"skewY(45)", {1, 0}, {1, 1}},
+  struct { const char* text; Point in, out; } cases[] = {
+      {"translate(10)", {1, 2}, {11, 2}}, {"translate(10,20) scale(2)", {1, 2}, {12, 24}},
+      {"scale(2,3)", {1, 1}, {2, 3}}, {"rotate(90)", {1, 0}, {0, 1}}, {"rotate(90 10 10)", {10, 0}, {20, 10}},
+      {"matrix(1 0 0 1 5 6)", {0, 0}, {5, 6}}, {"skewX(45)", {0, 1}, {1, 1}}, {"skewY(45)", {1, 0}, {1, 1}},
       {" scale( 2 ) , translate(1 1) ", {0, 0}, {2, 2}},
   };
   for (const auto& c : cases) {
@@ -348,10 +333,7 @@ TEST(Lengths, Units) {
 // ---- bad files and losses ---------------------------------------------------
 
 TEST(BadSvg, NamedErrors) {
-  struct {
-    const char* svg;
-    const char* names;
-  } cases[] = {
+  struct { const char* svg; const char* names; } cases[] = {
       {"<svg", "XML"},
       {"<html/>", "<svg>"},
       {"<svg viewBox='0 0 -1 5'/>", "viewBox"},

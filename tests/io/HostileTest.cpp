@@ -142,32 +142,20 @@ TEST(Hostile, DeclaredMeshSizeIsCheckedBeforeAllocating) {
 }
 
 TEST(Hostile, MalformedJsonIsPlacedByLineAndColumn) {
-  struct Case {
-    const char* text;
-    const char* place;
-    const char* words;
-  };
+  struct Case { const char* text; const char* place; const char* words; };
   const Case cases[] = {
-      {"", "line 1, column 1", "unexpected end of input"},
-      {"{\"a\": 1,}", "line 1, column 9", "expected a string key"},
-      {"[1, 2,]", "line 1, column 7", "unexpected ']'"},
-      {"{\"a\" 1}", "line 1, column 6", "expected ':'"},
-      {"[1 2]", "line 1, column 4", "expected ',' or ']'"},
-      {"[01]", "line 1, column 3", "expected ',' or ']'"},
-      {"[1.]", "line 1, column 4", "digit after '.'"},
-      {"[1e+]", "line 1, column 5", "exponent"},
-      {"[-]", "line 1, column 3", "expected a digit"},
-      {"[tru]", "line 1, column 2", "invalid literal"},
-      {"[\"a\nb\"]", "line 1, column 4", "control character"},
-      {"[\"\\x\"]", "line 1, column 4", "invalid escape"},
+      {"", "line 1, column 1", "unexpected end of input"}, {"{\"a\": 1,}", "line 1, column 9", "expected a string key"},
+      {"[1, 2,]", "line 1, column 7", "unexpected ']'"}, {"{\"a\" 1}", "line 1, column 6", "expected ':'"},
+      {"[1 2]", "line 1, column 4", "expected ',' or ']'"}, {"[01]", "line 1, column 3", "expected ',' or ']'"},
+      {"[1.]", "line 1, column 4", "digit after '.'"}, {"[1e+]", "line 1, column 5", "exponent"},
+      {"[-]", "line 1, column 3", "expected a digit"}, {"[tru]", "line 1, column 2", "invalid literal"},
+      {"[\"a\nb\"]", "line 1, column 4", "control character"}, {"[\"\\x\"]", "line 1, column 4", "invalid escape"},
       {"[\"\\u12\"]", "line 1, column 7", "four hex digits"},
       {"[\"\\ud800\"]", "line 1, column 9", "unpaired surrogate"},
       {"[\"\\udc00\"]", "line 1, column 9", "unpaired surrogate"},
-      {"[\"\xff\"]", "line 1, column 3", "invalid UTF-8"},
-      {"[\"\xc0\xaf\"]", "line 1, column 3", "invalid UTF-8"},
+      {"[\"\xff\"]", "line 1, column 3", "invalid UTF-8"}, {"[\"\xc0\xaf\"]", "line 1, column 3", "invalid UTF-8"},
       {"[\"abc", "line 1, column 6", "end of input in a string"},
-      {"{}\n\n  x", "line 3, column 3", "after the document"},
-      {"[1]\0", "line 1, column 4", "after the document"},
+      {"{}\n\n  x", "line 3, column 3", "after the document"}, {"[1]\0", "line 1, column 4", "after the document"},
   };
   for (const Case& c : cases) {
     // The NUL case needs its length: the text ends after the NUL byte.

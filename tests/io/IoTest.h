@@ -3,11 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <string>
 
+#include "interchange/Pictures.h"
 #include "io/Lbdoc.h"
 
 namespace iotest {
@@ -23,16 +21,8 @@ inline lb::io::FormatError ReadError(const std::string& text, bool file = false)
   return lb::io::FormatError("", "");
 }
 
-inline std::string SourcePath(const std::string& rel) {
-  const char* src = std::getenv("LB_SOURCE_DIR");
-  return std::string(src ? src : ".") + "/" + rel;
-}
+inline std::string SourcePath(const std::string& rel) { return (lb::test::source() / rel).string(); }
 
-inline std::string Slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
-}
+inline std::string Slurp(const std::string& path) { return lb::test::slurp(path); }
 
 }  // namespace iotest

@@ -15,10 +15,7 @@
 const AIDataFilterSuite* sAIDataFilter = nullptr;
 SPPluginRef gPluginRef = reinterpret_cast<SPPluginRef>(0x1234);
 
-struct _AIDataFilter {
-  std::vector<unsigned char> data;
-  size_t pos = 0;
-};
+struct _AIDataFilter { std::vector<unsigned char> data; size_t pos = 0; };
 
 namespace {
 
@@ -92,11 +89,7 @@ class LoadBitmap : public ::testing::Test {
 };
 
 TEST_F(LoadBitmap, ReadsInKilobytePiecesUntilAShortRead) {
-  const struct {
-    std::vector<unsigned char> bytes;
-    std::vector<size_t> returned;
-    int width;
-  } cases[] = {
+  const struct { std::vector<unsigned char> bytes; std::vector<size_t> returned; int width; } cases[] = {
       {Bmp32(32, 32), {1024, 1024, 1024, 1024, 54}, 32},  // 4150 bytes: 1024 x 4 + 54
       {Bmp32(15, 16, 1024), {1024, 0}, 15},               // 54 + 960 bytes, padded to 1024: a second, empty read
       {{}, {0}, 5},                                       // empty: the target is left

@@ -104,16 +104,11 @@ TEST(DibCopy, RegionCodesInOrder) {
   ZC_DIB d(10, 8, 24);
   EXPECT_EQ(empty.CopyRegRaw(0, 0, &src, 0, 0, 1, 1), 1);
   EXPECT_EQ(d.CopyRegRaw(0, 0, &empty, 0, 0, 1, 1), 2);
-  EXPECT_EQ(d.CopyRegRaw(-1, 0, &src, 0, 0, 1, 1), 3);
-  EXPECT_EQ(d.CopyRegRaw(0, -1, &src, 0, 0, 1, 1), 4);
-  EXPECT_EQ(d.CopyRegRaw(10, 0, &src, 0, 0, 1, 1), 5);
-  EXPECT_EQ(d.CopyRegRaw(0, 8, &src, 0, 0, 1, 1), 6);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, -1, 0, 1, 1), 7);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, -1, 1, 1), 8);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 4, 0, 1, 1), 9);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 4, 1, 1), 10);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, 0, 1), 11);
-  EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, 1, 0), 12);
+  // x, y, sx, sy, w, h and the code; the source is src.
+  const int cases[][7] = {{-1, 0, 0, 0, 1, 1, 3}, {0, -1, 0, 0, 1, 1, 4}, {10, 0, 0, 0, 1, 1, 5}, {0, 8, 0, 0, 1, 1, 6},
+                          {0, 0, -1, 0, 1, 1, 7}, {0, 0, 0, -1, 1, 1, 8}, {0, 0, 4, 0, 1, 1, 9}, {0, 0, 0, 4, 1, 1, 10},
+                          {0, 0, 0, 0, 0, 1, 11}, {0, 0, 0, 0, 1, 0, 12}};
+  for (const auto& c : cases) EXPECT_EQ(d.CopyRegRaw(c[0], c[1], &src, c[2], c[3], c[4], c[5]), c[6]);
   // The blending copy shares the checks.
   EXPECT_EQ(d.CopyReg(0, 0, &empty, 0, 0, 1, 1), 2);
   EXPECT_EQ(d.CopyReg(10, 0, &src, 0, 0, 1, 1), 5);
@@ -251,20 +246,12 @@ class DibDraw : public ::testing::Test {
   ZC_DIB dib;
 };
 
-TEST_F(DibDraw, WholeBitmapLandsTopDown) {
-  dib.Draw(hdc, 5, 6, 0, 0, -1, -1);
-  for (int y = 0; y < 2; ++y)
-    for (int x = 0; x < 3; ++x)
-      EXPECT_EQ(lbwinGetPixel(wnd, 5 + x, 6 + y), RGB(10 * x + 1, 10 * y + 1, 0)) << x << "," << y;
-  EXPECT_EQ(lbwinGetPixel(wnd, 8, 6), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(wnd, 5, 8), RGB(255, 255, 255));
-}
-
-TEST_F(DibDraw, SubRectangle) {
+TEST_F(DibDraw, WholeAndSubRectangles) {
   const struct {
     int x, y, sx, sy, w, h;
     COLORREF first, right, below;  // at (x, y), (x + 1, y), (x, y + 1)
   } cases[] = {
+      {5, 6, 0, 0, -1, -1, RGB(1, 1, 0), RGB(11, 1, 0), RGB(1, 11, 0)},            // whole, top row first
       {0, 0, 1, 1, 1, 1, RGB(11, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // pixel (1, 1) alone
       {10, 10, 1, 0, 2, 1, RGB(11, 1, 0), RGB(21, 1, 0), RGB(255, 255, 255)},       // columns 1..2 of the top row
       {15, 15, 2, 1, -1, -1, RGB(21, 11, 0), RGB(255, 255, 255), RGB(255, 255, 255)},  // negative: to the edges

@@ -63,23 +63,18 @@ void ExpectBmpHeader(const LBResourceEntry& e, int size) {
   EXPECT_EQ(e.language, 1033);
 }
 
-TEST_F(ModuleResources, ButtonPicturesHaveTheExactBmpHeader) {
+// Each picture has the exact header, leaves some of its cell transparent
+// and draws something opaque: a fully transparent or fully opaque picture
+// is a drawing bug.
+TEST_F(ModuleResources, ButtonPicturesHaveTheExactBmpHeaderAndUseTheirAlpha) {
   for (const char* name : kButtonPictures) {
     auto it = bmpp.find(name);
     ASSERT_NE(it, bmpp.end()) << name << " is missing";
     ExpectBmpHeader(*it->second, 32);
-  }
-}
-
-TEST_F(ModuleResources, ButtonPicturesUseTheirAlpha) {
-  // Each picture leaves some of its cell transparent and draws something
-  // opaque: a fully transparent or fully opaque picture is a drawing bug.
-  for (const char* name : kButtonPictures) {
-    const LBResourceEntry* e = bmpp.at(name);
     int transparent = 0, opaque = 0;
-    for (uint32_t k = 54 + 3; k < e->size; k += 4) {
-      transparent += e->data[k] == 0;
-      opaque += e->data[k] == 255;
+    for (uint32_t k = 54 + 3; k < it->second->size; k += 4) {
+      transparent += it->second->data[k] == 0;
+      opaque += it->second->data[k] == 255;
     }
     EXPECT_GT(transparent, 0) << name;
     EXPECT_GT(opaque, 20) << name;

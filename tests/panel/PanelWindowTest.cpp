@@ -166,7 +166,9 @@ TEST_F(Panel, HostPanelAndWindow) {
   EXPECT_EQ(info->icons, (std::vector<std::pair<int32_t, int32_t>>{{220, 220}}));
 }
 
-TEST_F(Panel, EveryPictureButtonIsRaisedWithItsPictureInside) {
+// Every picture button is raised with its picture inside; background
+// between and around the buttons.
+TEST_F(Panel, ButtonsAndBackground) {
   for (const auto& [id, place] : kGrid) {
     SCOPED_TRACE(id);
     EXPECT_TRUE(Framed(id, kWhite, kShadow));
@@ -184,9 +186,6 @@ TEST_F(Panel, EveryPictureButtonIsRaisedWithItsPictureInside) {
       for (int x = r.x + 2; x < r.x + 34; ++x) drawn += At(x, y) != kGrey;
     EXPECT_GT(drawn, 20) << "no picture";
   }
-}
-
-TEST_F(Panel, BackgroundBetweenAndAroundTheButtons) {
   for (int y = 0; y < 262; ++y) {
     EXPECT_EQ(At(39, y), kGrey) << y;   // between columns 0 and 1
     EXPECT_EQ(At(2, y), kGrey) << y;    // left margin
@@ -267,7 +266,9 @@ TEST_F(Panel, PrintClientDrawsTheCompositeAlone) {
 
 // ---- Hovering -----------------------------------------------------------------------
 
-TEST_F(Panel, HoverShowsTheTooltipFromTheLeftAndEmptySpotsTheVersion) {
+// Hovering a button shows its tooltip from the left, an empty spot the
+// version; the strip is redrawn only when its text changes (and on paint).
+TEST_F(Panel, HoverShowsTheTooltipAndRedrawsTheStripOnlyWhenItsTextChanges) {
   const auto version = Strip();
   Move(kShiftX, kShiftY);
   EXPECT_NE(Strip(), version);
@@ -277,9 +278,7 @@ TEST_F(Panel, HoverShowsTheTooltipFromTheLeftAndEmptySpotsTheVersion) {
   Move(kShiftX, kShiftY);
   Move(1, 1);  // the margin is no button either
   EXPECT_EQ(Strip(), version);
-}
 
-TEST_F(Panel, TheStripIsRedrawnOnlyWhenItsTextChanges) {
   Move(kShiftX, kShiftY);
   HDC dc = GetDC(hwnd);
   SetPixel(dc, 150, 400, RGB(1, 2, 3));
@@ -311,9 +310,7 @@ TEST_F(Panel, CheckboxHoverOutlinesTheButtonsItAffects) {
   Move(kColorBoxX, kColorBoxY);
   Move(kEmptyX, kEmptyY);
   EXPECT_TRUE(BlueButtons().empty());
-}
-
-TEST_F(Panel, NoOutlinesWhilePressed) {
+  // None while a button is pressed.
   Down(kShiftX, kShiftY);
   Move(kColorBoxX, kColorBoxY, MK_LBUTTON);
   EXPECT_TRUE(BlueButtons().empty());
@@ -337,6 +334,8 @@ TEST_F(Panel, LeavingClearsOutlinesAndRestoresTheVersion) {
 
 // ---- Pressing and releasing -----------------------------------------------------------
 
+// Released away from the pressed button (over nothing, over another
+// button) nothing runs; a press outside every button runs nothing either.
 TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   Down(kShiftX, kShiftY);
   EXPECT_TRUE(Framed(kCmdColorShift, kShadow, kWhite));
@@ -349,16 +348,12 @@ TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   EXPECT_TRUE(Framed(kCmdColorShift, kWhite, kShadow));
   Up(kEmptyX, kEmptyY);
   EXPECT_EQ(GetCapture(), nullptr);
-  EXPECT_EQ(ColorFrom(0, 0), 0);  // released away from the button: nothing ran
-}
-
-TEST_F(Panel, ReleaseOverAnotherButtonRunsNothing) {
+  EXPECT_EQ(ColorFrom(0, 0), 0);
   Down(kShiftX, kShiftY);
   Move(kReflectX, kReflectY, MK_LBUTTON);
   Up(kReflectX, kReflectY);
   EXPECT_EQ(ColorFrom(0, 0), 0);
   EXPECT_EQ(ColorFrom(2, 1), 5);
-  // A press outside every button, released over one: nothing.
   Down(kEmptyX, kEmptyY);
   Up(kShiftX, kShiftY);
   EXPECT_EQ(ColorFrom(0, 0), 0);
@@ -389,15 +384,13 @@ TEST_F(Panel, CheckboxTogglesOnPressAndTheNextCommandSeesIt) {
   Click(kShiftX, kShiftY);
   EXPECT_EQ(ColorFrom(0, 0), 2);
   EXPECT_EQ(OpacityFrom(0, 0), 1);
-}
-
-TEST_F(Panel, OpacityCheckboxClearedLeavesOpacities) {
+  // Opacity off, colour on: only the colours shift (a second time).
   Click(kOpacityBoxX, kOpacityBoxY);
   EXPECT_EQ(At(199, 26), kWhite);
   EXPECT_EQ(At(199, 8), kBlack);
   Click(kShiftX, kShiftY);
-  EXPECT_EQ(ColorFrom(0, 0), 2);
-  EXPECT_EQ(OpacityFrom(0, 0), 0);
+  EXPECT_EQ(ColorFrom(0, 0), 1);
+  EXPECT_EQ(OpacityFrom(0, 0), 1);
 }
 
 struct KeyCase {

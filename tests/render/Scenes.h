@@ -7,15 +7,11 @@
 
 #include "host/Document.h"
 #include "host/mesh/GradientMesh.h"
+#include "support/Engine.h"
 
 namespace lbtest {
 
-inline AIColor rgb(double r, double g, double b) {
-  AIColor c{};
-  c.kind = kThreeColor;
-  c.c.rgb = {r, g, b};
-  return c;
-}
+inline AIColor rgb(double r, double g, double b) { return Rgb(r, g, b); }
 
 // Every node of m gets colour c and opacity o.
 inline void paintNodes(lb::host::GradientMesh& m, AIColor c, double o = 1) {
