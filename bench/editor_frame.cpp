@@ -50,6 +50,11 @@ struct Scene {
     view.setZoom(1, kViewW / 2.0, kViewH / 2.0);
     view.paint(cr, doc, kViewW, kViewH);
   }
+  // One frame of the view, painted into the target.
+  void frame() {
+    view.paint(cr, doc, kViewW, kViewH);
+    cairo_surface_flush(target);
+  }
   ~Scene() {
     cairo_destroy(cr);
     cairo_surface_destroy(target);
@@ -60,8 +65,7 @@ void BM_FrameFromCachedPicture(benchmark::State& state) {
   Scene s;
   for (auto _ : state) {
     s.view.panBy(1, 0);
-    s.view.paint(s.cr, s.doc, kViewW, kViewH);
-    cairo_surface_flush(s.target);
+    s.frame();
   }
 }
 BENCHMARK(BM_FrameFromCachedPicture)->Unit(benchmark::kMillisecond);
@@ -71,8 +75,7 @@ void BM_FrameAfterChange(benchmark::State& state) {
   Scene s(state.range(0) != 0);
   for (auto _ : state) {
     s.view.invalidate();
-    s.view.paint(s.cr, s.doc, kViewW, kViewH);
-    cairo_surface_flush(s.target);
+    s.frame();
   }
 }
 BENCHMARK(BM_FrameAfterChange)->ArgName("selected")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
@@ -93,8 +96,7 @@ void BM_FrameDuringDrag(benchmark::State& state) {
       s.view.invalidateArea(lb::editor::vertexReach(m, v));
     else
       s.view.invalidate();
-    s.view.paint(s.cr, s.doc, kViewW, kViewH);
-    cairo_surface_flush(s.target);
+    s.frame();
   }
 }
 BENCHMARK(BM_FrameDuringDrag)->ArgName("partial")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
@@ -107,8 +109,7 @@ void BM_FrameAfterSelectionChange(benchmark::State& state) {
   s.view.paint(s.cr, s.doc, kViewW, kViewH);
   for (auto _ : state) {
     s.view.invalidateMarks();
-    s.view.paint(s.cr, s.doc, kViewW, kViewH);
-    cairo_surface_flush(s.target);
+    s.frame();
   }
 }
 BENCHMARK(BM_FrameAfterSelectionChange)->ArgName("zoom")->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);

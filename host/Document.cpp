@@ -284,27 +284,19 @@ AIErr Document::reorderArt(ArtObject* art, int16_t paintOrder, ArtObject* prep) 
   return kNoErr;
 }
 
+// A copy made by the user: every field but the ids (a copy is new art) and
+// the layer flag (a copied layer becomes a group).
 std::unique_ptr<ArtObject> Document::deepCopy(const ArtObject& src) const {
-  auto a = std::make_unique<ArtObject>();
-  a->type = src.type;
-  a->name = src.name;
-  a->userAttr = src.userAttr;
-  a->opacity = src.opacity;
-  a->blendMode = src.blendMode;
-  a->graphicStyle = src.graphicStyle;
-  a->pixelPerfect = src.pixelPerfect;
-  a->isLayer = false;
-  a->segments = src.segments;
-  a->segmentSelection = src.segmentSelection;
-  a->closed = src.closed;
-  a->style = src.style;
-  a->image = src.image;
-  if (src.mesh) a->mesh = std::make_unique<GradientMesh>(*src.mesh);
-  for (const auto& c : src.children) {
-    auto child = deepCopy(*c);
-    child->parent = a.get();
-    a->children.push_back(std::move(child));
-  }
+  auto a = exactCopy(src);
+  auto strip = [](auto& self, ArtObject& art) -> void {
+    art.id.clear();
+    art.isLayer = false;
+    for (auto& c : art.children) {
+      c->parent = &art;
+      self(self, *c);
+    }
+  };
+  strip(strip, *a);
   return a;
 }
 
