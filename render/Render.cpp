@@ -489,7 +489,7 @@ class Renderer {
     const int I = mesh.sizeI(), J = mesh.sizeJ();
     SafePath path(cr_);
     path.moveTo(mesh.runPoints(0, 0, 0)[0]);
-    auto run = [&](const std::vector<AIRealPoint>& pts, bool forward) {
+    auto run = [&](std::span<const AIRealPoint> pts, bool forward) {
       const size_t n = pts.size();
       for (size_t k = 1; k + 2 < n; k += 3) {
         if (forward)
@@ -522,7 +522,7 @@ class Renderer {
     return std::max({d(x.r, y.r, z.r), d(x.g, y.g, z.g), d(x.b, y.b, z.b), d(x.a, y.a, z.a)});
   }
 
-  static double polygonLength(const std::vector<AIRealPoint>& pts) {
+  static double polygonLength(std::span<const AIRealPoint> pts) {
     double len = 0;
     for (size_t k = 1; k < pts.size(); ++k) len += std::hypot(pts[k].h - pts[k - 1].h, pts[k].v - pts[k - 1].v);
     return len;
@@ -841,9 +841,9 @@ constexpr double kMinScale = 1e-4, kMaxScale = 1e4;
 
 AIRealRect patchReach(const GradientMesh& mesh, int i, int j) {
   double l = INFINITY, r = -INFINITY, b = INFINITY, t = -INFINITY;
-  for (const auto* run : {&mesh.runPoints(0, i, j), &mesh.runPoints(0, i, j + 1), &mesh.runPoints(1, i, j),
-                          &mesh.runPoints(1, i + 1, j)})
-    for (const AIRealPoint& p : *run) {
+  for (const auto run : {mesh.runPoints(0, i, j), mesh.runPoints(0, i, j + 1), mesh.runPoints(1, i, j),
+                         mesh.runPoints(1, i + 1, j)})
+    for (const AIRealPoint& p : run) {
       l = std::min(l, p.h), r = std::max(r, p.h);
       b = std::min(b, p.v), t = std::max(t, p.v);
     }

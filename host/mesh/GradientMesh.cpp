@@ -124,20 +124,17 @@ void GradientMesh::Impl::setRunPoint(int axis, int i, int j, int idx, P p) {
 }
 
 
-GradientMesh::GradientMesh() : impl_(std::make_unique<Impl>()), life_(std::make_shared<int>(0)), lifeToken_(life_) {
-  impl_->init(1, 1);
-}
-GradientMesh::~GradientMesh() = default;
-GradientMesh::GradientMesh(const GradientMesh& o)
-    : impl_(std::make_unique<Impl>(*o.impl_)), life_(std::make_shared<int>(0)), lifeToken_(life_) {
+GradientMesh::GradientMesh() : impl_(std::make_unique<Impl>()), life_(LifeToken::make()) { impl_->init(1, 1); }
+GradientMesh::~GradientMesh() { life_.expire(); }
+GradientMesh::GradientMesh(const GradientMesh& o) : impl_(std::make_unique<Impl>(*o.impl_)), life_(LifeToken::make()) {
   if (impl_->deadSlots() > 0) impl_->compact();
 }
 GradientMesh& GradientMesh::operator=(const GradientMesh& o) {
   if (this != &o) {
     *impl_ = *o.impl_;
     if (impl_->deadSlots() > 0) impl_->compact();
-    life_ = std::make_shared<int>(0);
-    lifeToken_ = life_;
+    life_.expire();
+    life_ = LifeToken::make();
   }
   return *this;
 }
@@ -473,7 +470,7 @@ bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
   P rest[4];
   std::copy(&r.pts[3 * piece], &r.pts[3 * piece] + 4, rest);
   const P end = rest[3];
-  r.pts.insert(r.pts.begin() + 3 * piece + 1, static_cast<size_t>(3 * n), P{});
+  r.pts.insert(static_cast<size_t>(3 * piece + 1), static_cast<size_t>(3 * n), P{});
   P* out = &r.pts[3 * piece + 1];
   for (int c = n + 1; c > 1; --c) {
     P L[4], R[4];
@@ -483,7 +480,7 @@ bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
   }
   out = std::copy(rest + 1, rest + 3, out);
   *out = end;
-  r.joints.insert(r.joints.begin() + piece, static_cast<size_t>(n), Joint{});
+  r.joints.insert(static_cast<size_t>(piece), static_cast<size_t>(n), Joint{});
   impl_->reindexRun(sp.axis, sp.i, sp.j);
   return true;
 }
@@ -498,8 +495,8 @@ bool GradientMesh::deleteKnots(SegmentRef s, int m, int n) {
   Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
   const int b = sp.fwd ? sp.a0 + 1 + m : sp.a1 - m - n;  // first removed anchor
   // Keep up to the out handle of anchor b-1 and from the in handle of anchor b+n.
-  r.pts.erase(r.pts.begin() + 3 * (b - 1) + 2, r.pts.begin() + 3 * (b + n) - 1);
-  r.joints.erase(r.joints.begin() + (b - 1), r.joints.begin() + (b - 1 + n));
+  r.pts.erase(static_cast<size_t>(3 * (b - 1) + 2), static_cast<size_t>(3 * n));
+  r.joints.erase(static_cast<size_t>(b - 1), static_cast<size_t>(n));
   impl_->reindexRun(sp.axis, sp.i, sp.j);
   return true;
 }
@@ -589,7 +586,7 @@ MeshRunData GradientMesh::runData(int axis, int i, int j) const {
   MeshRunData d;
   if (!impl_->runExists(axis, i, j)) return d;
   const Run& r = impl_->runAt(axis, i, j);
-  d.points = r.pts;
+  d.points.assign(r.pts.begin(), r.pts.end());
   for (const Joint& jt : r.joints) {
     MeshRunData::Inner in;
     in.vertex = jt.id != kNoVertex;
@@ -608,7 +605,7 @@ bool GradientMesh::setRunData(int axis, int i, int j, const MeshRunData& d) {
   Run& r = impl_->runAt(axis, i, j);
   for (const Joint& jt : r.joints)
     if (jt.id != kNoVertex) impl_->locs[jt.id].kind = kDead;
-  r.pts = d.points;
+  r.pts.assign(d.points.data(), d.points.data() + d.points.size());
   int ei, ej;
   impl_->runEndNode(axis, i, j, &ei, &ej);
   r.pts.front() = impl_->nodeAt(i, j).p;
@@ -625,7 +622,7 @@ bool GradientMesh::setRunData(int axis, int i, int j, const MeshRunData& d) {
   impl_->reindexRun(axis, i, j);
   return true;
 }
-const std::vector<AIRealPoint>& GradientMesh::runPoints(int axis, int i, int j) const {
+std::span<const AIRealPoint> GradientMesh::runPoints(int axis, int i, int j) const {
   return impl_->runAt(axis, i, j).pts;
 }
 bool GradientMesh::setRelative(const std::vector<double>& u, const std::vector<double>& v) {

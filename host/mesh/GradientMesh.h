@@ -35,6 +35,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "AIMeshSuites.h"
@@ -80,6 +82,40 @@ struct MeshRunData {
   std::vector<Inner> inner;         // m - 1
 };
 
+// A shared flag that says whether an object still exists. Iterators made by
+// the million hold one each, so it is counted without atomic operations:
+// the host and its objects live on one thread.
+class LifeToken {
+ public:
+  // A fresh token for a living object.
+  static LifeToken make() { return LifeToken(new State{1, true}); }
+  LifeToken() = default;
+  LifeToken(const LifeToken& o) : s_(o.s_) {
+    if (s_) ++s_->holders;
+  }
+  LifeToken& operator=(const LifeToken& o) {
+    LifeToken copy(o);
+    std::swap(s_, copy.s_);
+    return *this;
+  }
+  ~LifeToken() {
+    if (s_ && --s_->holders == 0) delete s_;
+  }
+  bool alive() const { return s_ && s_->alive; }
+  // Called by the owner when the object goes: every holder sees it dead.
+  void expire() {
+    if (s_) s_->alive = false;
+  }
+
+ private:
+  struct State {
+    uint32_t holders;
+    bool alive;
+  };
+  explicit LifeToken(State* s) : s_(s) {}
+  State* s_ = nullptr;
+};
+
 class GradientMesh {
  public:
   GradientMesh();
@@ -96,7 +132,7 @@ class GradientMesh {
   int sizeJ() const;
 
   // Token that expires when this mesh object is destroyed or assigned to.
-  const std::weak_ptr<const void>& lifeToken() const { return lifeToken_; }
+  const LifeToken& lifeToken() const { return life_; }
 
   // ---- vertices -------------------------------------------------------
   size_t nodeCount() const;
@@ -231,7 +267,7 @@ class GradientMesh {
   // forced to them). Returns false when the shape of data is wrong.
   bool setRunData(int axis, int i, int j, const MeshRunData& d);
   // Control points of a run (3m + 1), for drawing.
-  const std::vector<AIRealPoint>& runPoints(int axis, int i, int j) const;
+  std::span<const AIRealPoint> runPoints(int axis, int i, int j) const;
   // Sets the relative positions; false unless strictly increasing from 0
   // to 1 with the right counts.
   bool setRelative(const std::vector<double>& u, const std::vector<double>& v);
@@ -242,8 +278,7 @@ class GradientMesh {
 
  private:
   std::unique_ptr<Impl> impl_;
-  std::shared_ptr<const void> life_;
-  std::weak_ptr<const void> lifeToken_;  // handed out by reference: no shared count touched
+  LifeToken life_;
 };
 
 }  // namespace lb::host

@@ -70,7 +70,7 @@ void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
   out.selected = s0 && s1;
   out.right.pts.reserve(r.pts.size() - 3 * q);
   out.right.pts.assign(R, R + 4);
-  out.right.pts.insert(out.right.pts.end(), r.pts.begin() + 3 * q + 4, r.pts.end());
+  out.right.pts.insert(out.right.pts.size(), r.pts.begin() + 3 * q + 4, r.pts.end());
   out.right.joints.assign(r.joints.begin() + q, r.joints.end());
   out.left = std::move(r);
   out.left.pts.resize(static_cast<size_t>(3 * q + 4));
@@ -294,14 +294,14 @@ void GradientMesh::Impl::deleteLine(int axis, int k) {
     Cell& gone = cellOnAxis(axis, k, b);
     Run& l = cellOnAxis(axis, k - 1, b).run[axis];
     const Run& r = gone.run[axis];
-    l.pts.insert(l.pts.end(), r.pts.begin() + 1, r.pts.end());
+    l.pts.insert(l.pts.size(), r.pts.begin() + 1, r.pts.end());
     Joint jt;
     jt.id = gone.node.id;
     jt.selected = gone.node.selected;
     jt.smooth[0] = gone.node.smooth[back];
     jt.smooth[1] = gone.node.smooth[fwd];
     l.joints.push_back(jt);
-    l.joints.insert(l.joints.end(), r.joints.begin(), r.joints.end());
+    l.joints.insert(l.joints.size(), r.joints.begin(), r.joints.end());
     if (axis == 0)
       reindexRun(axis, k - 1, b);
     else

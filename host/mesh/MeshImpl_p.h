@@ -18,6 +18,7 @@
 #include "host/Color.h"
 #include "host/mesh/Bezier.h"
 #include "host/mesh/GradientMesh.h"
+#include "host/mesh/InlineVec.h"
 
 namespace lb::host {
 
@@ -31,9 +32,10 @@ struct Joint {
 };
 
 // The chain between two adjacent nodes of a grid line.
+// Up to two pieces are stored inline (see InlineVec).
 struct Run {
-  std::vector<P> pts;         // 3m + 1
-  std::vector<Joint> joints;  // m - 1
+  InlineVec<P, 7> pts;         // 3m + 1
+  InlineVec<Joint, 1> joints;  // m - 1
   int pieces() const { return (static_cast<int>(pts.size()) - 1) / 3; }
 };
 

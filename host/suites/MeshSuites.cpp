@@ -22,8 +22,8 @@ using lb::host::VertexId;
 
 struct MeshRef {
   GradientMesh* mesh = nullptr;
-  std::weak_ptr<const void> life;
-  bool live() const { return mesh && !life.expired(); }
+  lb::host::LifeToken life;
+  bool live() const { return mesh && life.alive(); }
 };
 
 struct _AIMeshVertexIterator {

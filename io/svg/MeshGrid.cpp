@@ -36,7 +36,7 @@ double secondDifference(const GridColour& x, const GridColour& y, const GridColo
   return std::max({d(x.r, y.r, z.r), d(x.g, y.g, z.g), d(x.b, y.b, z.b), d(x.a, y.a, z.a)});
 }
 
-double polygonLength(const std::vector<AIRealPoint>& pts) {
+double polygonLength(std::span<const AIRealPoint> pts) {
   double len = 0;
   for (size_t k = 1; k < pts.size(); ++k) len += std::hypot(pts[k].h - pts[k - 1].h, pts[k].v - pts[k - 1].v);
   return len;

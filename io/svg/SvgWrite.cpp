@@ -272,7 +272,7 @@ class Writer {
     pugi::xml_node e = into.append_child("path");
     common(a, e);
     std::string d = "M " + pt(m.runPoints(0, 0, 0)[0]);
-    auto run = [&](const std::vector<AIRealPoint>& pts, bool forward) {
+    auto run = [&](std::span<const AIRealPoint> pts, bool forward) {
       const size_t n = pts.size();
       for (size_t k = 1; k + 2 < n; k += 3) {
         if (forward)

@@ -23,7 +23,7 @@ namespace {
 // A black closed path along the mesh's outline (the reference coverage).
 void addOutlinePath(Document& doc, ArtObject* layer, const GradientMesh& m) {
   std::vector<AIRealPoint> pts;  // anchor, out, in, anchor, ...
-  auto run = [&](const std::vector<AIRealPoint>& r, bool forward) {
+  auto run = [&](std::span<const AIRealPoint> r, bool forward) {
     const size_t n = r.size();
     for (size_t k = 0; k + 1 < n; ++k) pts.push_back(forward ? r[k] : r[n - 1 - k]);
   };
