@@ -58,6 +58,10 @@ bool EndIsNode(AIMeshSegmentIterator segment) {
 // in step, knots inserted to match and every control point copied. Smooth
 // flags follow the direction of travel: the flag of a vertex on the
 // segment behind it goes to the destination vertex's segment behind it.
+//
+// Whole meshes are copied run by run, so what the count already told (the
+// first source end, the segment count, the split pieces' empty knot lists)
+// is not asked of the host again.
 void CopyRun(AIMeshVertexIterator srcNode, int32_t srcAxis, int32_t srcSense, AIMeshVertexIterator dstNode,
              int32_t dstAxis, int32_t dstSense) {
   int32_t si = sMeshVertexIterator->GetSegmentIndex(srcNode, srcAxis, srcSense);
@@ -69,14 +73,20 @@ void CopyRun(AIMeshVertexIterator srcNode, int32_t srcAxis, int32_t srcSense, AI
   ThrowIfErr(sMeshVertexIterator->GetSegment(srcNode, si, srcSeg.put()));
   ThrowIfErr(sMeshVertexIterator->GetSegment(dstNode, di, dstSeg.put()));
 
+  // Segments of the source run, when the destination was fresh; 0 when not
+  // counted. The count's first step is the source segment's end vertex.
+  int32_t count = 0;
+  VertexRef srcEnd;
   if (sMeshSegmentIterator->CountKnots(dstSeg) == 0 && EndIsNode(dstSeg)) {
-    // Count the segments of the source run.
-    int32_t count = 1;
-    SegmentRef walker;
-    ThrowIfErr(sMeshSegmentIterator->Copy(srcSeg, walker.put()));
-    while (!EndIsNode(walker)) {
-      ThrowIfErr(sMeshSegmentIterator->NextOnAxis(walker));
-      ++count;
+    count = 1;
+    ThrowIfErr(sMeshSegmentIterator->GetEnd(srcSeg, srcEnd.put()));
+    if (!sMeshVertexIterator->IsNode(srcEnd)) {
+      SegmentRef walker;
+      ThrowIfErr(sMeshSegmentIterator->Copy(srcSeg, walker.put()));
+      do {
+        ThrowIfErr(sMeshSegmentIterator->NextOnAxis(walker));
+        ++count;
+      } while (!EndIsNode(walker));
     }
     if (count > 1) {
       // count - 1 knots, split from the last to the first: the iterator
@@ -89,23 +99,24 @@ void CopyRun(AIMeshVertexIterator srcNode, int32_t srcAxis, int32_t srcSense, AI
   // One buffer for every run copied on this thread: copying a big mesh
   // would otherwise allocate once per run.
   thread_local std::vector<AIRealPoint> points;
-  for (;;) {
+  for (int32_t piece = 1;; ++piece) {
     int32_t knots = sMeshSegmentIterator->CountKnots(srcSeg);
-    int32_t have = sMeshSegmentIterator->CountKnots(dstSeg);
+    int32_t have = count ? 0 : sMeshSegmentIterator->CountKnots(dstSeg);
     if (have < knots)
       ThrowIfErr(sMeshSegmentIterator->InsertKnots(dstSeg, have, knots - have));
     else if (have > knots)
       ThrowIfErr(sMeshSegmentIterator->DeleteKnots(dstSeg, knots, have - knots));
-    int32_t count = 3 * knots + 4;
-    points.resize(static_cast<size_t>(count));
-    ThrowIfErr(sMeshSegmentIterator->GetPoints(srcSeg, 0, count, points.data()));
-    sMeshSegmentIterator->SetPoints(dstSeg, 0, count, points.data());
+    int32_t n = 3 * knots + 4;
+    points.resize(static_cast<size_t>(n));
+    ThrowIfErr(sMeshSegmentIterator->GetPoints(srcSeg, 0, n, points.data()));
+    sMeshSegmentIterator->SetPoints(dstSeg, 0, n, points.data());
 
-    VertexRef srcEnd, dstEnd;
-    ThrowIfErr(sMeshSegmentIterator->GetEnd(srcSeg, srcEnd.put()));
+    VertexRef dstEnd;
+    if (piece > 1 || !srcEnd) ThrowIfErr(sMeshSegmentIterator->GetEnd(srcSeg, srcEnd.put()));
     ThrowIfErr(sMeshSegmentIterator->GetEnd(dstSeg, dstEnd.put()));
     CopySmooth(srcEnd, srcAxis, Opposite(srcSense), dstEnd, dstAxis, Opposite(dstSense));
-    if (sMeshVertexIterator->IsNode(srcEnd) || sMeshVertexIterator->IsNode(dstEnd)) break;
+    // A counted run ends at its last piece on both sides.
+    if (count ? piece == count : sMeshVertexIterator->IsNode(srcEnd) || sMeshVertexIterator->IsNode(dstEnd)) break;
     CopySmooth(srcEnd, srcAxis, srcSense, dstEnd, dstAxis, dstSense);
     ThrowIfErr(sMeshSegmentIterator->NextOnAxis(srcSeg));
     ThrowIfErr(sMeshSegmentIterator->NextOnAxis(dstSeg));

@@ -5,7 +5,6 @@
 #include "host/mesh/GradientMesh.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
 #include "host/mesh/MeshImpl_p.h"
@@ -205,15 +204,24 @@ unsigned GradientMesh::Impl::segmentMask(VertexId v) const {
          (l.j < J ? 1u << kDirJFwd : 0u);
 }
 
+namespace {
+// Bits set in a four-direction mask (std::popcount is a library call on
+// the baseline x86-64 target, and this is asked for every segment index).
+int directionCount(unsigned mask) {
+  static constexpr int8_t kCount[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
+  return kCount[mask & 15u];
+}
+}  // namespace
+
 bool GradientMesh::hasSegment(VertexId v, int dir) const {
   return dir >= 0 && dir <= 3 && ((impl_->segmentMask(v) >> dir) & 1u);
 }
-int GradientMesh::segmentCount(VertexId v) const { return std::popcount(impl_->segmentMask(v)); }
+int GradientMesh::segmentCount(VertexId v) const { return directionCount(impl_->segmentMask(v)); }
 int GradientMesh::segmentIndex(VertexId v, int dir) const {
   if (dir < 0 || dir > 3) return -1;
   const unsigned mask = impl_->segmentMask(v);
   if (!((mask >> dir) & 1u)) return -1;
-  return std::popcount(mask & ((1u << dir) - 1u));
+  return directionCount(mask & ((1u << dir) - 1u));
 }
 int GradientMesh::segmentDir(VertexId v, int index) const {
   if (index < 0) return -1;
