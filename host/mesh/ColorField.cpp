@@ -130,14 +130,28 @@ void GradientMesh::Impl::edgePaint(int axis, int k, int b, double f, AIColor* co
   // Nodes k - 1 .. k + 2 of cross line b decide the slopes at k and k + 1;
   // nodes k and k + 1 of the neighbouring cross line bound the clamp.
   double line[4][5] = {}, other[2][5] = {};
-  for (int a = std::max(0, k - 1); a <= std::min(n, k + 2); ++a)
-    nodeComponents(cellOnAxis(axis, a, b).node, mk, mc, line[a - (k - 1)]);
+  nodeComponents(cellOnAxis(axis, k, b).node, mk, mc, line[1]);
+  nodeComponents(cellOnAxis(axis, k + 1, b).node, mk, mc, line[2]);
   const int ob = b < m ? b + 1 : m - 1;
   nodeComponents(cellOnAxis(axis, k, ob).node, mk, mc, other[0]);
   nodeComponents(cellOnAxis(axis, k + 1, ob).node, mk, mc, other[1]);
+  // Where both ends and the clamp's other corners agree, both slopes are 0
+  // and the clamp pins the value: the result is that value exactly, and
+  // the outer nodes need not be read (fresh and flat-coloured meshes).
+  bool flat = true;
+  for (int c = 0; c < C; ++c)
+    flat = flat && line[1][c] == line[2][c] && other[0][c] == line[1][c] && other[1][c] == line[1][c];
+  if (!flat) {
+    if (k >= 1) nodeComponents(cellOnAxis(axis, k - 1, b).node, mk, mc, line[0]);
+    if (k + 2 <= n) nodeComponents(cellOnAxis(axis, k + 2, b).node, mk, mc, line[3]);
+  }
   const double h = g[k + 1] - g[k];
   double out[5];
   for (int c = 0; c < C; ++c) {
+    if (flat) {
+      out[c] = line[1][c];
+      continue;
+    }
     auto Y = [&](int a) { return line[a - (k - 1)][c]; };
     const double d0 = pchipSlopeAt(n + 1, g.data(), Y, k), d1 = pchipSlopeAt(n + 1, g.data(), Y, k + 1);
     const double f0 = Y(k), f1 = Y(k + 1);
