@@ -16,6 +16,7 @@
 #include <stdexcept>
 
 #include "host/mesh/GradientMesh.h"
+#include "render/PatchColour.h"
 #include "render/Png.h"
 
 namespace lb::render {
@@ -505,29 +506,6 @@ class Renderer {
     path.close();
   }
 
-  struct Rgba {
-    double r, g, b, a;
-  };
-
-  static Rgba colourAt(const GradientMesh& mesh, int i, int j, double s, double t) {
-    Rgba c;
-    lb::host::colorToRGB(mesh.patchColor(i, j, s, t), &c.r, &c.g, &c.b);
-    c.a = mesh.patchOpacity(i, j, s, t);
-    for (double* x : {&c.r, &c.g, &c.b, &c.a}) *x = std::isfinite(*x) ? std::clamp(*x, 0.0, 1.0) : 0.0;
-    return c;
-  }
-
-  static double secondDifference(const Rgba& x, const Rgba& y, const Rgba& z) {
-    auto d = [](double a, double b, double c) { return std::fabs(a - 2 * b + c); };
-    return std::max({d(x.r, y.r, z.r), d(x.g, y.g, z.g), d(x.b, y.b, z.b), d(x.a, y.a, z.a)});
-  }
-
-  static double polygonLength(std::span<const AIRealPoint> pts) {
-    double len = 0;
-    for (size_t k = 1; k < pts.size(); ++k) len += std::hypot(pts[k].h - pts[k - 1].h, pts[k].v - pts[k - 1].v);
-    return len;
-  }
-
   // Parameters at which a patch is cut, along one direction: the knots of
   // the two runs across that direction (so every cell side is one cubic of
   // the surface) and `cuts` equal steps for the colour.
@@ -545,39 +523,23 @@ class Renderer {
   // sides are single cubics. A patch is therefore cut only where it has to
   // be: at the knots of its runs, and, for the colour, into as many equal
   // steps per direction as keep straight interpolation within
-  // kColourTolerance of the engine's colour (estimated from the largest
+  // 1.5/255 of the engine's colour (estimated from the largest
   // second difference of colour samples a third apart), but no finer than
   // cells a few device pixels wide. A patch whose colour is already
   // bilinear enough is one cairo patch.
   void addPatch(cairo_pattern_t* pat, const GradientMesh& mesh, int i, int j) {
-    static constexpr double kColourTolerance = 1.5 / 255;
     static constexpr double kCellPx = 6;
     const auto& bottom = mesh.runPoints(0, i, j);
     const auto& top = mesh.runPoints(0, i, j + 1);
     const auto& left = mesh.runPoints(1, i, j);
     const auto& right = mesh.runPoints(1, i + 1, j);
-    Rgba c[4][4];  // c[a][b] at s = a / 3, t = b / 3
-    for (int b = 0; b <= 3; ++b)
-      for (int a = 0; a <= 3; ++a) c[a][b] = colourAt(mesh, i, j, a / 3.0, b / 3.0);
-    double bendS = 0, bendT = 0;  // largest second differences
-    for (int b = 0; b <= 3; ++b)
-      for (int a = 1; a <= 2; ++a) {
-        bendS = std::max(bendS, secondDifference(c[a - 1][b], c[a][b], c[a + 1][b]));
-        bendT = std::max(bendT, secondDifference(c[b][a - 1], c[b][a], c[b][a + 1]));
-      }
-    // A second difference d over steps of a third means |f''| ~ 9 d;
-    // straight interpolation over steps of 1 / n then misses by up to
-    // 9 d / (8 n^2).
-    auto cutsFor = [&](double bend, double lengthPx) {
-      const double miss = 9 * bend / 8;
-      if (miss <= kColourTolerance) return 1;
-      const double byColour = std::ceil(std::sqrt(miss / kColourTolerance));
-      const double bySize = std::ceil(lengthPx / kCellPx);
-      return static_cast<int>(std::clamp(std::min(byColour, bySize), 1.0, 32.0));
-    };
+    const PatchSamples samples = samplePatch(mesh, i, j);
+    const auto& c = samples.c;  // c[a][b] at s = a / 3, t = b / 3
     const double scale = opt_.scale;
-    const int cutsS = cutsFor(bendS, std::max(polygonLength(bottom), polygonLength(top)) * scale);
-    const int cutsT = cutsFor(bendT, std::max(polygonLength(left), polygonLength(right)) * scale);
+    const int cutsS =
+        colourCuts(samples.bendS, std::max(polygonLength(bottom), polygonLength(top)) * scale, kCellPx);
+    const int cutsT =
+        colourCuts(samples.bendT, std::max(polygonLength(left), polygonLength(right)) * scale, kCellPx);
     std::vector<double>& S = scratch_.S;
     std::vector<double>& T = scratch_.T;
     cutParameters((bottom.size() - 1) / 3, (top.size() - 1) / 3, cutsS, S);
@@ -620,7 +582,7 @@ class Renderer {
         if (std::fabs(a3 - std::round(a3)) < 1e-9 && std::fabs(b3 - std::round(b3)) < 1e-9)
           colour[k] = c[static_cast<int>(std::lround(a3))][static_cast<int>(std::lround(b3))];
         else
-          colour[k] = colourAt(mesh, i, j, S[a], T[b]);
+          colour[k] = patchRgba(mesh, i, j, S[a], T[b]);
       }
     // Inner control points of the cell side from node n0 to node n1, which
     // lies `h` further in s (alongS) or t: from the derivatives, or from

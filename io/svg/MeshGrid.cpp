@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "host/Color.h"
+#include "render/PatchColour.h"
 
 namespace lb::io::svg {
 
@@ -20,37 +21,6 @@ void MeshGrid::resize(int c, int r) {
 }
 
 namespace {
-
-constexpr double kColourTolerance = 1.5 / 255;
-
-GridColour colourAt(const GradientMesh& mesh, int i, int j, double s, double t) {
-  GridColour c;
-  lb::host::colorToRGB(mesh.patchColor(i, j, s, t), &c.r, &c.g, &c.b);
-  c.a = mesh.patchOpacity(i, j, s, t);
-  for (double* x : {&c.r, &c.g, &c.b, &c.a}) *x = std::isfinite(*x) ? std::clamp(*x, 0.0, 1.0) : 0.0;
-  return c;
-}
-
-double secondDifference(const GridColour& x, const GridColour& y, const GridColour& z) {
-  auto d = [](double a, double b, double c) { return std::fabs(a - 2 * b + c); };
-  return std::max({d(x.r, y.r, z.r), d(x.g, y.g, z.g), d(x.b, y.b, z.b), d(x.a, y.a, z.a)});
-}
-
-double polygonLength(std::span<const AIRealPoint> pts) {
-  double len = 0;
-  for (size_t k = 1; k < pts.size(); ++k) len += std::hypot(pts[k].h - pts[k - 1].h, pts[k].v - pts[k - 1].v);
-  return len;
-}
-
-// Steps that keep straight colour interpolation within tolerance: a second
-// difference d over steps of a third predicts a miss of 9 d / (8 n^2).
-int colourCuts(double bend, double length, double minCell) {
-  const double miss = 9 * bend / 8;
-  if (miss <= kColourTolerance) return 1;
-  const double byColour = std::ceil(std::sqrt(miss / kColourTolerance));
-  const double bySize = minCell > 0 ? std::ceil(length / minCell) : byColour;
-  return static_cast<int>(std::clamp(std::min(byColour, bySize), 1.0, 32.0));
-}
 
 void addCuts(std::vector<double>& at, size_t pieces) {
   for (size_t q = 1; q < pieces; ++q) at.push_back(static_cast<double>(q) / pieces);
@@ -95,19 +65,12 @@ MeshGrid gridFromMesh(const GradientMesh& mesh, double minCell) {
   std::vector<int> cutsS(I, 1), cutsT(J, 1);
   for (int j = 0; j < J; ++j)
     for (int i = 0; i < I; ++i) {
-      GridColour c[4][4];
-      for (int b = 0; b <= 3; ++b)
-        for (int a = 0; a <= 3; ++a) c[a][b] = colourAt(mesh, i, j, a / 3.0, b / 3.0);
-      double bendS = 0, bendT = 0;
-      for (int b = 0; b <= 3; ++b)
-        for (int a = 1; a <= 2; ++a) {
-          bendS = std::max(bendS, secondDifference(c[a - 1][b], c[a][b], c[a + 1][b]));
-          bendT = std::max(bendT, secondDifference(c[b][a - 1], c[b][a], c[b][a + 1]));
-        }
+      const lb::render::PatchSamples p = lb::render::samplePatch(mesh, i, j);
+      using lb::render::polygonLength;
       const double lenS = std::max(polygonLength(mesh.runPoints(0, i, j)), polygonLength(mesh.runPoints(0, i, j + 1)));
       const double lenT = std::max(polygonLength(mesh.runPoints(1, i, j)), polygonLength(mesh.runPoints(1, i + 1, j)));
-      cutsS[i] = std::max(cutsS[i], colourCuts(bendS, lenS, minCell));
-      cutsT[j] = std::max(cutsT[j], colourCuts(bendT, lenT, minCell));
+      cutsS[i] = std::max(cutsS[i], lb::render::colourCuts(p.bendS, lenS, minCell));
+      cutsT[j] = std::max(cutsT[j], lb::render::colourCuts(p.bendT, lenT, minCell));
     }
   for (int i = 0; i < I; ++i) {
     for (int j = 0; j <= J; ++j) addCuts(S[i], (mesh.runPoints(0, i, j).size() - 1) / 3);
@@ -125,7 +88,7 @@ MeshGrid gridFromMesh(const GradientMesh& mesh, double minCell) {
       const LinePlace& pa = PA[a];
       const LinePlace& pb = PB[b];
       g.at(a, b) = mesh.patchPoint(pa.patch, pb.patch, pa.at, pb.at);
-      g.colourAt(a, b) = colourAt(mesh, pa.patch, pb.patch, pa.at, pb.at);
+      g.colourAt(a, b) = lb::render::patchRgba(mesh, pa.patch, pb.patch, pa.at, pb.at);
     }
   for (int b = 0; b <= g.rows; ++b)
     for (int a = 0; a < g.cols; ++a) {

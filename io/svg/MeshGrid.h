@@ -8,12 +8,11 @@
 
 #include "AITypes.h"
 #include "host/mesh/GradientMesh.h"
+#include "render/PatchColour.h"
 
 namespace lb::io::svg {
 
-struct GridColour {
-  double r = 1, g = 1, b = 1, a = 1;  // screen RGB and opacity, 0..1
-};
+using GridColour = lb::render::Rgba;
 
 // cols x rows patches over (cols + 1) x (rows + 1) corners, indexed
 // [a + b * (cols + 1)] with a across the columns and b across the rows.
