@@ -127,44 +127,30 @@ int CMeshRegion::GetMeshRegIncVert(AIArtHandle mesh, int bNodesOnly, int* pLines
         minJ = std::min(minJ, lo);
         maxJ = std::max(maxJ, hi);
       };
-      // Lines of constant i, walked along J; k is the index j of the last
-      // node passed.
-      for (int32_t i = 0; i <= I; ++i) {
-        int32_t k = -1;
-        WalkLine(mesh, i, 0, i, J, kAIMeshJAxis, [&](AIMeshVertexIterator v) {
-          const bool node = vs->IsNode(v);
-          if (node) ++k;
-          if (!sMeshSelection->ContainsVertex(sel, v)) return;
-          if (node) {
-            takeI(i, i);
-            takeJ(k, k);
-            if (pLinesI) pLinesI[i] = 1;
-            if (pLinesJ) pLinesJ[k] = 1;
-          } else if (!bNodesOnly) {
-            takeI(i, i);
-            takeJ(k, k + 1);
-            if (pLinesI) pLinesI[i] = 1;
-          }
-        });
-      }
-      // Lines of constant j, walked along I.
-      for (int32_t j = 0; j <= J; ++j) {
-        int32_t k = -1;
-        WalkLine(mesh, 0, j, I, j, kAIMeshIAxis, [&](AIMeshVertexIterator v) {
-          const bool node = vs->IsNode(v);
-          if (node) ++k;
-          if (!sMeshSelection->ContainsVertex(sel, v)) return;
-          if (node) {
-            takeI(k, k);
-            takeJ(j, j);
-            if (pLinesI) pLinesI[k] = 1;
-            if (pLinesJ) pLinesJ[j] = 1;
-          } else if (!bNodesOnly) {
-            takeJ(j, j);
-            takeI(k, k + 1);
-            if (pLinesJ) pLinesJ[j] = 1;
-          }
-        });
+      // Lines of constant i walked along J, then lines of constant j walked
+      // along I; k is the index along the walk of the last node passed. A
+      // selected node marks its line and the line across at k; a selected
+      // vertex between nodes k and k + 1 marks its line and spans k..k + 1.
+      for (const AIMeshAxis axis : {kAIMeshJAxis, kAIMeshIAxis}) {
+        const bool alongJ = axis == kAIMeshJAxis;
+        int* lineFlags = alongJ ? pLinesI : pLinesJ;
+        int* crossFlags = alongJ ? pLinesJ : pLinesI;
+        for (int32_t l = 0; l <= (alongJ ? I : J); ++l) {
+          int32_t k = -1;
+          const int32_t i1 = alongJ ? l : I, j1 = alongJ ? J : l;
+          WalkLine(mesh, alongJ ? l : 0, alongJ ? 0 : l, i1, j1, axis, [&](AIMeshVertexIterator v) {
+            const bool node = vs->IsNode(v);
+            if (node) ++k;
+            if (!sMeshSelection->ContainsVertex(sel, v) || (!node && bNodesOnly)) return;
+            const int32_t hi = node ? k : k + 1;
+            if (alongJ)
+              takeI(l, l), takeJ(k, hi);
+            else
+              takeI(k, hi), takeJ(l, l);
+            if (lineFlags) lineFlags[l] = 1;
+            if (node && crossFlags) crossFlags[k] = 1;
+          });
+        }
       }
     }
     m_nMinI = minI;
