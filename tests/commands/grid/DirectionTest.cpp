@@ -192,16 +192,5 @@ TEST(GridDirection, EverySelectedMeshIsTurnedWhateverPartOfItIsSelected) {
   EXPECT_TRUE(SameContent(ReadMesh(kids[1]), MapMesh(oldB, 2, 4, [](int i, int j) { return Node{2 - i, j}; }), kTol));
 }
 
-TEST(GridDirection, NothingSelectedChangesNothing) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.artSelected = false;
-  layout.id = "m";
-  Session s(DocJson({MeshJson(layout)}));
-  const json before = s.written();
-  for (int variant = 0; variant < 4; ++variant) EXPECT_EQ(s.runWritten(kCmdDirRotate, variant & 1, variant & 2), before);
-  EXPECT_EQ(s.runWritten(kCmdUvReset, false, false), before);
-  EXPECT_EQ(s.runWritten(kCmdUvReset, false, true), before);
-}
-
 }  // namespace
 }  // namespace lbtest

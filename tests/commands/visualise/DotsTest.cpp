@@ -82,13 +82,6 @@ TEST(Dots, PartialSelectionDrawsOnlySelectedVertices) {
   EXPECT_EQ(ChildNames(kids[0]), (Strs{"Nodes", "WithControls"}));
 }
 
-TEST(Dots, NoSelectedVertexLeavesNoArt) {
-  MeshRecipe m = Cells(2, 1);
-  m.whole = false;
-  Session s(MeshDoc({m}));
-  EXPECT_EQ(Names(RunDots(s)), (Strs{""}));
-}
-
 TEST(Dots, KnotsDrawTrueControlsAndHideTheOthers) {
   MeshRecipe m = Cells(1, 1);
   m.runs = {KnotRun()};
