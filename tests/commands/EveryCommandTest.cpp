@@ -33,12 +33,17 @@ json OpenPath(bool selected) {
           {"segments", {{{"p", {0, -10}}}, {{"p", {20, -12}}}, {{"p", {40, -10}}}}}};
 }
 
-// Nothing selected: every command, every modifier pair.
-TEST(EveryCommand, NothingSelectedChangesNothing) {
+// Nothing selected, or one open path of three anchors alone (too few for a
+// mesh, no mesh or second path to work with): every command, every
+// modifier pair.
+TEST(EveryCommand, NothingSelectedOrALonePathChangesNothing) {
   MeshRecipe m = MeshRecipe::Varied();
   m.artSelected = false;
-  const json doc = DocJson({MeshJson(m), OpenPath(false)});
-  for (int id = kCmdFirst; id <= kCmdLast; ++id) ExpectUnchanged(doc, id);
+  const json nothing = DocJson({MeshJson(m), OpenPath(false)}), lonePath = DocJson({OpenPath(true)});
+  for (int id = kCmdFirst; id <= kCmdLast; ++id) {
+    ExpectUnchanged(nothing, id);
+    ExpectUnchanged(lonePath, id);
+  }
 }
 
 // The (id, modifiers) pairs the panel maps to no operation, on two wholly
@@ -73,6 +78,10 @@ TEST(EveryCommand, RegionCommandsLeaveAMeshWithoutSelectedNodesAlone) {
   // These act on a selected non-node vertex; with none they have nothing.
   for (int id : {kCmdSetOfPaths, kCmdVerticesToKnots, kCmdHandlesSmooth, kCmdHandles1_3, kCmdHandles0})
     ExpectUnchanged(noVertex, id);
+  // Joining or deleting vertices needs a selected vertex, not just nodes.
+  MeshRecipe nodesOnly = MeshRecipe::Varied();
+  nodesOnly.selected = {{0, 0}, {3, 2}};
+  ExpectUnchanged(DocJson(nodesOnly), kCmdVerticesToKnots);
 }
 
 // Commands that need a second object (another mesh, a path or an image)

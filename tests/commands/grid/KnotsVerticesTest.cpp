@@ -180,21 +180,5 @@ TEST_P(VerticesDel, RemovesSelectedVerticesAndKeepsTheNodeSelection) {
 
 INSTANTIATE_TEST_SUITE_P(Cases, VerticesDel, ::testing::ValuesIn(kDelCases), lbtest::ByName());
 
-// Joining at selected nodes only, or deleting vertices on lines without a
-// selected vertex, changes nothing.
-TEST(VerticesToKnots, NodesOnlySelectionChangesNothing) {
-  for (bool alt : {false, true}) {
-    for (bool ctrl : {false, true}) {
-      if (alt && ctrl) continue;
-      MeshDoc d = TwoCells();
-      d.selectedNodes[{0, 0}] = d.selectedNodes[{2, 1}] = true;
-      Session s(lbtest::DocJson({d.art()}));
-      const json before = Children(s.written())[0];
-      const json after = s.runLayer(kVertices, alt, ctrl)[0];
-      EXPECT_EQ(after, before) << "alt " << alt << " ctrl " << ctrl;
-    }
-  }
-}
-
 }  // namespace
 }  // namespace knots
