@@ -159,14 +159,5 @@ INSTANTIATE_TEST_SUITE_P(
         StyleCase{"lines", {"[LB][LineToControl]", "[LB][Node]"}, "", "", "[LB][LineToControl]", "[LB][Node]"}),
     [](const auto& info) { return std::string(info.param.title); });
 
-TEST(Dots, SeveralMeshesEachGetTheirOwnTree) {
-  MeshRecipe a = Cells(1, 1), b = Cells(1, 1);
-  b.x0 = 50;
-  Session s(MeshDoc({a, b}));
-  const json kids = RunDots(s);
-  ASSERT_EQ(Names(kids), (Strs{"MeshPoints", "", "MeshPoints", ""}));
-  EXPECT_EQ(Anchors(Child(Child(kids[2], "Nodes"), "0,0")), (Pts{{50, 0}}));
-}
-
 }  // namespace
 }  // namespace vistest
