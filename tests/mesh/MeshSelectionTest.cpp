@@ -8,7 +8,6 @@
 
 #include "MeshSelection.h"
 #include "Operations.h"
-#include "color/ColorTransforms.h"
 #include "select/Select.h"
 #include "support/Session.h"
 
@@ -220,25 +219,6 @@ TEST_F(MeshSelectionTest, FailedSizeLeavesRegionUnwritten) {
   r.m_nMinI = 3;
   EXPECT_EQ(r.GetMeshReg(Mesh(0)), 1);
   EXPECT_EQ(r.m_nMinI, 3);
-}
-
-// A worker that fails on one mesh gives up on it alone: the public command
-// goes on with the next mesh, and nothing is left alive.
-TEST_F(MeshSelectionTest, FailureOnOneMeshLeavesTheOthersToTheCommand) {
-  Load({Coded(2, 1, {{0, 0}, {2, 1}}), Coded(2, 1, {{0, 0}, {2, 1}})});
-  gRealGetSize = mesh().GetSize;
-  mesh().GetSize = FailingGetSize;
-  gFailMesh = Mesh(0);
-  EXPECT_EQ(lb::color::_Flip(Mesh(0), kAIMeshIAxis), 1);
-  EXPECT_EQ(lb::color::Flip(kAIMeshIAxis), 0);
-  const MeshState top = State(0), below = State(1);
-  EXPECT_EQ(top.colorFrom(0, 0), 0);
-  EXPECT_EQ(below.colorFrom(0, 0), 2);
-  EXPECT_EQ(below.colorFrom(2, 0), 0);
-  EXPECT_EQ(lb::sel::_Shift(Mesh(0), 1, 0), 1);
-  EXPECT_EQ(lb::sel::Shift(1, 0), 0);
-  EXPECT_TRUE(State(0).selected(0, 0));
-  EXPECT_TRUE(State(1).selected(1, 0));
 }
 
 TEST_F(MeshSelectionTest, SelectionWorkerStoppedMidWalkKeepsWhatItSelected) {

@@ -67,18 +67,6 @@ TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
   }
 }
 
-// Ctrl+Alt, or no selected mesh: the document is left as it was.
-TEST(AlignTest, CtrlAltOrNoSelectedMeshChangesNothing) {
-  MeshRecipe unselected;
-  unselected.artSelected = false;
-  for (int id : {kCmdAlignHor, kCmdAlignVert})
-    for (bool ctrlAlt : {true, false}) {
-      Session s(ctrlAlt ? DocJson(MeshJsons(TwoMeshes())) : DocJson(unselected));
-      const json before = s.written();
-      EXPECT_EQ(s.runWritten(id, ctrlAlt, ctrlAlt), before) << id << " ctrl+alt " << ctrlAlt;
-    }
-}
-
 TEST(AlignTest, NonNodeVerticesMoveToo) {
   MeshRecipe d;
   d.selected = {{2, 2}};

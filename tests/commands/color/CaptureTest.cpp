@@ -242,12 +242,9 @@ TEST(CaptureFromRaster, NothingToCaptureChangesNothing) {
     std::vector<json> arts;
   };
   const Case cases[] = {
-      {"no image", false, false, {MeshJson(m)}},
       {"image not selected", false, false, {MeshJson(m), ImageJson(Plain(9, 9, 9, false))}},
       {"no mesh", false, false, {MeshJson(unselected), ImageJson(Plain(9, 9, 9, true))}},
       {"placed art of another kind", false, false, {MeshJson(m), ImageJson(otherPlaced)}},
-      {"one mesh, from a surface", true, false, {MeshJson(Tagged(0, 2, 2, Rect(0, 2, 0, 2)))}},
-      {"one mesh, from a surface, ctrl", true, true, {MeshJson(Tagged(0, 2, 2, Rect(0, 2, 0, 2)))}},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(c.name);

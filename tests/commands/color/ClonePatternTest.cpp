@@ -130,19 +130,12 @@ TEST(CloneColors, KeyObjectIsTheSourceWhateverAlt) {
   }
 }
 
-TEST(CloneColors, OneSelectedMeshOrAnEmptyRegionChangesNothing) {
-  {
-    Session s(Doc({Mesh(0, 2, 2, Rect(0, 1, 0, 1))}));
-    s.run(kClone, false, false, true, false);
-    EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(0, 1, 0, 1));
-  }
-  {
-    // The second mesh is selected as art with no node selected.
-    Session s(Doc({Mesh(0, 2, 2, Rect(0, 1, 0, 1)), Mesh(1, 2, 2, {})}));
-    s.run(kClone, false, false, true, false);
-    ExpectPaint(s.mesh(1), 1, [](int i, int j) { return Code(1, i, j); }, {true, true});
-    EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(0, 1, 0, 1));
-  }
+TEST(CloneColors, EmptyTargetRegionChangesNothing) {
+  // The second mesh is selected as art with no node selected.
+  Session s(Doc({Mesh(0, 2, 2, Rect(0, 1, 0, 1)), Mesh(1, 2, 2, {})}));
+  s.run(kClone, false, false, true, false);
+  ExpectPaint(s.mesh(1), 1, [](int i, int j) { return Code(1, i, j); }, {true, true});
+  EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(0, 1, 0, 1));
 }
 
 // ---- Pattern ----------------------------------------------------------------

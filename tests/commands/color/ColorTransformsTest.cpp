@@ -119,32 +119,4 @@ TEST(ColorTransforms, FourQuarterTurnsBringEverythingBack) {
   ExpectPaint(s.mesh(0), kUnmoved, {true, true});
 }
 
-TEST(ColorTransforms, MeshWithoutSelectedNodesIsLeftAsItWas) {
-  for (int id : {kCmdColorShift, kCmdColorReflect, kCmdColorRotate, kCmdColorSpread})
-    for (bool ctrl : {false, true}) {
-      SCOPED_TRACE(testing::Message() << "id " << id << " ctrl " << ctrl);
-      Session s(Coded(2, 2, {}, {{{0, 1, 'I'}, true}}));
-      s.run(id, false, ctrl, true, true);
-      const MeshState m = s.mesh(0);
-      ExpectPaint(m, kUnmoved, {true, true});
-      EXPECT_TRUE(m.selectedNodes().empty());
-      EXPECT_TRUE(m.innerSel(0, 1, 'I'));
-    }
-}
-
-TEST(ColorTransforms, SeveralMeshesEachUseTheirOwnRegion) {
-  MeshRecipe off = CodedWhole(3, 1);
-  off.artSelected = false;
-  MeshRecipe second = Coded(2, 2, {{0, 1}, {2, 1}});
-  second.x0 = 40;
-  Session s({Coded(3, 1, {{1, 0}, {3, 0}}), off, second});
-  s.run(kCmdColorReflect, false, false, true, true);
-  // Top mesh: region (1..3, 0..0), pair (1, 0)-(3, 0).
-  ExpectPaint(
-      s.mesh(0), [](int i, int j) { return (j == 0 && (i == 1 || i == 3)) ? Node{4 - i, j} : Node{i, j}; },
-      {true, true});
-  ExpectPaint(s.mesh(1), kUnmoved, {true, true});
-  ExpectPaint(s.mesh(2), [](int i, int j) { return j == 1 ? Node{2 - i, j} : Node{i, j}; }, {true, true});
-}
-
 }  // namespace

@@ -1,13 +1,18 @@
-// Host errors inside clone, pattern and capture: the operations linked in
-// directly against the host's suite tables, with one mesh's selection or
-// size made to fail. That mesh is given up, the others are still done, and
-// nothing is leaked.
+// Host errors inside the commands that go mesh by mesh (clone, pattern,
+// capture, colour flip, selection shift): the operations linked in directly
+// against the host's suite tables, with one mesh's selection or size made
+// to fail. That mesh is given up and left as it was, every other art ends
+// as it does without the error, and nothing is leaked.
 #include <gtest/gtest.h>
+
+#include <functional>
 
 #include "ColourDoc.h"
 #include "Operations.h"
 #include "Suites.h"
 #include "color/ColorOpacity.h"
+#include "color/ColorTransforms.h"
+#include "select/Select.h"
 
 using namespace coltest;
 
@@ -24,15 +29,24 @@ AIErr FailingGetSize(AIArtHandle m, int32_t* i, int32_t* j) {
   return m == gFailMesh ? kCantHappenErr : gRealGetSize(m, i, j);
 }
 
+enum class Fail { kNone, kSelection, kSize };
+
 // One Linked session; the plug-in's mesh table is the session's editable
 // copy, so one mesh's calls can be made to fail.
 class ColourFailure : public LinkedTest {
  protected:
-  void Load(const std::vector<json>& children) {
-    LinkedTest::Load(DocJson(children));
+  // The first layer's art after `op` with mesh `failing` failing as `f`.
+  json Run(const std::vector<json>& arts, const std::function<void()>& op, size_t failing, Fail f) {
+    LinkedTest::Load(DocJson(arts));
+    CColorOpacity::sm_bUseOpacity = 1;
     gRealGetSelection = mesh().GetSelection;
     gRealGetSize = mesh().GetSize;
-    CColorOpacity::sm_bUseOpacity = 1;
+    gFailMesh = Mesh(failing);
+    if (f == Fail::kSelection) mesh().GetSelection = FailingGetSelection;
+    if (f == Fail::kSize) mesh().GetSize = FailingGetSize;
+    op();
+    EXPECT_TRUE(NoLeaks());
+    return Children(session->written());
   }
   void TearDown() override {
     gFailMesh = nullptr;
@@ -42,59 +56,56 @@ class ColourFailure : public LinkedTest {
 
 json Full(int tag, int I, int J) { return MeshJson(Tagged(tag, I, J, Rect(0, I, 0, J))); }
 
-enum class Fail { kSelection, kSize };
-
-TEST_F(ColourFailure, CloneGivesUpOneTargetAndFillsTheNext) {
-  for (Fail f : {Fail::kSelection, Fail::kSize}) {
-    Load({Full(0, 1, 1), Full(1, 1, 1), Full(2, 1, 1)});
-    gFailMesh = Mesh(1);
-    if (f == Fail::kSelection) mesh().GetSelection = FailingGetSelection;
-    if (f == Fail::kSize) mesh().GetSize = FailingGetSize;
-    lb::color::Copy(0, 0);
-    EXPECT_EQ(ColorCode(State(1), 1, 1), Code(1, 1, 1));
-    EXPECT_EQ(ColorCode(State(2), 1, 1), Code(0, 1, 1));
-    EXPECT_EQ(OpacityCode(State(2), 0, 1), Code(0, 0, 1));
-    EXPECT_TRUE(NoLeaks());
-  }
-}
-
-TEST_F(ColourFailure, PatternGoesOnWithTheNextMesh) {
-  Load({MeshJson(Tagged(0, 3, 1, {{0, 0}})), MeshJson(Tagged(1, 3, 1, {{0, 0}}))});
-  gFailMesh = Mesh(0);
-  mesh().GetSize = FailingGetSize;
-  lb::color::Pattern(0, 0);
-  EXPECT_EQ(ColorCode(State(0), 3, 1), Code(0, 3, 1));
-  EXPECT_EQ(ColorCode(State(1), 3, 1), Code(1, 0, 0));
-  EXPECT_TRUE(NoLeaks());
-}
-
-TEST_F(ColourFailure, CaptureGoesOnWithTheNextMesh) {
+ImageRecipe Image(const char* type) {
   ImageRecipe im;
+  im.type = type;
   im.width = im.height = 2;
   im.matrix = {20, 0, 0, 20, -5, 35};
   im.pixels = {10, 20, 30, 10, 20, 30, 10, 20, 30, 10, 20, 30};
-  for (bool placed : {false, true}) {
-    SCOPED_TRACE(placed);
-    im.type = placed ? "placed" : "raster";
-    Load({Full(0, 1, 1), Full(1, 1, 1), ImageJson(im)});
-    gFailMesh = Mesh(0);
-    mesh().GetSelection = FailingGetSelection;
-    lb::color::CatchFromRaster(1);
-    EXPECT_EQ(ColorCode(State(0), 0, 0), Code(0, 0, 0));
-    EXPECT_EQ(State(1).node(0, 0).at("color"), (json{{"rgb", {10 / 255.0f, 20 / 255.0f, 30 / 255.0f}}}));
-    EXPECT_EQ(session->artCount(), 3u);
-    EXPECT_TRUE(NoLeaks());
+  return im;
+}
+
+TEST_F(ColourFailure, FailingMeshIsGivenUpAndTheOthersAreDone) {
+  const std::vector<json> three = {Full(0, 1, 1), Full(1, 1, 1), Full(2, 1, 1)};
+  const std::vector<json> pair = {MeshJson(Tagged(0, 3, 1, {{0, 0}})), MeshJson(Tagged(1, 3, 1, {{0, 0}}))};
+  const std::vector<json> coded = {MeshJson(Coded(2, 1, {{0, 0}, {2, 1}})), MeshJson(Coded(2, 1, {{0, 0}, {2, 1}}))};
+  const struct {
+    const char* name;
+    std::vector<json> arts;
+    std::function<void()> op;
+    size_t failing;
+    Fail fail;
+  } rows[] = {
+      {"clone, target's selection", three, [] { lb::color::Copy(0, 0); }, 1, Fail::kSelection},
+      {"clone, target's size", three, [] { lb::color::Copy(0, 0); }, 1, Fail::kSize},
+      {"pattern", pair, [] { lb::color::Pattern(0, 0); }, 0, Fail::kSize},
+      {"capture from a raster", {Full(0, 1, 1), Full(1, 1, 1), ImageJson(Image("raster"))},
+       [] { lb::color::CatchFromRaster(1); }, 0, Fail::kSelection},
+      {"capture from a placed image", {Full(0, 1, 1), Full(1, 1, 1), ImageJson(Image("placed"))},
+       [] { lb::color::CatchFromRaster(1); }, 0, Fail::kSelection},
+      {"capture from a surface", three, [] { lb::color::CatchFromMeshSurface(0); }, 0, Fail::kSelection},
+      {"flip colours", coded, [] { EXPECT_EQ(lb::color::Flip(kAIMeshIAxis), 0); }, 0, Fail::kSize},
+      {"shift the selection", coded, [] { EXPECT_EQ(lb::sel::Shift(1, 0), 0); }, 0, Fail::kSize},
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(r.name);
+    const json clean = Run(r.arts, r.op, r.failing, Fail::kNone);
+    const json before = Run(r.arts, [] {}, r.failing, Fail::kNone);
+    const json got = Run(r.arts, r.op, r.failing, r.fail);
+    ASSERT_EQ(got.size(), clean.size());
+    for (size_t k = 0; k < got.size(); ++k) EXPECT_EQ(got[k], k == r.failing ? before[k] : clean[k]) << "art " << k;
+    EXPECT_NE(clean, before) << "the operation should change something";
   }
 }
 
-TEST_F(ColourFailure, SurfaceCaptureGoesOnWithTheNextMesh) {
-  Load({Full(0, 1, 1), Full(1, 1, 1), Full(2, 1, 1)});
+// The per-mesh workers report the host's error to the command.
+TEST_F(ColourFailure, WorkersReturnTheHostsError) {
+  LinkedTest::Load(DocJson({MeshJson(Coded(2, 1, {{0, 0}, {2, 1}}))}));
+  gRealGetSize = mesh().GetSize;
+  mesh().GetSize = FailingGetSize;
   gFailMesh = Mesh(0);
-  mesh().GetSelection = FailingGetSelection;
-  lb::color::CatchFromMeshSurface(0);
-  EXPECT_EQ(ColorCode(State(0), 1, 0), Code(0, 1, 0));
-  EXPECT_NEAR(State(1).node(1, 0).at("color").at("gray").get<double>(), GrayOfCode(Code(2, 1, 0)), 1e-9);
-  EXPECT_TRUE(NoLeaks());
+  EXPECT_EQ(lb::color::_Flip(Mesh(0), kAIMeshIAxis), 1);
+  EXPECT_EQ(lb::sel::_Shift(Mesh(0), 1, 0), 1);
 }
 
 }  // namespace

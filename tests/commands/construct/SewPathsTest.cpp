@@ -121,17 +121,13 @@ TEST(SewPathsTest, UnpaintedPathGivesLightGray) {
   EXPECT_EQ(c.c.rgb.green, 0.800000011920929);
 }
 
-TEST(SewPathsTest, ThirdPathStaysAndSinglePathsOrAnchorsDoNothing) {
+// (A lone path: EveryCommand.NothingSelectedOrALonePathChangesNothing.)
+TEST(SewPathsTest, ThirdPathStaysAndSingleAnchorsDoNothing) {
   {
     Session s(DocJson({Path({{{0, 0}}, {{30, 0}}}), Path({{{0, 20}}, {{30, 20}}}), Path({{{0, 50}}, {{9, 50}}})}));
     s.run(kCmdSewPath);
     ASSERT_EQ(s.artCount(), 2u);
     EXPECT_EQ(s.written()["layers"][0]["children"][1]["type"], "path");
-  }
-  {
-    Session s(DocJson({Path({{{0, 0}}, {{30, 0}}})}));
-    s.run(kCmdSewPath);
-    EXPECT_EQ(s.written()["layers"][0]["children"][0]["type"], "path");
   }
   {
     Session s(DocJson({Path({{{0, 0}}}), Path({{{0, 20}}, {{30, 20}}})}));

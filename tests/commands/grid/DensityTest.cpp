@@ -53,11 +53,9 @@ TEST(DensityTest, SizesLinesAndSelection) {
       {kCmdDensityDec, true, false, 6, 1, {{2, 0}, {3, 1}}, {0, 10, 20, 30, 40, 50, 60}, {0, 10}, Rect(2, 3, 0, 1)},
       {kCmdDensityDec, false, false, 4, 4, {}, {0, 20, 40}, {0, 20, 40}, Rect(0, 2, 0, 2)},
       {kCmdDensityDec, false, true, 2, 4, {{0, 0}, {1, 4}}, {0, 10, 20}, {0, 20, 40}, Rect(0, 1, 0, 2)},
-      // Nothing to split: one node; Ctrl+Alt does nothing at all.
+      // Nothing to split: one node.
       {kCmdDensityInc, false, false, 2, 2, {{1, 1}}, {0, 10, 20}, {0, 10, 20}, {{1, 1}}},
       {kCmdDensityDec, false, false, 2, 2, {{1, 1}}, {0, 10, 20}, {0, 10, 20}, {{1, 1}}},
-      {kCmdDensityInc, true, true, 2, 2, {{0, 0}, {2, 2}}, {0, 10, 20}, {0, 10, 20}, {{0, 0}, {2, 2}}},
-      {kCmdDensityDec, true, true, 2, 2, {{0, 0}, {2, 2}}, {0, 10, 20}, {0, 10, 20}, {{0, 0}, {2, 2}}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(::testing::Message() << "id " << c.id << " alt " << c.alt << " ctrl " << c.ctrl << " size "
@@ -95,20 +93,6 @@ TEST(DensityTest, NewNodesTakeTheMeanOpacityWhateverTheCheckboxes) {
   ASSERT_EQ(m.sizeJ(), 4);
   EXPECT_NEAR(m.opacity(m.node(1, 1)), 0.2, kTol);
   EXPECT_NEAR(m.opacity(m.node(3, 3)), (0.7 + 0.6) / 2, kTol);
-}
-
-TEST(DensityTest, EverySelectedMeshChangesOthersStay) {
-  std::vector<json> arts;
-  for (const char* id : {"a", "b", "c"}) {
-    MeshRecipe d = Grid(2, 1, {});
-    d.id = id, d.x0 = 100.0 * double(arts.size()), d.artSelected = d.id != "c";
-    arts.push_back(MeshJson(d));
-  }
-  Session s(DocJson(arts));
-  s.run(kCmdDensityInc);
-  EXPECT_EQ(s.engine("a").sizeI(), 4);
-  EXPECT_EQ(s.engine("b").sizeJ(), 2);
-  EXPECT_EQ(s.engine("c").sizeI(), 2);
 }
 
 // A 4 x 3 grid whose row along `side` has zero width (or width `gap`):

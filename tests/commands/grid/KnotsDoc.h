@@ -116,22 +116,4 @@ inline LineRun ReadRun(const json& mesh, int axis, int i, int j) {
   return out;
 }
 
-// Every run of two written meshes: same points (within tol) and kinds.
-inline ::testing::AssertionResult SameRuns(const json& got, const json& want, double tol, bool kinds = true) {
-  if (got.at("size") != want.at("size")) return ::testing::AssertionFailure() << "sizes differ";
-  const int I = want.at("size")[0], J = want.at("size")[1];
-  for (int axis = 0; axis < 2; ++axis)
-    for (int j = 0; j <= J; ++j)
-      for (int i = 0; i <= I; ++i) {
-        if (axis == 0 ? i == I : j == J) continue;
-        const LineRun g = ReadRun(got, axis, i, j), w = ReadRun(want, axis, i, j);
-        auto r = SamePoints(g.points, w.points, tol);
-        if (!r) return r << " on run " << axis << " from (" << i << ", " << j << ")";
-        if (kinds && g.inner != w.inner)
-          return ::testing::AssertionFailure() << "run " << axis << " from (" << i << ", " << j << ") kinds "
-                                               << g.inner << " vs " << w.inner;
-      }
-  return ::testing::AssertionSuccess();
-}
-
 }  // namespace knots

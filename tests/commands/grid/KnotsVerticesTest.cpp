@@ -52,7 +52,9 @@ TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   const json before = Children(s.written())[0];
   const json after = s.runLayer(kKnots)[0];
   // The surface is unchanged: every run keeps its points exactly.
-  EXPECT_TRUE(SameRuns(after, before, 0.0, /*kinds=*/false));
+  const lbtest::MeshContent got = lbtest::ReadMesh(after), want = lbtest::ReadMesh(before);
+  ASSERT_EQ(got.runs.size(), want.runs.size());
+  for (const auto& [key, run] : want.runs) EXPECT_EQ(got.runs.at(key).points, run.points);
   std::string kinds[3] = {ReadRun(after, 0, 0, 0).inner, ReadRun(after, 0, 1, 0).inner, ReadRun(after, 1, 0, 0).inner};
   if (c.whole)
     for (auto& k : kinds)
@@ -75,7 +77,7 @@ TEST(KnotsVertices, RoundTripRestoresEveryRun) {
   EXPECT_EQ(ReadRun(mid, 0, 0, 0).inner, "VV");
   EXPECT_EQ(ReadRun(mid, 1, 0, 0).inner, "V");
   const json back = s.runLayer(kVertices)[0];
-  EXPECT_TRUE(SameRuns(back, before, 0.0));
+  EXPECT_TRUE(lbtest::SameContent(lbtest::ReadMesh(back), lbtest::ReadMesh(before), 0.0, true));
 }
 
 struct KnotsDelCase {
@@ -177,22 +179,6 @@ TEST_P(VerticesDel, RemovesSelectedVerticesAndKeepsTheNodeSelection) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, VerticesDel, ::testing::ValuesIn(kDelCases), lbtest::ByName());
-
-// Joining at selected nodes only, or deleting vertices on lines without a
-// selected vertex, changes nothing.
-TEST(VerticesToKnots, NodesOnlySelectionChangesNothing) {
-  for (bool alt : {false, true}) {
-    for (bool ctrl : {false, true}) {
-      if (alt && ctrl) continue;
-      MeshDoc d = TwoCells();
-      d.selectedNodes[{0, 0}] = d.selectedNodes[{2, 1}] = true;
-      Session s(lbtest::DocJson({d.art()}));
-      const json before = Children(s.written())[0];
-      const json after = s.runLayer(kVertices, alt, ctrl)[0];
-      EXPECT_EQ(after, before) << "alt " << alt << " ctrl " << ctrl;
-    }
-  }
-}
 
 }  // namespace
 }  // namespace knots

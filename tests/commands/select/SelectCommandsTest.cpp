@@ -127,7 +127,7 @@ TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
   EXPECT_EQ(s.mesh(0).selectedNodes(), start);
 }
 
-TEST(SelectNodesOrVertices, InvertTwiceRestoresAndCtrlAltDoesNothing) {
+TEST(SelectNodesOrVertices, InvertTwiceRestores) {
   const std::map<Inner, bool> inner{{{0, 0, 'I'}, true}, {{1, 1, 'I'}, false}};
   Session s({Coded(2, 1, {{0, 0}, {1, 1}}, inner)});
   s.run(kCmdSel, false, true);
@@ -140,21 +140,6 @@ TEST(SelectNodesOrVertices, InvertTwiceRestoresAndCtrlAltDoesNothing) {
   EXPECT_EQ(m.selectedNodes(), (NodeSet{{0, 0}, {1, 1}}));
   EXPECT_TRUE(m.innerSel(0, 0, 'I'));
   EXPECT_FALSE(m.innerSel(1, 1, 'I'));
-  s.run(kCmdSel, true, true);
-  EXPECT_EQ(s.mesh(0).selectedNodes(), (NodeSet{{0, 0}, {1, 1}}));
-}
-
-TEST(SelectSeveralMeshes, EachSelectedMeshUsesItsOwnRegionAndOthersAreLeftAlone) {
-  MeshRecipe off = Coded(2, 2, {});
-  off.artSelected = false;
-  MeshRecipe b = Coded(3, 3, {{0, 2}, {1, 3}});
-  b.x0 = 50;
-  Session s({Coded(3, 3, {{1, 0}, {2, 1}}), off, b});
-  s.run(kCmdSelRegion, false, false);
-  EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(1, 2, 0, 1));
-  EXPECT_TRUE(s.mesh(1).selectedNodes().empty());
-  EXPECT_FALSE(s.mesh(1).artSelected());
-  EXPECT_EQ(s.mesh(2).selectedNodes(), Rect(0, 1, 2, 3));
 }
 
 }  // namespace

@@ -138,17 +138,13 @@ TEST(Join, DockingTolerance) {
   }
 }
 
-// Arrangements that are not a full grid of meshes change nothing, nor does
-// one selected mesh (the mesh-joining branch is not taken).
+// Arrangements that are not a full grid of meshes change nothing.
 TEST(Join, RefusedArrangementsChangeNothing) {
-  std::vector<json> oneSelected = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
-  oneSelected[1]["selected"] = false;
   const std::pair<const char*, std::vector<json>> docs[] = {
       {"an L of three meshes: one point with three corners", Arrange({"L", 2, 2, 1, 1, {0, 1, 2}})},
       {"two meshes apart", Arrange({"Apart", 1, 3, 1, 1, {0, 2}})},
       {"a pair plus a lone mesh", Arrange({"PairAndOne", 1, 4, 1, 1, {0, 1, 3}})},
       {"two meshes sharing only one corner", Arrange({"Diagonal", 2, 2, 1, 1, {0, 3}})},
-      {"one selected mesh", oneSelected},
   };
   for (const auto& [name, art] : docs) {
     SCOPED_TRACE(name);

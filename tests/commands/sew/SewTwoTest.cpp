@@ -2,7 +2,7 @@
 // through the loaded plug-in: every modifier variant on small meshes, the
 // paint of seam nodes for mixed colour kinds, side equalisation, knots on
 // the seam, selection-guided sides, paint order and selection of the
-// result, and the cases that change nothing.
+// result (one selected mesh is refused in tests/commands/EveryCommandTest).
 #include <gtest/gtest.h>
 
 #include "support/Session.h"
@@ -290,18 +290,6 @@ TEST(SewResult, ThirdSelectedMeshStaysSelected) {
   EXPECT_EQ(kids[1].at("id"), "c");
   EXPECT_TRUE(kids[1].at("selected").get<bool>());
 }
-
-class FewerThanTwo : public ::testing::TestWithParam<int> {};
-
-TEST_P(FewerThanTwo, ChangesNothing) {
-  MeshRecipe b = Upper();
-  b.artSelected = false;
-  Session s(DocJson({MeshJson(Lower()), MeshJson(b)}));
-  const json before = s.written();
-  for (int v = 0; v < 4; ++v) EXPECT_EQ(s.runWritten(GetParam(), v & 1, v & 2), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(Sew, FewerThanTwo, ::testing::Values(kCmdSewMeshMove, kCmdSewMeshAdd));
 
 }  // namespace
 }  // namespace lbtest

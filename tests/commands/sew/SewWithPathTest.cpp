@@ -100,7 +100,6 @@ TEST(SewWithPathTest, RefusalsChangeNothing) {
   const std::pair<const char*, std::vector<json>> docs[] = {
       {"a single anchor", {MeshJson(Mesh()), Path({{0, -10}})}},
       {"two meshes", {MeshJson(Mesh()), MeshJson(other), Path({{0, -10}, {20, -10}})}},
-      {"no path", {MeshJson(Mesh())}},
   };
   for (const auto& [name, art] : docs) {
     SCOPED_TRACE(name);

@@ -167,11 +167,5 @@ TEST(ZeroRowTest, WholeSelectionGrowsEverySideAndShrinksBack) {
     for (int j = 0; j <= 2; ++j) EXPECT_EQ(st.node(i, j)["color"], old.node(i, j)["color"]) << i << "," << j;
 }
 
-TEST(ZeroRowTest, AltAloneDoesNothing) {
-  Session s(Coded(2, 2, Rect(0, 2, 0, 0)));
-  s.run(kCmdSew0, true, false);
-  EXPECT_EQ(s.mesh(0).J, 2);
-}
-
 }  // namespace
 }  // namespace lbtest

@@ -82,13 +82,6 @@ TEST(Dots, PartialSelectionDrawsOnlySelectedVertices) {
   EXPECT_EQ(ChildNames(kids[0]), (Strs{"Nodes", "WithControls"}));
 }
 
-TEST(Dots, NoSelectedVertexLeavesNoArt) {
-  MeshRecipe m = Cells(2, 1);
-  m.whole = false;
-  Session s(MeshDoc({m}));
-  EXPECT_EQ(Names(RunDots(s)), (Strs{""}));
-}
-
 TEST(Dots, KnotsDrawTrueControlsAndHideTheOthers) {
   MeshRecipe m = Cells(1, 1);
   m.runs = {KnotRun()};
@@ -165,15 +158,6 @@ INSTANTIATE_TEST_SUITE_P(
                   "[LB][LineToControl][I]", ""},
         StyleCase{"lines", {"[LB][LineToControl]", "[LB][Node]"}, "", "", "[LB][LineToControl]", "[LB][Node]"}),
     [](const auto& info) { return std::string(info.param.title); });
-
-TEST(Dots, SeveralMeshesEachGetTheirOwnTree) {
-  MeshRecipe a = Cells(1, 1), b = Cells(1, 1);
-  b.x0 = 50;
-  Session s(MeshDoc({a, b}));
-  const json kids = RunDots(s);
-  ASSERT_EQ(Names(kids), (Strs{"MeshPoints", "", "MeshPoints", ""}));
-  EXPECT_EQ(Anchors(Child(Child(kids[2], "Nodes"), "0,0")), (Pts{{50, 0}}));
-}
 
 }  // namespace
 }  // namespace vistest
