@@ -257,24 +257,10 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
     ++k;
   }
 
-  // Runs not listed are straight lines with handles at one and two thirds.
-  for (int axis = 0; axis < 2; ++axis)
-    for (int j = 0; j <= J - axis; ++j)
-      for (int i = 0; i <= I - (1 - axis); ++i) {
-        const AIRealPoint a = mesh->nodeData(i, j).p;
-        const AIRealPoint b = mesh->nodeData(axis == 0 ? i + 1 : i, axis == 0 ? j : j + 1).p;
-        MeshRunData d;
-        d.points = {a,
-                    {a.h + (b.h - a.h) / 3, a.v + (b.v - a.v) / 3},
-                    {a.h + 2 * (b.h - a.h) / 3, a.v + 2 * (b.v - a.v) / 3},
-                    b};
-        mesh->setRunData(axis, i, j, d);
-      }
-
+  std::vector<bool> seen(static_cast<size_t>(2) * want);  // runs listed, by axis, j, i
   if (auto runsValue = art.find("runs")) {
     const Path rp = at(path, "runs");
     const json runs = array(*runsValue, rp);
-    std::vector<bool> seen(static_cast<size_t>(2) * want);
     size_t k = 0;
     for (const json run : runs) {
       const Path p = at(rp, k++);
@@ -343,6 +329,22 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
       mesh->setRunData(axis, i, j, d);
     }
   }
+
+  // Runs not listed are straight lines with handles at one and two thirds.
+  for (int axis = 0; axis < 2; ++axis)
+    for (int j = 0; j <= J - axis; ++j)
+      for (int i = 0; i <= I - (1 - axis); ++i) {
+        if (seen[static_cast<size_t>(axis) * want + static_cast<size_t>(j) * (I + 1) + static_cast<size_t>(i)])
+          continue;
+        const AIRealPoint a = mesh->nodeData(i, j).p;
+        const AIRealPoint b = mesh->nodeData(axis == 0 ? i + 1 : i, axis == 0 ? j : j + 1).p;
+        MeshRunData d;
+        d.points = {a,
+                    {a.h + (b.h - a.h) / 3, a.v + (b.v - a.v) / 3},
+                    {a.h + 2 * (b.h - a.h) / 3, a.v + 2 * (b.v - a.v) / 3},
+                    b};
+        mesh->setRunData(axis, i, j, d);
+      }
 
   // A selected mesh whose file records no vertex selection is selected as
   // a whole. The caller sets the art's own selected attribute without
