@@ -6,7 +6,10 @@
 // library).
 #include "io/MeshJson.h"
 
+#include <array>
 #include <cmath>
+#include <optional>
+#include <string_view>
 #include <set>
 #include <utility>
 
@@ -100,14 +103,27 @@ json array(const json& j, const Path& path, size_t n = static_cast<size_t>(-1)) 
   return j;
 }
 
-json object(const json& j, const Path& path, std::initializer_list<const char*> keys) {
+// The members of object j named in `keys`, found in one pass over it:
+// entry k is the member named keys[k], when present; any other key is an
+// error. Used where many objects of one shape are read (nodes, runs).
+template <size_t N>
+std::array<std::optional<json>, N> members(const json& j, const Path& path,
+                                           const std::array<std::string_view, N>& keys) {
   if (!j.is_object()) wrongType(j, path, "an object");
+  std::array<std::optional<json>, N> out;
   for (auto it = j.begin(); it != j.end(); ++it) {
-    bool known = false;
-    for (const char* k : keys) known = known || it.key() == k;
-    if (!known) throw FormatError(at(path, it.key()), "unknown key");
+    const std::string_view key = it.key();
+    size_t k = 0;
+    while (k < N && keys[k] != key) ++k;
+    if (k == N) throw FormatError(at(path, key), "unknown key");
+    out[k] = *it;
   }
-  return j;
+  return out;
+}
+
+json need(const std::optional<json>& member, std::string_view key, const Path& path) {
+  if (!member) throw FormatError(at(path, key), "missing required key");
+  return *member;
 }
 
 json required(const json& obj, const char* key, const Path& path) {
@@ -201,7 +217,7 @@ std::vector<double> positions(const json& j, const Path& path, int n) {
   return out;
 }
 
-const char* const kDirKeys[4] = {"I-", "J-", "I+", "J+"};
+constexpr std::array<std::string_view, 4> kDirKeys{"I-", "J-", "I+", "J+"};
 
 }  // namespace
 
@@ -236,22 +252,23 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
   size_t k = 0;
   for (const json node : nodes) {
     const Path p = at(np, k);
-    const json n = object(node, p, {"p", "color", "opacity", "selected", "smooth"});
+    static constexpr std::array<std::string_view, 5> kNodeKeys{"p", "color", "opacity", "selected", "smooth"};
+    const auto [pv, c, o, s, smooth] = members(node, p, kNodeKeys);
     MeshNodeData d;
-    d.p = point(required(n, "p", p), at(p, "p"));
+    d.p = point(need(pv, "p", p), at(p, "p"));
     d.color.kind = kThreeColor;
     d.color.c.rgb = {1, 1, 1};
-    if (auto c = n.find("color")) d.color = color(*c, at(p, "color"));
-    if (auto o = n.find("opacity")) d.opacity = unit(*o, at(p, "opacity"));
-    if (auto s = n.find("selected")) {
+    if (c) d.color = color(*c, at(p, "color"));
+    if (o) d.opacity = unit(*o, at(p, "opacity"));
+    if (s) {
       anySelectedKey = true;
       d.selected = boolean(*s, at(p, "selected"));
     }
-    if (auto smooth = n.find("smooth")) {
+    if (smooth) {
       const Path sp = at(p, "smooth");
-      const json sm = object(*smooth, sp, {"I-", "J-", "I+", "J+"});
+      const auto flags = members(*smooth, sp, kDirKeys);
       for (int dir = 0; dir < 4; ++dir)
-        if (auto f = sm.find(kDirKeys[dir])) d.smooth[dir] = boolean(*f, at(sp, kDirKeys[dir]));
+        if (flags[dir]) d.smooth[dir] = boolean(*flags[dir], at(sp, kDirKeys[dir]));
     }
     mesh->setNodeData(static_cast<int>(k % (I + 1)), static_cast<int>(k / (I + 1)), d);
     ++k;
@@ -264,10 +281,11 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
     size_t k = 0;
     for (const json run : runs) {
       const Path p = at(rp, k++);
-      const json r = object(run, p, {"node", "axis", "points", "inner"});
-      const json nodeIdx = array(required(r, "node", p), at(p, "node"), 2);
+      static constexpr std::array<std::string_view, 4> kRunKeys{"node", "axis", "points", "inner"};
+      const auto [nodeValue, axisValue, pointsValue, innerValue] = members(run, p, kRunKeys);
+      const json nodeIdx = array(need(nodeValue, "node", p), at(p, "node"), 2);
       const int i = integer(nodeIdx[0], at(p, "node[0]")), j = integer(nodeIdx[1], at(p, "node[1]"));
-      const json ax = required(r, "axis", p);
+      const json ax = need(axisValue, "axis", p);
       if (!ax.is_string()) wrongType(ax, at(p, "axis"), "\"I\" or \"J\"");
       const std::string axs = ax.get<std::string>();
       if (axs != "I" && axs != "J") throw FormatError(at(p, "axis"), "expected \"I\" or \"J\"");
@@ -278,7 +296,7 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
       if (seen[slot]) throw FormatError(p, "run listed twice");
       seen[slot] = true;
       const Path pp = at(p, "points");
-      const json pts = array(required(r, "points", p), pp);
+      const json pts = array(need(pointsValue, "points", p), pp);
       if (pts.size() < 4 || (pts.size() - 1) % 3 != 0)
         throw FormatError(pp, "a run of m pieces has 3m + 1 points, found " + std::to_string(pts.size()));
       MeshRunData d;
@@ -292,7 +310,6 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
         throw FormatError(at(pp, pts.size() - 1), "does not match the end node's \"p\"");
       const size_t m = (pts.size() - 1) / 3;
       const Path ip = at(p, "inner");
-      const auto innerValue = r.find("inner");
       if (m > 1 && !innerValue) throw FormatError(ip, "missing required key");
       if (innerValue) {
         const json inner = array(*innerValue, ip);
@@ -302,24 +319,25 @@ std::unique_ptr<GradientMesh> meshFromTree(const JsonRef& art, const std::string
         size_t q = 0;
         for (const json element : inner) {
           const Path ep = at(ip, q++);
-          const json e = object(element, ep, {"kind", "selected", "smooth"});
-          const json kind = required(e, "kind", ep);
+          static constexpr std::array<std::string_view, 3> kInnerKeys{"kind", "selected", "smooth"};
+          const auto [kindValue, selectedValue, smoothValue] = members(element, ep, kInnerKeys);
+          const json kind = need(kindValue, "kind", ep);
           if (!kind.is_string()) wrongType(kind, at(ep, "kind"), "\"knot\" or \"vertex\"");
           MeshRunData::Inner in;
           if (kind.get<std::string>() == "vertex") {
             in.vertex = true;
-            if (auto s = e.find("selected")) {
+            if (selectedValue) {
               anySelectedKey = true;
-              in.selected = boolean(*s, at(ep, "selected"));
+              in.selected = boolean(*selectedValue, at(ep, "selected"));
             }
-            if (auto smooth = e.find("smooth")) {
-              const json sm = array(*smooth, at(ep, "smooth"), 2);
+            if (smoothValue) {
+              const json sm = array(*smoothValue, at(ep, "smooth"), 2);
               in.smooth[0] = boolean(sm[0], at(ep, "smooth[0]"));
               in.smooth[1] = boolean(sm[1], at(ep, "smooth[1]"));
             }
           } else if (kind.get<std::string>() == "knot") {
-            if (e.contains("selected")) throw FormatError(at(ep, "selected"), "a knot cannot be selected");
-            if (e.contains("smooth")) throw FormatError(at(ep, "smooth"), "a knot has no smooth flags");
+            if (selectedValue) throw FormatError(at(ep, "selected"), "a knot cannot be selected");
+            if (smoothValue) throw FormatError(at(ep, "smooth"), "a knot has no smooth flags");
           } else {
             throw FormatError(at(ep, "kind"), "expected \"knot\" or \"vertex\"");
           }
