@@ -7,6 +7,7 @@
 // calls fail with kIterAtEndErr instead of touching freed memory. Vertices
 // are held by stable id: an iterator on a vertex that an edit removed is
 // AtEnd too.
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -194,6 +195,24 @@ AIErr checkIter(const T* it) {
   return it->valid() ? kNoErr : kIterAtEndErr;
 }
 
+// The hottest calls leave the vertex's or segment's own validity to the
+// engine call, which fails on a gone vertex or segment, and only look
+// again to tell the two errors apart when it did fail: one look-up instead
+// of two on the common path, the same results on every path.
+
+// kBadParameterErr for a null iterator, kIterAtEndErr when its mesh is gone.
+template <class T>
+AIErr checkMesh(const T* it) {
+  if (!it) return kBadParameterErr;
+  return it->m.live() ? kNoErr : kIterAtEndErr;
+}
+// After an engine call on a live mesh failed: the iterator's thing is gone
+// (kIterAtEndErr) or the arguments were wrong (kBadParameterErr).
+template <class T>
+AIErr failure(const T* it) {
+  return it->valid() ? kBadParameterErr : kIterAtEndErr;
+}
+
 // ---- AI Mesh Suite ---------------------------------------------------------
 
 AIErr InitCartesian(AIArtHandle art, int32_t i, int32_t j) {
@@ -360,7 +379,7 @@ AIErr VNextI(AIMeshVertexIterator v) { return step(v, kDirIFwd); }
 AIErr VPrevI(AIMeshVertexIterator v) { return step(v, kDirIBack); }
 AIErr VNextJ(AIMeshVertexIterator v) { return step(v, kDirJFwd); }
 AIErr VPrevJ(AIMeshVertexIterator v) { return step(v, kDirJBack); }
-AIBoolean VIsNode(AIMeshVertexIterator v) { return v && v->valid() && v->m.mesh->isNode(v->id); }
+AIBoolean VIsNode(AIMeshVertexIterator v) { return v && v->m.live() && v->m.mesh->isNode(v->id); }
 AIErr VGetNodeIndex(AIMeshVertexIterator v, int32_t* i, int32_t* j) {
   if (AIErr err = checkIter(v)) return err;
   int a = 0, b = 0;
@@ -369,20 +388,25 @@ AIErr VGetNodeIndex(AIMeshVertexIterator v, int32_t* i, int32_t* j) {
   if (j) *j = b;
   return kNoErr;
 }
+// A gone vertex has no segments: counts 0, indices -1.
 int32_t VCountSegments(AIMeshVertexIterator v) {
-  return v && v->valid() ? v->m.mesh->segmentCount(v->id) : 0;
+  return v && v->m.live() ? v->m.mesh->segmentCount(v->id) : 0;
 }
 int32_t VGetSegmentIndex(AIMeshVertexIterator v, int32_t axis, int32_t sense) {
-  if (!v || !v->valid() || axis < 0 || axis > 1 || sense < 0 || sense > 1) return -1;
+  if (!v || !v->m.live() || axis < 0 || axis > 1 || sense < 0 || sense > 1) return -1;
   return v->m.mesh->segmentIndex(v->id, meshDir(axis, sense));
 }
-// Direction of segment `index` at the vertex, or -1.
-int dirOfIndex(AIMeshVertexIterator v, int32_t index) { return v->m.mesh->segmentDir(v->id, index); }
+// Direction of segment `index` at the vertex, or the error: kIterAtEndErr
+// for a gone vertex, kBadParameterErr for an index it does not have.
+AIErr dirOfIndex(AIMeshVertexIterator v, int32_t index, int* dir) {
+  if (AIErr err = checkMesh(v)) return err;
+  *dir = v->m.mesh->segmentDir(v->id, index);
+  return *dir >= 0 ? kNoErr : failure(v);
+}
 AIErr VGetSegment(AIMeshVertexIterator v, int32_t index, AIMeshSegmentIterator* segment) {
-  if (AIErr err = checkIter(v)) return err;
+  int d = -1;
+  if (AIErr err = dirOfIndex(v, index, &d)) return err;
   if (!segment) return kBadParameterErr;
-  const int d = dirOfIndex(v, index);
-  if (d < 0) return kBadParameterErr;
   *segment = newSegment(v->m, SegmentRef{v->id, d});
   return kNoErr;
 }
@@ -399,28 +423,26 @@ AIErr VSetPoint(AIMeshVertexIterator v, const AIRealPoint* p) {
   return kNoErr;
 }
 AIErr VGetTangent(AIMeshVertexIterator v, int32_t index, AIRealPoint* h) {
-  if (AIErr err = checkIter(v)) return err;
-  const int d = dirOfIndex(v, index);
-  if (!h || d < 0) return kBadParameterErr;
+  int d = -1;
+  if (AIErr err = dirOfIndex(v, index, &d)) return err;
+  if (!h) return kBadParameterErr;
   *h = v->m.mesh->tangent(v->id, d);
   return kNoErr;
 }
 AIErr VSetTangent(AIMeshVertexIterator v, int32_t index, const AIRealPoint* h) {
-  if (AIErr err = checkIter(v)) return err;
-  const int d = dirOfIndex(v, index);
-  if (!h || d < 0) return kBadParameterErr;
+  int d = -1;
+  if (AIErr err = dirOfIndex(v, index, &d)) return err;
+  if (!h) return kBadParameterErr;
   v->m.mesh->setTangent(v->id, d, *h);
   return kNoErr;
 }
 AIBoolean VGetSmooth(AIMeshVertexIterator v, int32_t index) {
-  if (!v || !v->valid()) return false;
-  const int d = dirOfIndex(v, index);
-  return d >= 0 && v->m.mesh->smooth(v->id, d);
+  int d = -1;
+  return !dirOfIndex(v, index, &d) && v->m.mesh->smooth(v->id, d);
 }
 AIErr VSetSmooth(AIMeshVertexIterator v, int32_t index, AIBoolean smooth) {
-  if (AIErr err = checkIter(v)) return err;
-  const int d = dirOfIndex(v, index);
-  if (d < 0) return kBadParameterErr;
+  int d = -1;
+  if (AIErr err = dirOfIndex(v, index, &d)) return err;
   v->m.mesh->setSmooth(v->id, d, smooth != 0);
   return kNoErr;
 }
@@ -476,8 +498,11 @@ AIErr SNext(AIMeshSegmentIterator s) {
   return kNoErr;
 }
 AIErr SNextOnAxis(AIMeshSegmentIterator s) {
-  if (AIErr err = checkIter(s)) return err;
-  s->seg = s->m.mesh->nextOnAxis(s->seg);
+  if (AIErr err = checkMesh(s)) return err;
+  // No next segment: the walk has left the axis, or this segment was gone.
+  const SegmentRef next = s->m.mesh->nextOnAxis(s->seg);
+  if (next.start == kNoVertex && !s->valid()) return kIterAtEndErr;
+  s->seg = next;
   return kNoErr;
 }
 AIErr SPrevOnAxis(AIMeshSegmentIterator s) {
@@ -502,32 +527,38 @@ AIErr SGetStart(AIMeshSegmentIterator s, AIMeshVertexIterator* v) {
   return kNoErr;
 }
 AIErr SGetEnd(AIMeshSegmentIterator s, AIMeshVertexIterator* v) {
-  if (AIErr err = checkIter(s)) return err;
+  if (AIErr err = checkMesh(s)) return err;
+  const VertexId end = s->m.mesh->segmentEnd(s->seg);  // none only for a gone segment
+  if (end == kNoVertex) return kIterAtEndErr;
   if (!v) return kBadParameterErr;
-  *v = newVertex(s->m, s->m.mesh->segmentEnd(s->seg));
+  *v = newVertex(s->m, end);
   return kNoErr;
 }
-int32_t SCountKnots(AIMeshSegmentIterator s) { return s && s->valid() ? s->m.mesh->knotCount(s->seg) : 0; }
+// A gone segment has no knots (the engine says -1) and no points.
+int32_t SCountKnots(AIMeshSegmentIterator s) {
+  return s && s->m.live() ? std::max(s->m.mesh->knotCount(s->seg), 0) : 0;
+}
 AIErr SInsertKnots(AIMeshSegmentIterator s, int32_t m, int32_t n) {
-  if (AIErr err = checkIter(s)) return err;
-  return s->m.mesh->insertKnots(s->seg, m, n) ? kNoErr : kBadParameterErr;
+  if (AIErr err = checkMesh(s)) return err;
+  return s->m.mesh->insertKnots(s->seg, m, n) ? kNoErr : failure(s);
 }
 AIErr SDeleteKnots(AIMeshSegmentIterator s, int32_t m, int32_t n) {
-  if (AIErr err = checkIter(s)) return err;
-  return s->m.mesh->deleteKnots(s->seg, m, n) ? kNoErr : kBadParameterErr;
+  if (AIErr err = checkMesh(s)) return err;
+  return s->m.mesh->deleteKnots(s->seg, m, n) ? kNoErr : failure(s);
 }
 int32_t SCountPoints(AIMeshSegmentIterator s) {
-  return s && s->valid() ? 3 * s->m.mesh->knotCount(s->seg) + 4 : 0;
+  const int32_t knots = s && s->m.live() ? s->m.mesh->knotCount(s->seg) : -1;
+  return knots < 0 ? 0 : 3 * knots + 4;
 }
 AIErr SGetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, AIRealPoint* points) {
-  if (AIErr err = checkIter(s)) return err;
-  if (count > 0 && !points) return kBadParameterErr;
-  return s->m.mesh->getSegmentPoints(s->seg, start, count, points) ? kNoErr : kBadParameterErr;
+  if (AIErr err = checkMesh(s)) return err;
+  if (count > 0 && !points) return failure(s);
+  return s->m.mesh->getSegmentPoints(s->seg, start, count, points) ? kNoErr : failure(s);
 }
 AIErr SSetPoints(AIMeshSegmentIterator s, int32_t start, int32_t count, const AIRealPoint* points) {
-  if (AIErr err = checkIter(s)) return err;
-  if (count > 0 && !points) return kBadParameterErr;
-  return s->m.mesh->setSegmentPoints(s->seg, start, count, points) ? kNoErr : kBadParameterErr;
+  if (AIErr err = checkMesh(s)) return err;
+  if (count > 0 && !points) return failure(s);
+  return s->m.mesh->setSegmentPoints(s->seg, start, count, points) ? kNoErr : failure(s);
 }
 AIErr SSplit(AIMeshSegmentIterator s, int32_t k) {
   if (AIErr err = checkIter(s)) return err;
