@@ -53,7 +53,9 @@ double pchipSlopeAt(int n, const double* x, const YF& Y, int k) {
 
 // Components of a node in the mesh's kind followed by its opacity.
 void nodeComponents(const Node& n, AIColorTag kind, int nc, double* out) {
-  if (nc > 0) {
+  if (nc > 0 && n.color.kind == kind) {
+    colorComponents(n.color, out);  // the usual case: nothing to convert
+  } else if (nc > 0) {
     const AIColor c = n.color.kind == kNoneColor ? whiteColor() : n.color;
     colorComponents(convertColor(c, kind), out);
   }
