@@ -5,6 +5,7 @@
 #include "host/mesh/GradientMesh.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "host/mesh/MeshImpl_p.h"
@@ -211,6 +212,17 @@ int directionCount(unsigned mask) {
   static constexpr int8_t kCount[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
   return kCount[mask & 15u];
 }
+// The direction of the index-th set bit of a four-direction mask, or -1.
+constexpr auto kDirOfIndex = [] {
+  std::array<std::array<int8_t, 4>, 16> t{};
+  for (unsigned m = 0; m < 16; ++m) {
+    int k = 0;
+    for (auto& d : t[m]) d = -1;
+    for (int d = 0; d < 4; ++d)
+      if ((m >> d) & 1u) t[m][k++] = static_cast<int8_t>(d);
+  }
+  return t;
+}();
 }  // namespace
 
 bool GradientMesh::hasSegment(VertexId v, int dir) const {
@@ -224,11 +236,8 @@ int GradientMesh::segmentIndex(VertexId v, int dir) const {
   return directionCount(mask & ((1u << dir) - 1u));
 }
 int GradientMesh::segmentDir(VertexId v, int index) const {
-  if (index < 0) return -1;
-  const unsigned mask = impl_->segmentMask(v);
-  for (int d = 0; d < 4; ++d)
-    if (((mask >> d) & 1u) && index-- == 0) return d;
-  return -1;
+  if (index < 0 || index > 3) return -1;
+  return kDirOfIndex[impl_->segmentMask(v) & 15u][static_cast<size_t>(index)];
 }
 
 AIRealPoint GradientMesh::point(VertexId v) const {
