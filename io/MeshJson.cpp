@@ -126,11 +126,7 @@ json need(const std::optional<json>& member, std::string_view key, const Path& p
   return *member;
 }
 
-json required(const json& obj, const char* key, const Path& path) {
-  auto it = obj.find(key);
-  if (!it) throw FormatError(at(path, key), "missing required key");
-  return *it;
-}
+json required(const json& obj, const char* key, const Path& path) { return need(obj.find(key), key, path); }
 
 double coordinate(const json& j, const Path& path) {
   const double d = number(j, path);

@@ -69,18 +69,6 @@ cairo_operator_t blendOperator(int mode) {
   }
 }
 
-void unite(AIRealRect& r, const AIRealRect& o, bool& any) {
-  if (!any) {
-    r = o;
-    any = true;
-    return;
-  }
-  r.left = std::min(r.left, o.left);
-  r.right = std::max(r.right, o.right);
-  r.bottom = std::min(r.bottom, o.bottom);
-  r.top = std::max(r.top, o.top);
-}
-
 // Builds a path from user-space points such that no device coordinate
 // handed to cairo leaves [-kReach, kReach] (cairo keeps device coordinates
 // in 24.8 fixed point and wraps beyond 2^23). A curve inside that box is
@@ -800,6 +788,18 @@ constexpr int kMaxSide = 16384;
 constexpr double kMaxPixels = 64.0 * 1024 * 1024;
 constexpr double kMinScale = 1e-4, kMaxScale = 1e4;
 }  // namespace
+
+void unite(AIRealRect& r, const AIRealRect& o, bool& any) {
+  if (!any) {
+    r = o;
+    any = true;
+    return;
+  }
+  r.left = std::min(r.left, o.left);
+  r.right = std::max(r.right, o.right);
+  r.bottom = std::min(r.bottom, o.bottom);
+  r.top = std::max(r.top, o.top);
+}
 
 AIRealRect patchReach(const GradientMesh& mesh, int i, int j) {
   double l = INFINITY, r = -INFINITY, b = INFINITY, t = -INFINITY;

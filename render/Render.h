@@ -46,6 +46,9 @@ struct Image {
 // cairo cannot make a surface that size. The caller destroys the surface.
 cairo_surface_t* imageSurface(const ArtObject& art);
 
+// Grows r to cover o; while `any` is false, r becomes o and `any` true.
+void unite(AIRealRect& r, const AIRealRect& o, bool& any);
+
 // A box the surface of patch (i, j) cannot leave. Each point of a Coons
 // patch is the sum of two blends of its sides less a blend of its corners,
 // all three inside the box of the sides' control points, so the patch stays

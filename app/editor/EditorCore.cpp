@@ -175,15 +175,7 @@ void CanvasView::invalidateArea(const AIRealRect& r) {
   marksStale_ = true;
   if (stale_) return;
   if (!(r.left <= r.right && r.bottom <= r.top)) return;
-  if (!dirty_) {
-    dirtyArea_ = r;
-    dirty_ = true;
-    return;
-  }
-  dirtyArea_.left = std::min(dirtyArea_.left, r.left);
-  dirtyArea_.right = std::max(dirtyArea_.right, r.right);
-  dirtyArea_.bottom = std::min(dirtyArea_.bottom, r.bottom);
-  dirtyArea_.top = std::max(dirtyArea_.top, r.top);
+  lb::render::unite(dirtyArea_, r, dirty_);
 }
 
 CanvasView::~CanvasView() {
