@@ -11,7 +11,13 @@ AIRealPoint lerp(const AIRealPoint& a, const AIRealPoint& b, double t) {
   return {a.h + t * (b.h - a.h), a.v + t * (b.v - a.v)};
 }
 
-double dist(const AIRealPoint& a, const AIRealPoint& b) { return std::hypot(b.h - a.h, b.v - a.v); }
+// sqrt first: hypot's care against overflow is slow, and lengths are asked
+// for every piece of every line; hypot only where the squares overflow.
+double dist(const AIRealPoint& a, const AIRealPoint& b) {
+  const double dh = b.h - a.h, dv = b.v - a.v;
+  const double d = std::sqrt(dh * dh + dv * dv);
+  return std::isfinite(d) && d > 1e-150 ? d : std::hypot(dh, dv);
+}
 
 double polygonLength(const AIRealBezier& b) { return dist(b.p0, b.p1) + dist(b.p1, b.p2) + dist(b.p2, b.p3); }
 

@@ -24,9 +24,4 @@ const void* findSuite(const char* name, int32_t version) {
   return it == registry().end() ? nullptr : it->second;
 }
 
-Counters& liveCounters() {
-  static Counters counters;
-  return counters;
-}
-
 }  // namespace lb::host

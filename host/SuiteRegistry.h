@@ -15,7 +15,11 @@ const void* findSuite(const char* name, int32_t version);
 
 // Counters of live host objects (iterators, selections, acquisitions,
 // memory handles). Suites increment on hand-out and decrement on release.
-Counters& liveCounters();
+// (Constant-initialised and inline: iterators bump it by the million.)
+inline Counters& liveCounters() {
+  static constinit Counters counters;
+  return counters;
+}
 
 // Each group of suites registers itself; Host's constructor calls all three.
 void registerFrameSuites();     // basic, access, plug-ins, blocks, context, menu, notifier,

@@ -193,18 +193,6 @@ VertexId GradientMesh::nextVertex(VertexId v) const {
 
 VertexId GradientMesh::neighbour(VertexId v, int dir) const { return segmentEnd(SegmentRef{v, dir}); }
 
-// The directions in which a vertex has a segment, one bit per direction:
-// a node has those that stay inside the grid, a non-node vertex the two
-// along its run.
-unsigned GradientMesh::Impl::segmentMask(VertexId v) const {
-  const Where l = loc(v);
-  if (!l) return 0;
-  if (l.kind == kInnerLoc)
-    return l.axis == 0 ? (1u << kDirIFwd) | (1u << kDirIBack) : (1u << kDirJFwd) | (1u << kDirJBack);
-  return (l.i > 0 ? 1u << kDirIBack : 0u) | (l.j > 0 ? 1u << kDirJBack : 0u) | (l.i < I ? 1u << kDirIFwd : 0u) |
-         (l.j < J ? 1u << kDirJFwd : 0u);
-}
-
 namespace {
 // Bits set in a four-direction mask (std::popcount is a library call on
 // the baseline x86-64 target, and this is asked for every segment index).
@@ -460,27 +448,46 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
   if (!impl_->span(s, &sp)) return false;
   const int n = 3 * (sp.a1 - sp.a0) + 1;
   if (start < 0 || count < 0 || start + count > n) return false;
+  if (count == 0) return true;
   Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
   const int last = static_cast<int>(r.pts.size()) - 1;
-  for (int k = 0; k < count; ++k) {
-    const int p = start + k;
-    const int idx = sp.fwd ? 3 * sp.a0 + p : 3 * sp.a1 - p;
+  // Run indices of the first and last point written; the points between
+  // them lie inside the run, where no other run shares them.
+  const int first = sp.fwd ? 3 * sp.a0 + start : 3 * sp.a1 - start;
+  const int step = sp.fwd ? 1 : -1;
+  const int final = first + step * (count - 1);
+  P* d = r.pts.data();
+  for (int k = 1; k + 1 < count; ++k) d[first + step * k] = pts[k];
+  for (const int k : {0, count - 1}) {
+    const int idx = k == 0 ? first : final;
     if (idx > 0 && idx < last)
-      r.pts[idx] = pts[k];  // inside the run: no other run shares it
+      d[idx] = pts[k];
     else
       impl_->setRunPoint(sp.axis, sp.i, sp.j, idx, pts[k]);
+    if (count == 1) break;
   }
   return true;
 }
 
 bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
-  const Impl::Restructuring restructuring(*impl_);
   Impl::Span sp;
-  if (!impl_->span(s, &sp)) return false;
+  {
+    const Impl::Restructuring restructuring(*impl_);
+    if (!impl_->span(s, &sp)) return false;
+    const int K = sp.a1 - sp.a0 - 1;
+    if (m < 0 || m > K || n < 0) return false;
+    if (n == 0) return true;
+    impl_->insertKnotsAt(sp, m, n);
+  }
+  // The segment now spans n more pieces, and is usually written next.
+  sp.a1 += n;
+  impl_->remember(s, sp);
+  return true;
+}
+
+void GradientMesh::Impl::insertKnotsAt(const Span& sp, int m, int n) {
   const int K = sp.a1 - sp.a0 - 1;
-  if (m < 0 || m > K || n < 0) return false;
-  if (n == 0) return true;
-  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  Run& r = runAt(sp.axis, sp.i, sp.j);
   const int piece = sp.fwd ? sp.a0 + m : sp.a0 + (K - m);
   // The piece is cut into n + 1 equal-parameter parts in place: room for
   // 3n points opens after its start, then every part is written over it.
@@ -498,8 +505,7 @@ bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
   out = std::copy(rest + 1, rest + 3, out);
   *out = end;
   r.joints.insert(static_cast<size_t>(piece), static_cast<size_t>(n), Joint{});
-  impl_->reindexRun(sp.axis, sp.i, sp.j);
-  return true;
+  reindexRun(sp.axis, sp.i, sp.j);
 }
 
 bool GradientMesh::deleteKnots(SegmentRef s, int m, int n) {

@@ -94,6 +94,7 @@ class LifeToken {
     if (s_) ++s_->holders;
   }
   LifeToken& operator=(const LifeToken& o) {
+    if (s_ == o.s_) return *this;  // iterators reused on the same mesh
     LifeToken copy(o);
     std::swap(s_, copy.s_);
     return *this;

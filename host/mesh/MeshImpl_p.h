@@ -156,8 +156,16 @@ struct GradientMesh::Impl {
   // Marks every vertex inside a run dead.
   void killRun(const Run& r);
 
-  // Bit d set when vertex v has a segment in direction d.
-  unsigned segmentMask(VertexId v) const;
+  // Bit d set when vertex v has a segment in direction d: a node has those
+  // that stay inside the grid, a non-node vertex the two along its run.
+  unsigned segmentMask(VertexId v) const {
+    const Where l = loc(v);
+    if (!l) return 0;
+    if (l.kind == kInnerLoc)
+      return l.axis == 0 ? (1u << kDirIFwd) | (1u << kDirIBack) : (1u << kDirJFwd) | (1u << kDirJBack);
+    return (l.i > 0 ? 1u << kDirIBack : 0u) | (l.j > 0 ? 1u << kDirJBack : 0u) | (l.i < I ? 1u << kDirIFwd : 0u) |
+           (l.j < J ? 1u << kDirJFwd : 0u);
+  }
 
   // Calls f on every interior anchor of every run, in walk order of runs.
   template <class F>
@@ -187,6 +195,10 @@ struct GradientMesh::Impl {
   };
   bool span(SegmentRef s, Span* out) const;
   bool computeSpan(SegmentRef s, Span* out) const;
+  // Records sp as segment s's span under the current structure stamp.
+  void remember(SegmentRef s, const Span& sp) const { memo = SpanMemo{s, structure, true, sp}; }
+  // Cuts piece m of the segment at sp into n + 1 equal-parameter pieces.
+  void insertKnotsAt(const Span& sp, int m, int n);
 
   // Structure stamp: changes whenever vertex ids, runs' anchors or the grid
   // lines change, so that a span found earlier can be reused while the stamp

@@ -107,7 +107,9 @@ class IterPool {
       delete o;
       return;
     }
-    *o = T{};  // drops the mesh's life token now, not at reuse
+    // The mesh and its life token stay until reuse: the next iterator is
+    // most often on the same mesh, and then taking the token costs nothing.
+    // (A kept token of a gone mesh holds only its small shared flag.)
     o->refs = 0;  // a second release of a kept iterator does nothing
     free_.push_back(o);
 #endif
