@@ -96,9 +96,10 @@ void CopyRun(AIMeshVertexIterator srcNode, int32_t srcAxis, int32_t srcSense, AI
     }
   }
 
-  // One buffer for every run copied on this thread: copying a big mesh
-  // would otherwise allocate once per run.
-  thread_local std::vector<AIRealPoint> points;
+  // One buffer for every run copied: copying a big mesh would otherwise
+  // allocate once per run. (Not thread_local: the host calls the plug-in
+  // on one thread, and a thread_local in a loaded module costs a call.)
+  static std::vector<AIRealPoint> points;
   for (int32_t piece = 1;; ++piece) {
     int32_t knots = sMeshSegmentIterator->CountKnots(srcSeg);
     int32_t have = count ? 0 : sMeshSegmentIterator->CountKnots(dstSeg);

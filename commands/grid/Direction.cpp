@@ -93,7 +93,7 @@ double CellLength(ArtObject* mesh, int axis, int line, int cell) {
   const auto* vs = lb::s::sMeshVertexIterator;
   const auto* ss = lb::s::sMeshSegmentIterator;
   VertexRef vertex = axis == kAIMeshIAxis ? GetNodeRef(mesh, cell, line) : GetNodeRef(mesh, line, cell);
-  thread_local std::vector<AIRealPoint> points;  // reused: called once per cell of every line
+  static std::vector<AIRealPoint> points;  // reused: called once per cell of every line (one thread)
   double length = 0.0;
   for (;;) {
     const int32_t index = vs->GetSegmentIndex(vertex, axis, kAIMeshForward);

@@ -14,6 +14,7 @@
 // evaluates to none (opacity is still interpolated).
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "host/mesh/MeshImpl_p.h"
 
@@ -129,12 +130,33 @@ void GradientMesh::Impl::edgePaint(int axis, int k, int b, double f, AIColor* co
   const int mc = componentCount(mk), C = mc + 1;
   const int n = count(axis), m = count(1 - axis);
   const std::vector<double>& g = axis == 0 ? u : v;
+  const int ob = b < m ? b + 1 : m - 1;
+  // Four corners with the very same paint in the mesh's kind (fresh and
+  // flat-coloured meshes): the value is theirs, without converting or
+  // comparing component by component. NaN components take the full path.
+  {
+    const Node& c0 = cellOnAxis(axis, k, b).node;
+    const Node* rest[3] = {&cellOnAxis(axis, k + 1, b).node, &cellOnAxis(axis, k, ob).node,
+                           &cellOnAxis(axis, k + 1, ob).node};
+    bool same = mc > 0 && c0.color.kind == mk && c0.opacity == c0.opacity;
+    for (const Node* o : rest)
+      same = same && o->opacity == c0.opacity && std::memcmp(&o->color, &c0.color, sizeof(AIColor)) == 0;
+    double comps[5];
+    if (same) {
+      colorComponents(c0.color, comps);
+      for (int c = 0; c < mc; ++c) same = same && comps[c] == comps[c];
+    }
+    if (same) {
+      *color = colorFromComponents(mk, comps);
+      *opacity = c0.opacity;
+      return;
+    }
+  }
   // Nodes k - 1 .. k + 2 of cross line b decide the slopes at k and k + 1;
   // nodes k and k + 1 of the neighbouring cross line bound the clamp.
   double line[4][5] = {}, other[2][5] = {};
   nodeComponents(cellOnAxis(axis, k, b).node, mk, mc, line[1]);
   nodeComponents(cellOnAxis(axis, k + 1, b).node, mk, mc, line[2]);
-  const int ob = b < m ? b + 1 : m - 1;
   nodeComponents(cellOnAxis(axis, k, ob).node, mk, mc, other[0]);
   nodeComponents(cellOnAxis(axis, k + 1, ob).node, mk, mc, other[1]);
   // Where both ends and the clamp's other corners agree, both slopes are 0

@@ -53,16 +53,6 @@ VertexId GradientMesh::Impl::firstInner(const Run& r, int after) {
   return kNoVertex;
 }
 
-bool GradientMesh::Impl::span(SegmentRef s, Span* out) const {
-  if (memo.structure != structure || memo.seg.start != s.start || memo.seg.dir != s.dir) {
-    memo.ok = computeSpan(s, &memo.span);
-    memo.seg = s;
-    memo.structure = structure;
-  }
-  if (memo.ok) *out = memo.span;
-  return memo.ok;
-}
-
 bool GradientMesh::Impl::computeSpan(SegmentRef s, Span* out) const {
   const Where l = loc(s.start);
   if (!l || s.dir < 0 || s.dir > 3) return false;
@@ -73,20 +63,24 @@ bool GradientMesh::Impl::computeSpan(SegmentRef s, Span* out) const {
     if (sp.fwd) {
       sp.i = l.i, sp.j = l.j;
       if (!runExists(sp.axis, sp.i, sp.j)) return false;
+      sp.cs = l.cs, sp.rs = l.rs;
       sp.a0 = 0;
-      sp.a1 = nextVertexAnchor(runAt(sp.axis, sp.i, sp.j), 0);
+      sp.a1 = nextVertexAnchor(runOf(sp), 0);
     } else {
       sp.i = sp.axis == 0 ? l.i - 1 : l.i;
       sp.j = sp.axis == 0 ? l.j : l.j - 1;
       if (!runExists(sp.axis, sp.i, sp.j)) return false;
-      const Run& r = runAt(sp.axis, sp.i, sp.j);
+      sp.cs = sp.axis == 0 ? col[sp.i] : l.cs;
+      sp.rs = sp.axis == 0 ? l.rs : row[sp.j];
+      const Run& r = runOf(sp);
       sp.a1 = r.pieces();
       sp.a0 = prevVertexAnchor(r, sp.a1);
     }
   } else {
     if (l.axis != sp.axis) return false;
     sp.i = l.i, sp.j = l.j;
-    const Run& r = runAt(sp.axis, sp.i, sp.j);
+    sp.cs = l.cs, sp.rs = l.rs;
+    const Run& r = runOf(sp);
     if (sp.fwd) {
       sp.a0 = l.a;
       sp.a1 = nextVertexAnchor(r, l.a);
@@ -231,8 +225,8 @@ int GradientMesh::segmentDir(VertexId v, int index) const {
 AIRealPoint GradientMesh::point(VertexId v) const {
   const Where l = impl_->loc(v);
   if (!l) return {0, 0};
-  if (l.kind == kNodeLoc) return impl_->nodeAt(l.i, l.j).p;
-  return impl_->runAt(l.axis, l.i, l.j).pts[3 * l.a];
+  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.p;
+  return impl_->cellOf(l).run[l.axis].pts[3 * l.a];
 }
 void GradientMesh::setPoint(VertexId v, AIRealPoint p) {
   const Where l = impl_->loc(v);
@@ -240,64 +234,82 @@ void GradientMesh::setPoint(VertexId v, AIRealPoint p) {
   if (l.kind == kNodeLoc)
     impl_->setNodePoint(l.i, l.j, p);
   else
-    impl_->runAt(l.axis, l.i, l.j).pts[3 * l.a] = p;
+    impl_->cellOf(l).run[l.axis].pts[3 * l.a] = p;
 }
 
 AIRealPoint GradientMesh::tangent(VertexId v, int dir) const {
   Impl::Span sp;
   if (!impl_->span(SegmentRef{v, dir}, &sp)) return point(v);
-  const Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  const Run& r = impl_->runOf(sp);
   return sp.fwd ? r.pts[3 * sp.a0 + 1] : r.pts[3 * sp.a1 - 1];
 }
 void GradientMesh::setTangent(VertexId v, int dir, AIRealPoint h) {
   Impl::Span sp;
   if (!impl_->span(SegmentRef{v, dir}, &sp)) return;
-  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  Run& r = impl_->runOf(sp);
   (sp.fwd ? r.pts[3 * sp.a0 + 1] : r.pts[3 * sp.a1 - 1]) = h;
 }
 
 bool GradientMesh::smooth(VertexId v, int dir) const {
   const Where l = impl_->loc(v);
   if (!l || dir < 0 || dir > 3) return false;
-  if (l.kind == kNodeLoc) return impl_->nodeAt(l.i, l.j).smooth[dir];
+  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.smooth[dir];
   if (dirAxis(dir) != l.axis) return false;
-  return impl_->runAt(l.axis, l.i, l.j).joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0];
+  return impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0];
 }
 void GradientMesh::setSmooth(VertexId v, int dir, bool on) {
   const Where l = impl_->loc(v);
   if (!l || dir < 0 || dir > 3) return;
   if (l.kind == kNodeLoc) {
-    impl_->nodeAt(l.i, l.j).smooth[dir] = on;
+    impl_->cellOf(l).node.smooth[dir] = on;
   } else if (dirAxis(dir) == l.axis) {
-    impl_->runAt(l.axis, l.i, l.j).joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0] = on;
+    impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0] = on;
   }
+}
+
+int GradientMesh::smoothAt(VertexId v, int index) const {
+  const Where l = impl_->loc(v);
+  const int dir = index >= 0 && index <= 3 ? kDirOfIndex[impl_->maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
+  if (dir < 0) return -1;
+  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.smooth[dir];
+  return impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0];
+}
+bool GradientMesh::setSmoothAt(VertexId v, int index, bool on) {
+  const Where l = impl_->loc(v);
+  const int dir = index >= 0 && index <= 3 ? kDirOfIndex[impl_->maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
+  if (dir < 0) return false;
+  if (l.kind == kNodeLoc)
+    impl_->cellOf(l).node.smooth[dir] = on;
+  else
+    impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0] = on;
+  return true;
 }
 
 AIColor GradientMesh::color(VertexId v) const {
   const Where l = impl_->loc(v);
   if (!l) return AIColor{};
-  if (l.kind == kNodeLoc) return impl_->nodeAt(l.i, l.j).color;
+  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.color;
   const AIRealPoint q = uv(v);
   return evalColor(q.h, q.v);
 }
 double GradientMesh::opacity(VertexId v) const {
   const Where l = impl_->loc(v);
   if (!l) return 0;
-  if (l.kind == kNodeLoc) return impl_->nodeAt(l.i, l.j).opacity;
+  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.opacity;
   const AIRealPoint q = uv(v);
   return evalOpacity(q.h, q.v);
 }
 bool GradientMesh::setColor(VertexId v, const AIColor& c) {
   const Where l = impl_->loc(v);
   if (!l || l.kind != kNodeLoc) return false;
-  impl_->nodeAt(l.i, l.j).color = c;
+  impl_->cellOf(l).node.color = c;
   impl_->dirty = true;
   return true;
 }
 bool GradientMesh::setOpacity(VertexId v, double o) {
   const Where l = impl_->loc(v);
   if (!l || l.kind != kNodeLoc) return false;
-  impl_->nodeAt(l.i, l.j).opacity = o;
+  impl_->cellOf(l).node.opacity = o;
   impl_->dirty = true;
   return true;
 }
@@ -306,7 +318,7 @@ AIRealPoint GradientMesh::uv(VertexId v) const {
   const Where l = m.loc(v);
   if (!l) return {0, 0};
   if (l.kind == kNodeLoc) return {m.u[l.i], m.v[l.j]};
-  const double s = static_cast<double>(l.a) / m.runAt(l.axis, l.i, l.j).pieces();
+  const double s = static_cast<double>(l.a) / m.cellOf(l).run[l.axis].pieces();
   if (l.axis == 0) return {m.u[l.i] + s * (m.u[l.i + 1] - m.u[l.i]), m.v[l.j]};
   return {m.u[l.i], m.v[l.j] + s * (m.v[l.j + 1] - m.v[l.j])};
 }
@@ -316,16 +328,16 @@ AIRealPoint GradientMesh::uv(VertexId v) const {
 bool GradientMesh::selected(VertexId v) const {
   const Where l = impl_->loc(v);
   if (!l) return false;
-  if (l.kind == kNodeLoc) return impl_->nodeAt(l.i, l.j).selected;
-  return impl_->runAt(l.axis, l.i, l.j).joints[l.a - 1].selected;
+  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.selected;
+  return impl_->cellOf(l).run[l.axis].joints[l.a - 1].selected;
 }
 void GradientMesh::setSelected(VertexId v, bool on) {
   const Where l = impl_->loc(v);
   if (!l) return;
   if (l.kind == kNodeLoc)
-    impl_->nodeAt(l.i, l.j).selected = on;
+    impl_->cellOf(l).node.selected = on;
   else
-    impl_->runAt(l.axis, l.i, l.j).joints[l.a - 1].selected = on;
+    impl_->cellOf(l).run[l.axis].joints[l.a - 1].selected = on;
 }
 
 namespace {
@@ -376,7 +388,7 @@ SegmentRef GradientMesh::nextSegment(SegmentRef s) const {
   const Impl& m = *impl_;
   Impl::Span sp;
   if (!m.span(s, &sp)) return SegmentRef{};
-  const Run& r = m.runAt(sp.axis, sp.i, sp.j);
+  const Run& r = m.runOf(sp);
   if (sp.a1 < r.pieces()) return SegmentRef{r.joints[sp.a1 - 1].id, meshDir(sp.axis, kAIMeshForward)};
   int axis = sp.axis, i = sp.i, j = sp.j;
   if (axis == 0) {
@@ -429,7 +441,7 @@ int GradientMesh::knotCount(SegmentRef s) const {
 std::vector<AIRealPoint> GradientMesh::segmentPoints(SegmentRef s) const {
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return {};
-  const Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  const Run& r = impl_->runOf(sp);
   std::vector<AIRealPoint> out(r.pts.begin() + 3 * sp.a0, r.pts.begin() + 3 * sp.a1 + 1);
   if (!sp.fwd) std::reverse(out.begin(), out.end());
   return out;
@@ -439,7 +451,7 @@ bool GradientMesh::getSegmentPoints(SegmentRef s, int start, int count, AIRealPo
   if (!impl_->span(s, &sp)) return false;
   const int n = 3 * (sp.a1 - sp.a0) + 1;
   if (start < 0 || count < 0 || start + count > n) return false;
-  const Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  const Run& r = impl_->runOf(sp);
   for (int k = 0; k < count; ++k) out[k] = r.pts[sp.fwd ? 3 * sp.a0 + start + k : 3 * sp.a1 - start - k];
   return true;
 }
@@ -449,7 +461,7 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
   const int n = 3 * (sp.a1 - sp.a0) + 1;
   if (start < 0 || count < 0 || start + count > n) return false;
   if (count == 0) return true;
-  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  Run& r = impl_->runOf(sp);
   const int last = static_cast<int>(r.pts.size()) - 1;
   // Run indices of the first and last point written; the points between
   // them lie inside the run, where no other run shares them.
@@ -462,7 +474,7 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
     const int idx = k == 0 ? first : final;
     if (idx > 0 && idx < last)
       d[idx] = pts[k];
-    else
+    else if (d[idx].h != pts[k].h || d[idx].v != pts[k].v)  // a run's end is its node's point
       impl_->setRunPoint(sp.axis, sp.i, sp.j, idx, pts[k]);
     if (count == 1) break;
   }
@@ -471,12 +483,12 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
 
 bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
   Impl::Span sp;
+  if (!impl_->span(s, &sp)) return false;  // (before the edit: a remembered span serves)
+  const int K = sp.a1 - sp.a0 - 1;
+  if (m < 0 || m > K || n < 0) return false;
+  if (n == 0) return true;
   {
     const Impl::Restructuring restructuring(*impl_);
-    if (!impl_->span(s, &sp)) return false;
-    const int K = sp.a1 - sp.a0 - 1;
-    if (m < 0 || m > K || n < 0) return false;
-    if (n == 0) return true;
     impl_->insertKnotsAt(sp, m, n);
   }
   // The segment now spans n more pieces, and is usually written next.
@@ -487,7 +499,7 @@ bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
 
 void GradientMesh::Impl::insertKnotsAt(const Span& sp, int m, int n) {
   const int K = sp.a1 - sp.a0 - 1;
-  Run& r = runAt(sp.axis, sp.i, sp.j);
+  Run& r = runOf(sp);
   const int piece = sp.fwd ? sp.a0 + m : sp.a0 + (K - m);
   // The piece is cut into n + 1 equal-parameter parts in place: room for
   // 3n points opens after its start, then every part is written over it.
@@ -515,7 +527,7 @@ bool GradientMesh::deleteKnots(SegmentRef s, int m, int n) {
   const int K = sp.a1 - sp.a0 - 1;
   if (m < 0 || n < 0 || m + n > K) return false;
   if (n == 0) return true;
-  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  Run& r = impl_->runOf(sp);
   const int b = sp.fwd ? sp.a0 + 1 + m : sp.a1 - m - n;  // first removed anchor
   // Keep up to the out handle of anchor b-1 and from the in handle of anchor b+n.
   r.pts.erase(static_cast<size_t>(3 * (b - 1) + 2), static_cast<size_t>(3 * n));
@@ -525,13 +537,13 @@ bool GradientMesh::deleteKnots(SegmentRef s, int m, int n) {
 }
 
 VertexId GradientMesh::split(SegmentRef s, int k) {
-  const Impl::Restructuring restructuring(*impl_);
   Impl::Span sp;
-  if (!impl_->span(s, &sp)) return kNoVertex;
+  if (!impl_->span(s, &sp)) return kNoVertex;  // (before the edit: a remembered span serves)
+  const Impl::Restructuring restructuring(*impl_);
   const int K = sp.a1 - sp.a0 - 1;
   if (k < 0 || k >= K) return kNoVertex;
   const int a = sp.fwd ? sp.a0 + 1 + k : sp.a1 - 1 - k;
-  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  Run& r = impl_->runOf(sp);
   Joint& jt = r.joints[a - 1];
   jt.id = impl_->newId(Loc{kInnerLoc, static_cast<int8_t>(sp.axis), impl_->col[sp.i], impl_->row[sp.j], a});
   // The new vertex joins the selection when the segment it cuts was selected.
@@ -545,7 +557,7 @@ int GradientMesh::join(SegmentRef s) {
   const Impl::Restructuring restructuring(*impl_);
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return -1;
-  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  Run& r = impl_->runOf(sp);
   const int a = sp.fwd ? sp.a1 : sp.a0;
   if (a == 0 || a == r.pieces()) return -1;
   Joint& jt = r.joints[a - 1];
@@ -562,7 +574,7 @@ AIRealPoint GradientMesh::control(SegmentRef s) const {
 bool GradientMesh::reshape(SegmentRef s, double t, AIRealPoint p) {
   Impl::Span sp;
   if (!impl_->span(s, &sp) || !(t > 0 && t < 1)) return false;
-  Run& r = impl_->runAt(sp.axis, sp.i, sp.j);
+  Run& r = impl_->runOf(sp);
   const int pieces = sp.a1 - sp.a0;
   const double x = (sp.fwd ? t : 1 - t) * pieces;
   const int q = std::min(static_cast<int>(x), pieces - 1);

@@ -167,6 +167,10 @@ class GradientMesh {
   void setTangent(VertexId v, int dir, AIRealPoint h);
   bool smooth(VertexId v, int dir) const;
   void setSmooth(VertexId v, int dir, bool on);
+  // The same by segment index at the vertex (one look-up for both steps):
+  // -1 / false when the vertex has no segment of that index.
+  int smoothAt(VertexId v, int index) const;
+  bool setSmoothAt(VertexId v, int index, bool on);
   // A node's own colour/opacity; a non-node vertex reports the surface's.
   AIColor color(VertexId v) const;
   double opacity(VertexId v) const;

@@ -104,7 +104,11 @@ Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f) {
   const int m0 = S0.pieces(), m1 = S1.pieces();
   std::vector<double>& cuts = m.scratch.cuts;
   cuts.clear();
-  for (int a = 0, c = 0; a <= m0 || c <= m1;) {
+  if (m0 == m1) {
+    // The same breakpoints on both sides (the usual case): no merge needed.
+    for (int a = 0; a <= m0; ++a) cuts.push_back(static_cast<double>(a) / m0);
+  }
+  for (int a = 0, c = 0; m0 != m1 && (a <= m0 || c <= m1);) {
     const double x0 = a <= m0 ? static_cast<double>(a) / m0 : 2.0;
     const double x1 = c <= m1 ? static_cast<double>(c) / m1 : 2.0;
     const double x = std::min(x0, x1);

@@ -65,11 +65,12 @@ struct Loc {
   int32_t cs = 0, rs = 0, a = 0;
 };
 
-// A vertex's location in logical indices.
+// A vertex's location in logical indices, with the slots of its cell.
 struct Where {
   int8_t kind = kDead;
   int8_t axis = 0;
   int32_t i = 0, j = 0, a = 0;
+  int32_t cs = 0, rs = 0;
   explicit operator bool() const { return kind != kDead; }
 };
 
@@ -145,8 +146,12 @@ struct GradientMesh::Impl {
   Where loc(VertexId id) const {
     if (id >= locs.size() || locs[id].kind == kDead) return Where{};
     const Loc& l = locs[id];
-    return Where{l.kind, l.axis, colPos[l.cs], rowPos[l.rs], l.a};
+    return Where{l.kind, l.axis, colPos[l.cs], rowPos[l.rs], l.a, l.cs, l.rs};
   }
+  // The cell a located vertex lives in (a node's own cell, or the start
+  // cell of a non-node vertex's run), reached by its slots directly.
+  Cell& cellOf(const Where& l) { return cells[l.cs][l.rs]; }
+  const Cell& cellOf(const Where& l) const { return cells[l.cs][l.rs]; }
   void setNodeLoc(VertexId id, int i, int j) {
     restructured();
     locs[id] = Loc{kNodeLoc, 0, col[i], row[j], 0};
@@ -158,8 +163,8 @@ struct GradientMesh::Impl {
 
   // Bit d set when vertex v has a segment in direction d: a node has those
   // that stay inside the grid, a non-node vertex the two along its run.
-  unsigned segmentMask(VertexId v) const {
-    const Where l = loc(v);
+  unsigned segmentMask(VertexId v) const { return maskOf(loc(v)); }
+  unsigned maskOf(const Where& l) const {
     if (!l) return 0;
     if (l.kind == kInnerLoc)
       return l.axis == 0 ? (1u << kDirIFwd) | (1u << kDirIBack) : (1u << kDirJFwd) | (1u << kDirJBack);
@@ -191,9 +196,20 @@ struct GradientMesh::Impl {
   // A segment as a range of anchors [a0, a1] of one run.
   struct Span {
     int axis = 0, i = 0, j = 0, a0 = 0, a1 = 0;
+    int32_t cs = 0, rs = 0;  // slots of the run's start cell
     bool fwd = true;
   };
-  bool span(SegmentRef s, Span* out) const;
+  Run& runOf(const Span& sp) { return cells[sp.cs][sp.rs].run[sp.axis]; }
+  const Run& runOf(const Span& sp) const { return cells[sp.cs][sp.rs].run[sp.axis]; }
+  bool span(SegmentRef s, Span* out) const {
+    if (memo.structure != structure || memo.seg.start != s.start || memo.seg.dir != s.dir) {
+      memo.ok = computeSpan(s, &memo.span);
+      memo.seg = s;
+      memo.structure = structure;
+    }
+    if (memo.ok) *out = memo.span;
+    return memo.ok;
+  }
   bool computeSpan(SegmentRef s, Span* out) const;
   // Records sp as segment s's span under the current structure stamp.
   void remember(SegmentRef s, const Span& sp) const { memo = SpanMemo{s, structure, true, sp}; }

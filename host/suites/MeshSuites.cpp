@@ -31,6 +31,7 @@ struct _AIMeshVertexIterator {
   int32_t refs = 1;
   MeshRef m;
   VertexId id = kNoVertex;
+  _AIMeshVertexIterator* nextFree = nullptr;  // while kept for reuse
   bool valid() const { return m.live() && m.mesh->alive(id); }
 };
 
@@ -38,6 +39,7 @@ struct _AIMeshSegmentIterator {
   int32_t refs = 1;
   MeshRef m;
   SegmentRef seg;
+  _AIMeshSegmentIterator* nextFree = nullptr;  // while kept for reuse
   bool valid() const { return m.live() && m.mesh->segmentValid(seg); }
 };
 
@@ -89,13 +91,16 @@ MeshRef refOf(GradientMesh* mesh) { return MeshRef{mesh, mesh->lifeToken()}; }
 // command walks a big mesh, so released ones are kept for reuse instead of
 // going back to the allocator. The address sanitizer build frees them at
 // once, so that a use after release is still reported.
+//
+// The kept ones form a list linked through their `nextFree` field.
 template <class T>
 class IterPool {
  public:
   T* get() {
-    if (free_.empty()) return new T;
-    T* o = free_.back();
-    free_.pop_back();
+    if (!head_) return new T;
+    T* o = head_;
+    head_ = o->nextFree;
+    --kept_;
     o->refs = 1;
     return o;
   }
@@ -103,7 +108,7 @@ class IterPool {
 #if defined(__SANITIZE_ADDRESS__)
     delete o;
 #else
-    if (free_.size() >= kKeep) {
+    if (kept_ >= kKeep) {
       delete o;
       return;
     }
@@ -111,22 +116,25 @@ class IterPool {
     // most often on the same mesh, and then taking the token costs nothing.
     // (A kept token of a gone mesh holds only its small shared flag.)
     o->refs = 0;  // a second release of a kept iterator does nothing
-    free_.push_back(o);
+    o->nextFree = head_;
+    head_ = o;
+    ++kept_;
 #endif
   }
 
  private:
   static constexpr size_t kKeep = 1024;
-  std::vector<T*> free_;
+  T* head_ = nullptr;
+  size_t kept_ = 0;
 };
 
-// The pools live as long as the process (never destroyed), so that an
-// iterator released by a static object's destructor at exit still has one.
-// The host runs on one thread.
+// The pools are constant-initialised and never destroyed (their destructor
+// is trivial), so an iterator released by a static object's destructor at
+// exit still has one. The host runs on one thread.
 template <class T>
 IterPool<T>& poolOf() {
-  static IterPool<T>* pool = new IterPool<T>;
-  return *pool;
+  static constinit IterPool<T> pool;
+  return pool;
 }
 
 AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) {
@@ -439,14 +447,11 @@ AIErr VSetTangent(AIMeshVertexIterator v, int32_t index, const AIRealPoint* h) {
   return kNoErr;
 }
 AIBoolean VGetSmooth(AIMeshVertexIterator v, int32_t index) {
-  int d = -1;
-  return !dirOfIndex(v, index, &d) && v->m.mesh->smooth(v->id, d);
+  return v && v->m.live() && v->m.mesh->smoothAt(v->id, index) > 0;
 }
 AIErr VSetSmooth(AIMeshVertexIterator v, int32_t index, AIBoolean smooth) {
-  int d = -1;
-  if (AIErr err = dirOfIndex(v, index, &d)) return err;
-  v->m.mesh->setSmooth(v->id, d, smooth != 0);
-  return kNoErr;
+  if (AIErr err = checkMesh(v)) return err;
+  return v->m.mesh->setSmoothAt(v->id, index, smooth != 0) ? kNoErr : failure(v);
 }
 AIErr VGetColor(AIMeshVertexIterator v, AIColor* c) {
   if (AIErr err = checkIter(v)) return err;
