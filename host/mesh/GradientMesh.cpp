@@ -451,8 +451,12 @@ bool GradientMesh::getSegmentPoints(SegmentRef s, int start, int count, AIRealPo
   if (!impl_->span(s, &sp)) return false;
   const int n = 3 * (sp.a1 - sp.a0) + 1;
   if (start < 0 || count < 0 || start + count > n) return false;
-  const Run& r = impl_->runOf(sp);
-  for (int k = 0; k < count; ++k) out[k] = r.pts[sp.fwd ? 3 * sp.a0 + start + k : 3 * sp.a1 - start - k];
+  const P* d = impl_->runOf(sp).pts.data();
+  if (sp.fwd) {
+    std::copy(d + 3 * sp.a0 + start, d + 3 * sp.a0 + start + count, out);
+  } else {
+    for (int k = 0; k < count; ++k) out[k] = d[3 * sp.a1 - start - k];
+  }
   return true;
 }
 bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AIRealPoint* pts) {
@@ -469,7 +473,12 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
   const int step = sp.fwd ? 1 : -1;
   const int final = first + step * (count - 1);
   P* d = r.pts.data();
-  for (int k = 1; k + 1 < count; ++k) d[first + step * k] = pts[k];
+  if (count > 2) {
+    if (sp.fwd)
+      std::copy(pts + 1, pts + count - 1, d + first + 1);
+    else
+      for (int k = 1; k + 1 < count; ++k) d[first - k] = pts[k];
+  }
   for (const int k : {0, count - 1}) {
     const int idx = k == 0 ? first : final;
     if (idx > 0 && idx < last)
