@@ -2,7 +2,7 @@
 // and split off exactly, joins undo splits, grid lines inserted through the
 // surface and deleted without moving the remaining lines.
 #include "host/mesh/Bezier.h"
-#include "support/Engine.h"
+#include "EngineTest.h"
 
 using namespace lbtest;
 using lb::host::bez::dist;
@@ -17,18 +17,15 @@ void expectSamePoints(const std::vector<AIRealPoint>& a, const std::vector<AIRea
 }  // namespace
 
 // A one-cell mesh with bent runs and an iterator on its bottom run (from
-// node (0, 0) along I), released at the end.
-class Knots : public MeshTest {
+// node (0, 0) along I).
+class Knots : public EngineTest {
  protected:
   void SetUp() override {
-    MeshTest::SetUp();
+    EngineTest::SetUp();
     s.mesh->InitCartesian(art, 1, 1);
     Bend(m(), 0.3);
-    AIMeshVertexIterator n = nodeIt(0, 0);
-    s.vtx->GetSegment(n, 0, &g);
-    s.vtx->Release(n);
+    g = segment(node(0, 0), 0);
   }
-  void TearDown() override { s.seg->Release(g); }
   AIMeshSegmentIterator g = nullptr;
 };
 
@@ -102,14 +99,12 @@ TEST_F(Knots, SplitThenJoinRestoresTheSegmentAndReportsTheKnot) {
 TEST_F(Knots, SetPointsMovesVerticesButSetPointLeavesHandles) {
   const AIRealPoint start{-1, -2};
   ASSERT_EQ(s.seg->SetPoints(g, 0, 1, &start), kNoErr);
-  AIMeshVertexIterator n = nodeIt(0, 0);
+  AIMeshVertexIterator n = node(0, 0);
   AIRealPoint p{}, h{};
   s.vtx->GetPoint(n, &p);
   EXPECT_EQ(p.h, -1);
   // The J run from the same node starts there too.
-  AIMeshSegmentIterator up = nullptr;
-  s.vtx->GetSegment(n, 1, &up);
-  EXPECT_EQ(points(up)[0].v, -2);
+  EXPECT_EQ(points(segment(n, 1))[0].v, -2);
   s.vtx->GetTangent(n, 1, &h);
   const AIRealPoint moved{5, 5};
   s.vtx->SetPoint(n, &moved);
@@ -118,8 +113,6 @@ TEST_F(Knots, SetPointsMovesVerticesButSetPointLeavesHandles) {
   EXPECT_EQ(h.h, h2.h);
   EXPECT_EQ(h.v, h2.v);
   EXPECT_EQ(s.seg->SetPoints(g, 2, 3, &moved), kBadParameterErr);
-  s.seg->Release(up);
-  s.vtx->Release(n);
 }
 
 TEST_F(Knots, ReshapePassesThroughTheGivenPoint) {
@@ -129,7 +122,7 @@ TEST_F(Knots, ReshapePassesThroughTheGivenPoint) {
   EXPECT_EQ(s.seg->Reshape(g, 0, &target), kBadParameterErr);
 }
 
-class GridLines : public MeshTest {};
+class GridLines : public EngineTest {};
 
 TEST_F(GridLines, InsertKeepsTheSurfaceAndSplitsCrossingRunsExactly) {
   s.mesh->InitCartesian(art, 3, 2);
@@ -166,11 +159,10 @@ TEST_F(GridLines, InsertVAndNewNodePaint) {
   Bend(m(), 0.05);
   for (int j = 0; j <= 2; ++j)
     for (int i = 0; i <= 2; ++i) {
-      AIMeshVertexIterator n = nodeIt(i, j);
+      AIMeshVertexIterator n = node(i, j);
       const AIColor c = Rgb(0.5 * i, 0.5 * j, (i + j) % 2);
       s.vtx->SetColor(n, &c);
       s.vtx->SetOpacity(n, 0.25 + 0.25 * j);
-      s.vtx->Release(n);
     }
   const lb::host::GradientMesh old = m();
   int32_t nj = -1;
@@ -194,13 +186,7 @@ TEST_F(GridLines, InsertVAndNewNodePaint) {
 
 TEST_F(GridLines, InsertThroughAVertexMakesItTheNode) {
   s.mesh->InitCartesian(art, 1, 1);
-  AIMeshVertexIterator n = nodeIt(0, 0);
-  AIMeshSegmentIterator g = nullptr;
-  s.vtx->GetSegment(n, 0, &g);
-  s.seg->InsertKnots(g, 0, 1);
-  s.seg->Split(g, 0);
-  AIMeshVertexIterator v = nullptr;
-  s.seg->GetEnd(g, &v);
+  AIMeshVertexIterator v = endOf(cut(0, 0, kAIMeshIAxis));
   AIMeshSelection sel = nullptr;
   s.mesh->GetSelection(art, &sel);
   s.sel->SelectVertex(sel, v, true);
@@ -215,17 +201,13 @@ TEST_F(GridLines, InsertThroughAVertexMakesItTheNode) {
   EXPECT_TRUE(s.sel->ContainsVertex(sel, v));
   EXPECT_EQ(m().vertexCount(), 6u);
   s.sel->Release(sel);
-  s.vtx->Release(v);
-  s.seg->Release(g);
-  s.vtx->Release(n);
 }
 
 TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
   s.mesh->InitCartesian(art, 3, 3);
   Bend(m(), 0.06);
   const lb::host::GradientMesh old = m();
-  AIMeshVertexIterator crossing = nodeIt(1, 0), inner = nodeIt(1, 1), gone = nodeIt(1, 2);
-  AIMeshVertexIterator keep = nodeIt(2, 1);
+  AIMeshVertexIterator crossing = node(1, 0), inner = node(1, 1), gone = node(1, 2), keep = node(2, 1);
   ASSERT_EQ(s.mesh->DeleteGridLines(art, 1, 2), kNoErr);  // line i = 1 and line j = 2
   EXPECT_EQ(m().sizeI(), 2);
   EXPECT_EQ(m().sizeJ(), 2);
@@ -252,7 +234,6 @@ TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
   const std::vector<double> us{0, 2.0 / 3.0, 1};
   EXPECT_EQ(m().relativeUs(), us);
   EXPECT_EQ(s.mesh->DeleteGridLines(art, 0, 0.5), kBadParameterErr) << "border lines stay";
-  for (auto* it : {crossing, inner, gone, keep}) s.vtx->Release(it);
 }
 
 TEST_F(GridLines, InsertOnAKnotUsesItAndNewNodesFollowTheSelection) {
