@@ -18,6 +18,7 @@
 #include "io/Describe.h"
 #include "io/Lbdoc.h"
 #include "IoTest.h"
+#include "support/MeshRecipe.h"
 
 using lb::io::FormatError;
 using lb::io::readDocument;
@@ -55,16 +56,6 @@ std::set<std::string> listDir(const std::string& dir) {
     closedir(d);
   }
   return names;
-}
-
-// A 2 x 1 mesh of flat nodes, nodeExtra in node (1, 1).
-std::string flatMesh(const std::string& nodeExtra) {
-  std::string nodes;
-  for (int j = 0; j <= 1; ++j)
-    for (int i = 0; i <= 2; ++i)
-      nodes += std::string(nodes.empty() ? "" : ", ") + "{\"p\": [" + std::to_string(i) + ", " + std::to_string(j) + "]" +
-               (i == 1 && j == 1 ? nodeExtra : std::string()) + "}";
-  return withArt(R"({"type": "mesh", "size": [2, 1], "nodes": [)" + nodes + "]}");
 }
 
 }  // namespace
@@ -317,7 +308,9 @@ TEST(LbdocFiles, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
 
 TEST(LbdocMesh, SelectionRulesBetweenArtAndVertices) {
   // Unselected art with a selected node: selected art, that node only.
-  auto partial = readDocument(flatMesh(R"(, "selected": true)"));
+  lbtest::MeshRecipe r;
+  r.I = 2, r.J = 1, r.selected = {{1, 1}}, r.artSelected = false;
+  auto partial = readDocument(lbtest::DocJson(r).dump());
   const ArtObject* p = partial->layers()[0]->children[0].get();
   EXPECT_TRUE(p->selected());
   EXPECT_EQ(p->mesh->selectedCount(), 1u);
