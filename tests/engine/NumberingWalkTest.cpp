@@ -98,58 +98,12 @@ TEST_F(Numbering, BackwardSegmentListsPointsFromItsStart) {
   EXPECT_EQ(s.seg->GetSense(back), kAIMeshForward);
 }
 
-class Walks : public EngineTest {
- protected:
-  // (i, j, isNode) of every vertex in walk order.
-  std::vector<std::tuple<int, int, bool>> vertexWalk() {
-    std::vector<std::tuple<int, int, bool>> out;
-    AIMeshVertexIterator v = nullptr;
-    s.mesh->GetStartVertex(art, &v);
-    while (!s.vtx->AtEnd(v)) {
-      int i, j;
-      s.vtx->GetNodeIndex(v, &i, &j);
-      out.emplace_back(i, j, s.vtx->IsNode(v));
-      s.vtx->Next(v);
-    }
-    EXPECT_EQ(s.vtx->Next(v), kIterAtEndErr);
-    s.vtx->Release(v);
-    return out;
-  }
-  // Runs in walk order: "axis:i,j" of the start node of each node-to-node run,
-  // and the number of segments per run.
-  std::vector<std::pair<std::string, int>> runWalk() {
-    std::vector<std::pair<std::string, int>> out;
-    AIMeshSegmentIterator g = nullptr;
-    s.mesh->GetStartSegment(art, &g);
-    while (!s.seg->AtEnd(g)) {
-      EXPECT_EQ(s.seg->GetSense(g), kAIMeshForward);
-      AIMeshVertexIterator a = nullptr, b = nullptr;
-      s.seg->GetStart(g, &a);
-      s.seg->GetEnd(g, &b);
-      if (s.vtx->IsNode(a)) {
-        int i, j;
-        s.vtx->GetNodeIndex(a, &i, &j);
-        out.emplace_back(std::string(s.seg->GetAxis(g) ? "J:" : "I:") + std::to_string(i) + "," +
-                             std::to_string(j),
-                         0);
-      }
-      ++out.back().second;
-      s.vtx->Release(a);
-      s.vtx->Release(b);
-      s.seg->Next(g);
-    }
-    s.seg->Release(g);
-    return out;
-  }
-  std::vector<std::pair<std::string, int>> expectedRuns(int I, int J) {
-    std::vector<std::pair<std::string, int>> out;
-    for (int j = 0; j <= J; ++j)
-      for (int i = 0; i < I; ++i) out.emplace_back("I:" + std::to_string(i) + "," + std::to_string(j), 1);
-    for (int i = 0; i <= I; ++i)
-      for (int j = 0; j < J; ++j) out.emplace_back("J:" + std::to_string(i) + "," + std::to_string(j), 1);
-    return out;
-  }
-};
+using Walks = EngineTest;
+
+// "I:i,j" or "J:i,j": the run along that axis from node (i, j).
+std::string runName(int axis, int i, int j) {
+  return (axis ? "J:" : "I:") + std::to_string(i) + "," + std::to_string(j);
+}
 
 TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 2, 2), kNoErr);
@@ -166,8 +120,17 @@ TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   };
   addVertices(1, 0, 0, 2);
   addVertices(3, 2, 1, 1);
-  const auto walk = vertexWalk();
-  std::vector<std::tuple<int, int, bool>> nodes;
+  // (i, j, isNode) of every vertex in walk order.
+  std::vector<std::tuple<int, int, bool>> walk, nodes;
+  AIMeshVertexIterator v = nullptr;
+  s.mesh->GetStartVertex(art, &v);
+  for (; !s.vtx->AtEnd(v); s.vtx->Next(v)) {
+    int i, j;
+    s.vtx->GetNodeIndex(v, &i, &j);
+    walk.emplace_back(i, j, s.vtx->IsNode(v));
+  }
+  EXPECT_EQ(s.vtx->Next(v), kIterAtEndErr);
+  s.vtx->Release(v);
   int nonNodes = 0;
   for (auto& w : walk) (std::get<2>(w) ? nodes.push_back(w) : void(++nonNodes));
   EXPECT_EQ(nonNodes, 3);
@@ -178,12 +141,26 @@ TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   EXPECT_EQ(walk[2], std::tuple(1, 0, false));
   EXPECT_EQ(walk[3], std::tuple(1, 0, false));
   EXPECT_EQ(walk[4], std::tuple(2, 0, true));
-  auto runs = runWalk();
-  auto expected = expectedRuns(3, 3);
-  for (auto& r : expected) {
-    if (r.first == "I:1,0") r.second = 3;
-    if (r.first == "J:3,2") r.second = 2;
+  // Runs in walk order, each forward, with their segment counts: every run
+  // along I (i fastest), then every run along J (j fastest).
+  std::vector<std::pair<std::string, int>> runs, expected;
+  AIMeshSegmentIterator g = nullptr;
+  s.mesh->GetStartSegment(art, &g);
+  for (; !s.seg->AtEnd(g); s.seg->Next(g)) {
+    EXPECT_EQ(s.seg->GetSense(g), kAIMeshForward);
+    AIMeshVertexIterator a = nullptr;
+    s.seg->GetStart(g, &a);
+    int i, j;
+    s.vtx->GetNodeIndex(a, &i, &j);
+    if (s.vtx->IsNode(a)) runs.emplace_back(runName(s.seg->GetAxis(g), i, j), 0);
+    ++runs.back().second;
+    s.vtx->Release(a);
   }
+  s.seg->Release(g);
+  for (int j = 0; j <= 3; ++j)
+    for (int i = 0; i < 3; ++i) expected.emplace_back(runName(0, i, j), i == 1 && j == 0 ? 3 : 1);
+  for (int i = 0; i <= 3; ++i)
+    for (int j = 0; j < 3; ++j) expected.emplace_back(runName(1, i, j), i == 3 && j == 2 ? 2 : 1);
   EXPECT_EQ(runs, expected);
   EXPECT_EQ(m().vertexCount(), 19u);
 }
