@@ -39,13 +39,6 @@ std::string withArt(const std::string& art) {
   return R"({"latticebender": 1, "layers": [{"name": "L", "children": [)" + art + "]}]}";
 }
 
-std::string tempDir() {
-  char tmpl[] = "/tmp/lbdoc-test-XXXXXX";
-  const char* d = mkdtemp(tmpl);
-  EXPECT_NE(d, nullptr);
-  return d ? d : "/tmp";
-}
-
 std::set<std::string> listDir(const std::string& dir) {
   std::set<std::string> names;
   if (DIR* d = opendir(dir.c_str())) {
@@ -275,7 +268,9 @@ TEST(LbdocErrors, EachNamesTheOffendingValue) {
 }
 
 TEST(LbdocFiles, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
-  const std::string dir = tempDir();
+  char tmpl[] = "/tmp/lbdoc-test-XXXXXX";
+  ASSERT_NE(mkdtemp(tmpl), nullptr);
+  const std::string dir = tmpl;
   const std::string path = dir + "/doc.lbdoc";
   auto doc = full();
   {
