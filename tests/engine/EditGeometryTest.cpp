@@ -14,6 +14,12 @@ void expectSamePoints(const std::vector<AIRealPoint>& a, const std::vector<AIRea
   ASSERT_EQ(a.size(), b.size());
   for (size_t k = 0; k < a.size(); ++k) EXPECT_LT(dist(a[k], b[k]), kTol) << "point " << k;
 }
+
+// The chain of cubics a continued by b (whose first point is a's last).
+std::vector<AIRealPoint> chain(std::vector<AIRealPoint> a, const std::vector<AIRealPoint>& b) {
+  a.insert(a.end(), b.begin() + 1, b.end());
+  return a;
+}
 }  // namespace
 
 // A one-cell mesh with bent runs and an iterator on its bottom run (from
@@ -77,14 +83,11 @@ TEST_F(Knots, SplitThenJoinRestoresTheSegmentAndReportsTheKnot) {
   const auto whole = points(g);
   ASSERT_EQ(s.seg->Split(g, 1), kNoErr);
   EXPECT_EQ(s.seg->CountKnots(g), 1) << "the iterator stays on the first part";
-  auto first = points(g);
   AIMeshSegmentIterator next = nullptr;
   s.seg->Copy(g, &next);
   s.seg->NextOnAxis(next);
   EXPECT_EQ(s.seg->CountKnots(next), 1);
-  auto second = points(next);
-  first.insert(first.end(), second.begin() + 1, second.end());
-  expectSamePoints(whole, first);
+  expectSamePoints(whole, chain(points(g), points(next)));
   int32_t knot = -1;
   ASSERT_EQ(s.seg->Join(g, &knot), kNoErr);
   EXPECT_EQ(knot, 1);
@@ -139,9 +142,7 @@ TEST_F(GridLines, InsertKeepsTheSurfaceAndSplitsCrossingRunsExactly) {
   s.mesh->GetRelativeU(art, 2, &unew);
   EXPECT_NEAR(unew, u1 + 0.3 * (u2 - u1), 1e-15);
   for (int j = 0; j <= 2; ++j) {
-    auto joined = m().runData(0, 1, j).points;
-    const auto right = m().runData(0, 2, j).points;
-    joined.insert(joined.end(), right.begin() + 1, right.end());
+    const auto joined = chain(m().runData(0, 1, j).points, m().runData(0, 2, j).points);
     EXPECT_LT(ChainDeviation(crossing[j], joined), kTol) << "run along I on line j = " << j;
     // The new node sits at the crossing run's chain parameter 0.3.
     EXPECT_LT(dist(m().nodeData(2, j).p, lb::host::bez::cubicAt(crossing[j].data(), 0.3)), kTol);
@@ -222,15 +223,9 @@ TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
   s.vtx->GetNodeIndex(keep, &i, &j);
   EXPECT_EQ(std::pair(i, j), std::pair(1, 1));
   // Row j = 0 still has the same shape, now one run with a vertex inside.
-  auto oldRow = old.runData(0, 0, 0).points;
-  for (int k = 1; k < 3; ++k) {
-    const auto r = old.runData(0, k, 0).points;
-    oldRow.insert(oldRow.end(), r.begin() + 1, r.end());
-  }
-  auto newRow = m().runData(0, 0, 0).points;
-  const auto r = m().runData(0, 1, 0).points;
-  newRow.insert(newRow.end(), r.begin() + 1, r.end());
-  expectSamePoints(oldRow, newRow);
+  const auto oldRow =
+      chain(chain(old.runData(0, 0, 0).points, old.runData(0, 1, 0).points), old.runData(0, 2, 0).points);
+  expectSamePoints(oldRow, chain(m().runData(0, 0, 0).points, m().runData(0, 1, 0).points));
   const std::vector<double> us{0, 2.0 / 3.0, 1};
   EXPECT_EQ(m().relativeUs(), us);
   EXPECT_EQ(s.mesh->DeleteGridLines(art, 0, 0.5), kBadParameterErr) << "border lines stay";
