@@ -15,14 +15,9 @@ using namespace lbtest;
 
 namespace {
 
-struct Region {
-  int minI, maxI, minJ, maxJ;
-  bool operator==(const Region&) const = default;
-};
+// A region as (minI, maxI, minJ, maxJ).
+using Region = std::array<int, 4>;
 Region Of(const CMeshRegion& r) { return {r.m_nMinI, r.m_nMaxI, r.m_nMinJ, r.m_nMaxJ}; }
-std::ostream& operator<<(std::ostream& o, const Region& r) {
-  return o << "(" << r.minI << ", " << r.maxI << ", " << r.minJ << ", " << r.maxJ << ")";
-}
 
 // Host calls that fail on purpose: the n-th call (counting from 0) of the
 // wrapped member reports an error; -1 never fails.
