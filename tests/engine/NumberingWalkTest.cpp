@@ -1,6 +1,6 @@
 // Segment numbering at every kind of vertex and the vertex and segment walk
 // orders, on fresh and on edited meshes.
-#include <map>
+#include <tuple>
 #include <utility>
 
 #include "EngineTest.h"

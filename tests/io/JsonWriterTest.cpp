@@ -8,11 +8,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <random>
-#include <sstream>
 
 #include "host/Document.h"
 #include "io/JsonWriter.h"

@@ -11,7 +11,6 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 #include <string>
 
 #include "host/Document.h"
