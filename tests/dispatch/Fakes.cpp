@@ -59,48 +59,32 @@ int AddRowFromPath(long a, int b) { return Record("AddRowFromPath", a, b); }
 int AddZeroRow() { return Record("AddZeroRow"); }
 int DelZeroRow(int a) { return Record("DelZeroRow", a); }
 
-namespace lb::sel {
-int Nodes(long m) { return Record("sel::Nodes", m); }
-int Full(bool n) { return Record("sel::Full", n); }
-int Perim(long a, long b, long c) { return Record("sel::Perim", a, b, c); }
-int Cross(long a, long b, long c) { return Record("sel::Cross", a, b, c); }
-int Shift(long a, long b) { return Record("sel::Shift", a, b); }
-}  // namespace lb::sel
-namespace lb::color {
-int Flip(AIMeshAxis a) { return Record("color::Flip", a); }
-int Rotate(long c) { return Record("color::Rotate", c); }
-int Shift(AIMeshAxis a, AIMeshAxisSense s) { return Record("color::Shift", a, s); }
-int Spread(AIMeshAxis a, AIMeshAxisSense s) { return Record("color::Spread", a, s); }
-int Copy(long a, long b) { return Record("color::Copy", a, b); }
-int Pattern(long a, long b) { return Record("color::Pattern", a, b); }
-int CatchFromRaster(int e) { return Record("color::CatchFromRaster", e); }
-int CatchFromMeshSurface(int e) { return Record("color::CatchFromMeshSurface", e); }
-}  // namespace lb::color
-namespace lb::handles {
-int SmoothNodes(long a, long b, long c) { return Record("handles::SmoothNodes", a, b, c); }
-int Nodes13or0(long a, long b, long c, long d) { return Record("handles::Nodes13or0", a, b, c, d); }
-int Angle90Deg(long a, long b) { return Record("handles::Angle90Deg", a, b); }
-}  // namespace lb::handles
-namespace lb::align {
-int NodesAlign(long a, long b) { return Record("align::NodesAlign", a, b); }
-int NodesSpreadAlongPath(long a, long b, int c) { return Record("align::NodesSpreadAlongPath", a, b, c); }
-int Turn180() { return Record("align::Turn180"); }
-}  // namespace lb::align
-namespace lb::dens {
-int Mul(long a, long b) { return Record("dens::Mul", a, b); }
-int Div(long a, long b) { return Record("dens::Div", a, b); }
-}  // namespace lb::dens
-namespace lb::dir {
-int Rotate(int c) { return Record("dir::Rotate", c); }
-int Flip(AIMeshAxis a) { return Record("dir::Flip", a); }
-}  // namespace lb::dir
-namespace lb::uv {
-int ResetLinear() { return Record("uv::ResetLinear"); }
-int ResetRelative() { return Record("uv::ResetRelative"); }
-}  // namespace lb::uv
-namespace lb::debug {
-int AlertUVs() { return Record("debug::AlertUVs"); }
-}  // namespace lb::debug
+int lb::sel::Nodes(long m) { return Record("sel::Nodes", m); }
+int lb::sel::Full(bool n) { return Record("sel::Full", n); }
+int lb::sel::Perim(long a, long b, long c) { return Record("sel::Perim", a, b, c); }
+int lb::sel::Cross(long a, long b, long c) { return Record("sel::Cross", a, b, c); }
+int lb::sel::Shift(long a, long b) { return Record("sel::Shift", a, b); }
+int lb::color::Flip(AIMeshAxis a) { return Record("color::Flip", a); }
+int lb::color::Rotate(long c) { return Record("color::Rotate", c); }
+int lb::color::Shift(AIMeshAxis a, AIMeshAxisSense s) { return Record("color::Shift", a, s); }
+int lb::color::Spread(AIMeshAxis a, AIMeshAxisSense s) { return Record("color::Spread", a, s); }
+int lb::color::Copy(long a, long b) { return Record("color::Copy", a, b); }
+int lb::color::Pattern(long a, long b) { return Record("color::Pattern", a, b); }
+int lb::color::CatchFromRaster(int e) { return Record("color::CatchFromRaster", e); }
+int lb::color::CatchFromMeshSurface(int e) { return Record("color::CatchFromMeshSurface", e); }
+int lb::handles::SmoothNodes(long a, long b, long c) { return Record("handles::SmoothNodes", a, b, c); }
+int lb::handles::Nodes13or0(long a, long b, long c, long d) { return Record("handles::Nodes13or0", a, b, c, d); }
+int lb::handles::Angle90Deg(long a, long b) { return Record("handles::Angle90Deg", a, b); }
+int lb::align::NodesAlign(long a, long b) { return Record("align::NodesAlign", a, b); }
+int lb::align::NodesSpreadAlongPath(long a, long b, int c) { return Record("align::NodesSpreadAlongPath", a, b, c); }
+int lb::align::Turn180() { return Record("align::Turn180"); }
+int lb::dens::Mul(long a, long b) { return Record("dens::Mul", a, b); }
+int lb::dens::Div(long a, long b) { return Record("dens::Div", a, b); }
+int lb::dir::Rotate(int c) { return Record("dir::Rotate", c); }
+int lb::dir::Flip(AIMeshAxis a) { return Record("dir::Flip", a); }
+int lb::uv::ResetLinear() { return Record("uv::ResetLinear"); }
+int lb::uv::ResetRelative() { return Record("uv::ResetRelative"); }
+int lb::debug::AlertUVs() { return Record("debug::AlertUVs"); }
 
 // ---- panel -----------------------------------------------------------------
 const AIPanelSuite* sAIPanel = nullptr;
@@ -134,9 +118,8 @@ AIErr AddItem(SPPluginRef, const char*, const char*, const char*, int32_t, AIMen
   *item = reinterpret_cast<AIMenuItemHandle>(0x1000 + host.menuItems);
   return kNoErr;
 }
-AIErr Check(AIMenuItemHandle, AIBoolean c) {
+AIErr Check(AIMenuItemHandle, AIBoolean) {
   ++host.checkCalls;
-  host.lastCheck = c != 0;
   return kNoErr;
 }
 const AIMenuSuite kMenu = {.AddMenuItemZString = AddItem, .CheckItem = Check};

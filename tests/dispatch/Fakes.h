@@ -34,7 +34,6 @@ struct HostState {
   std::vector<std::string> notifierTypes;
   std::vector<std::string> alerts;
   int checkCalls = 0;
-  bool lastCheck = false;
   AIErr addMenuError = 0;
   AIErr addNotifierError = 0;  // for the last subscription only
   int strings = 0;

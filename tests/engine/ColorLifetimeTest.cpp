@@ -5,11 +5,11 @@
 #include <cstring>
 #include <random>
 
-#include "support/Engine.h"
+#include "EngineTest.h"
 
 using namespace lbtest;
 
-class Colors : public MeshTest {
+class Colors : public EngineTest {
  protected:
   void paintRandom(unsigned seed) {
     std::mt19937 rng(seed);
@@ -32,7 +32,7 @@ TEST_F(Colors, EveryKindRoundTripsExactlyThroughTheVertexSuite) {
   cmyk.kind = kFourColor;
   cmyk.c.f = {1.0 / 3.0, 0.7, 1e-17, 1};
   none.kind = kNoneColor;
-  AIMeshVertexIterator v = nodeIt(1, 1);
+  AIMeshVertexIterator v = node(1, 1);
   for (const AIColor& c : {gray, cmyk, Rgb(0.3, 2.0 / 7.0, 0.999999999999), none}) {
     ASSERT_EQ(s.vtx->SetColor(v, &c), kNoErr);
     AIColor back{};
@@ -44,19 +44,12 @@ TEST_F(Colors, EveryKindRoundTripsExactlyThroughTheVertexSuite) {
   AIReal o = 0;
   s.vtx->GetOpacity(v, &o);
   EXPECT_EQ(o, 0.1 + 0.7);
-  s.vtx->Release(v);
 }
 
 TEST_F(Colors, NonNodeVerticesReportTheSurfaceAndRefuseSetting) {
   s.mesh->InitCartesian(art, 1, 1);
   paintRandom(3);
-  AIMeshVertexIterator n = nodeIt(0, 1);
-  AIMeshSegmentIterator g = nullptr;
-  s.vtx->GetSegment(n, s.vtx->GetSegmentIndex(n, kAIMeshIAxis, kAIMeshForward), &g);
-  s.seg->InsertKnots(g, 0, 3);
-  s.seg->Split(g, 0);
-  AIMeshVertexIterator v = nullptr;
-  s.seg->GetEnd(g, &v);
+  AIMeshVertexIterator v = endOf(cut(0, 1, kAIMeshIAxis, 3));
   AIRealPoint uv{};
   s.vtx->GetUV(v, &uv);
   EXPECT_DOUBLE_EQ(uv.h, 0.25);
@@ -72,9 +65,6 @@ TEST_F(Colors, NonNodeVerticesReportTheSurfaceAndRefuseSetting) {
   EXPECT_NEAR(p.v, q.v, 1e-12);
   EXPECT_EQ(s.vtx->SetColor(v, &c), kBadParameterErr);
   EXPECT_EQ(s.vtx->SetOpacity(v, 0.5), kBadParameterErr);
-  s.vtx->Release(v);
-  s.seg->Release(g);
-  s.vtx->Release(n);
 }
 
 TEST_F(Colors, InterpolationHitsNodesStaysInRangeAndIsContinuous) {
@@ -162,7 +152,7 @@ TEST_F(Colors, InvertPointFindsTheParameterOfEvaluatedPoints) {
   EXPECT_FALSE(on);
 }
 
-class Lifetimes : public MeshTest {};
+class Lifetimes : public EngineTest {};
 
 TEST_F(Lifetimes, CountersFollowCopiesAddRefsAndReleases) {
   s.mesh->InitCartesian(art, 2, 2);
@@ -197,9 +187,8 @@ TEST_F(Lifetimes, CountersFollowCopiesAddRefsAndReleases) {
 
 TEST_F(Lifetimes, IteratorsOnAVanishedMeshAreAtEndAndFailSafely) {
   s.mesh->InitCartesian(art, 2, 2);
-  AIMeshVertexIterator v = nodeIt(1, 1);
-  AIMeshSegmentIterator g = nullptr;
-  s.vtx->GetSegment(v, 0, &g);
+  AIMeshVertexIterator v = node(1, 1);
+  AIMeshSegmentIterator g = segment(v, 0);
   AIMeshSelection sel = nullptr;
   s.mesh->GetSelection(art, &sel);
   ASSERT_EQ(session->host().document().disposeArt(art), kNoErr);
@@ -213,8 +202,6 @@ TEST_F(Lifetimes, IteratorsOnAVanishedMeshAreAtEndAndFailSafely) {
   int32_t i, j;
   EXPECT_EQ(s.mesh->GetSize(art, &i, &j), kNoSuchArtErr);
   EXPECT_EQ(s.mesh->GetSize(nullptr, &i, &j), kBadParameterErr);
-  s.vtx->Release(v);
-  s.seg->Release(g);
   s.sel->Release(sel);
   art = nullptr;
 }
@@ -237,7 +224,7 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   s.mesh->NewSelection(art, true, &full);
   EXPECT_TRUE(s.sel->IsFull(full));
   EXPECT_TRUE(s.sel->IsEmpty(vis));
-  AIMeshVertexIterator v = nodeIt(1, 0);
+  AIMeshVertexIterator v = node(1, 0);
   s.sel->SelectVertex(mine, v, true);
   EXPECT_FALSE(m().selected(m().node(1, 0)));
   EXPECT_FALSE(art->selected());
@@ -245,8 +232,7 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   EXPECT_TRUE(m().selected(m().node(1, 0)));
   EXPECT_TRUE(art->selected()) << "a visibly selected vertex selects its mesh art";
   EXPECT_EQ(m().selectedCount(), 1u) << "without selecting the whole mesh";
-  AIMeshSegmentIterator g = nullptr;
-  s.vtx->GetSegment(v, 0, &g);  // (1, 0) -> (0, 0)
+  AIMeshSegmentIterator g = segment(v, 0);  // (1, 0) -> (0, 0)
   EXPECT_FALSE(s.sel->ContainsSegment(vis, g));
   s.sel->SelectSegment(vis, g, true);
   EXPECT_TRUE(s.sel->ContainsSegment(vis, g));
@@ -268,8 +254,6 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   m().clearSelection();
   EXPECT_TRUE(s.sel->IsEmpty(vis));
   EXPECT_FALSE(s.sel->IsEmpty(mine));
-  s.seg->Release(g);
-  s.vtx->Release(v);
   for (auto* x : {vis, mine, full}) s.sel->Release(x);
 }
 

@@ -2,7 +2,7 @@
 // and split off exactly, joins undo splits, grid lines inserted through the
 // surface and deleted without moving the remaining lines.
 #include "host/mesh/Bezier.h"
-#include "support/Engine.h"
+#include "EngineTest.h"
 
 using namespace lbtest;
 using lb::host::bez::dist;
@@ -14,21 +14,24 @@ void expectSamePoints(const std::vector<AIRealPoint>& a, const std::vector<AIRea
   ASSERT_EQ(a.size(), b.size());
   for (size_t k = 0; k < a.size(); ++k) EXPECT_LT(dist(a[k], b[k]), kTol) << "point " << k;
 }
+
+// The chain of cubics a continued by b (whose first point is a's last).
+std::vector<AIRealPoint> chain(std::vector<AIRealPoint> a, const std::vector<AIRealPoint>& b) {
+  a.insert(a.end(), b.begin() + 1, b.end());
+  return a;
+}
 }  // namespace
 
 // A one-cell mesh with bent runs and an iterator on its bottom run (from
-// node (0, 0) along I), released at the end.
-class Knots : public MeshTest {
+// node (0, 0) along I).
+class Knots : public EngineTest {
  protected:
   void SetUp() override {
-    MeshTest::SetUp();
+    EngineTest::SetUp();
     s.mesh->InitCartesian(art, 1, 1);
     Bend(m(), 0.3);
-    AIMeshVertexIterator n = nodeIt(0, 0);
-    s.vtx->GetSegment(n, 0, &g);
-    s.vtx->Release(n);
+    g = segment(node(0, 0), 0);
   }
-  void TearDown() override { s.seg->Release(g); }
   AIMeshSegmentIterator g = nullptr;
 };
 
@@ -80,14 +83,11 @@ TEST_F(Knots, SplitThenJoinRestoresTheSegmentAndReportsTheKnot) {
   const auto whole = points(g);
   ASSERT_EQ(s.seg->Split(g, 1), kNoErr);
   EXPECT_EQ(s.seg->CountKnots(g), 1) << "the iterator stays on the first part";
-  auto first = points(g);
   AIMeshSegmentIterator next = nullptr;
   s.seg->Copy(g, &next);
   s.seg->NextOnAxis(next);
   EXPECT_EQ(s.seg->CountKnots(next), 1);
-  auto second = points(next);
-  first.insert(first.end(), second.begin() + 1, second.end());
-  expectSamePoints(whole, first);
+  expectSamePoints(whole, chain(points(g), points(next)));
   int32_t knot = -1;
   ASSERT_EQ(s.seg->Join(g, &knot), kNoErr);
   EXPECT_EQ(knot, 1);
@@ -102,14 +102,12 @@ TEST_F(Knots, SplitThenJoinRestoresTheSegmentAndReportsTheKnot) {
 TEST_F(Knots, SetPointsMovesVerticesButSetPointLeavesHandles) {
   const AIRealPoint start{-1, -2};
   ASSERT_EQ(s.seg->SetPoints(g, 0, 1, &start), kNoErr);
-  AIMeshVertexIterator n = nodeIt(0, 0);
+  AIMeshVertexIterator n = node(0, 0);
   AIRealPoint p{}, h{};
   s.vtx->GetPoint(n, &p);
   EXPECT_EQ(p.h, -1);
   // The J run from the same node starts there too.
-  AIMeshSegmentIterator up = nullptr;
-  s.vtx->GetSegment(n, 1, &up);
-  EXPECT_EQ(points(up)[0].v, -2);
+  EXPECT_EQ(points(segment(n, 1))[0].v, -2);
   s.vtx->GetTangent(n, 1, &h);
   const AIRealPoint moved{5, 5};
   s.vtx->SetPoint(n, &moved);
@@ -118,8 +116,6 @@ TEST_F(Knots, SetPointsMovesVerticesButSetPointLeavesHandles) {
   EXPECT_EQ(h.h, h2.h);
   EXPECT_EQ(h.v, h2.v);
   EXPECT_EQ(s.seg->SetPoints(g, 2, 3, &moved), kBadParameterErr);
-  s.seg->Release(up);
-  s.vtx->Release(n);
 }
 
 TEST_F(Knots, ReshapePassesThroughTheGivenPoint) {
@@ -129,7 +125,7 @@ TEST_F(Knots, ReshapePassesThroughTheGivenPoint) {
   EXPECT_EQ(s.seg->Reshape(g, 0, &target), kBadParameterErr);
 }
 
-class GridLines : public MeshTest {};
+class GridLines : public EngineTest {};
 
 TEST_F(GridLines, InsertKeepsTheSurfaceAndSplitsCrossingRunsExactly) {
   s.mesh->InitCartesian(art, 3, 2);
@@ -146,9 +142,7 @@ TEST_F(GridLines, InsertKeepsTheSurfaceAndSplitsCrossingRunsExactly) {
   s.mesh->GetRelativeU(art, 2, &unew);
   EXPECT_NEAR(unew, u1 + 0.3 * (u2 - u1), 1e-15);
   for (int j = 0; j <= 2; ++j) {
-    auto joined = m().runData(0, 1, j).points;
-    const auto right = m().runData(0, 2, j).points;
-    joined.insert(joined.end(), right.begin() + 1, right.end());
+    const auto joined = chain(m().runData(0, 1, j).points, m().runData(0, 2, j).points);
     EXPECT_LT(ChainDeviation(crossing[j], joined), kTol) << "run along I on line j = " << j;
     // The new node sits at the crossing run's chain parameter 0.3.
     EXPECT_LT(dist(m().nodeData(2, j).p, lb::host::bez::cubicAt(crossing[j].data(), 0.3)), kTol);
@@ -166,11 +160,10 @@ TEST_F(GridLines, InsertVAndNewNodePaint) {
   Bend(m(), 0.05);
   for (int j = 0; j <= 2; ++j)
     for (int i = 0; i <= 2; ++i) {
-      AIMeshVertexIterator n = nodeIt(i, j);
+      AIMeshVertexIterator n = node(i, j);
       const AIColor c = Rgb(0.5 * i, 0.5 * j, (i + j) % 2);
       s.vtx->SetColor(n, &c);
       s.vtx->SetOpacity(n, 0.25 + 0.25 * j);
-      s.vtx->Release(n);
     }
   const lb::host::GradientMesh old = m();
   int32_t nj = -1;
@@ -194,13 +187,7 @@ TEST_F(GridLines, InsertVAndNewNodePaint) {
 
 TEST_F(GridLines, InsertThroughAVertexMakesItTheNode) {
   s.mesh->InitCartesian(art, 1, 1);
-  AIMeshVertexIterator n = nodeIt(0, 0);
-  AIMeshSegmentIterator g = nullptr;
-  s.vtx->GetSegment(n, 0, &g);
-  s.seg->InsertKnots(g, 0, 1);
-  s.seg->Split(g, 0);
-  AIMeshVertexIterator v = nullptr;
-  s.seg->GetEnd(g, &v);
+  AIMeshVertexIterator v = endOf(cut(0, 0, kAIMeshIAxis));
   AIMeshSelection sel = nullptr;
   s.mesh->GetSelection(art, &sel);
   s.sel->SelectVertex(sel, v, true);
@@ -215,17 +202,13 @@ TEST_F(GridLines, InsertThroughAVertexMakesItTheNode) {
   EXPECT_TRUE(s.sel->ContainsVertex(sel, v));
   EXPECT_EQ(m().vertexCount(), 6u);
   s.sel->Release(sel);
-  s.vtx->Release(v);
-  s.seg->Release(g);
-  s.vtx->Release(n);
 }
 
 TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
   s.mesh->InitCartesian(art, 3, 3);
   Bend(m(), 0.06);
   const lb::host::GradientMesh old = m();
-  AIMeshVertexIterator crossing = nodeIt(1, 0), inner = nodeIt(1, 1), gone = nodeIt(1, 2);
-  AIMeshVertexIterator keep = nodeIt(2, 1);
+  AIMeshVertexIterator crossing = node(1, 0), inner = node(1, 1), gone = node(1, 2), keep = node(2, 1);
   ASSERT_EQ(s.mesh->DeleteGridLines(art, 1, 2), kNoErr);  // line i = 1 and line j = 2
   EXPECT_EQ(m().sizeI(), 2);
   EXPECT_EQ(m().sizeJ(), 2);
@@ -240,19 +223,12 @@ TEST_F(GridLines, DeleteLeavesCrossingsAsVerticesAndTheOtherLinesInPlace) {
   s.vtx->GetNodeIndex(keep, &i, &j);
   EXPECT_EQ(std::pair(i, j), std::pair(1, 1));
   // Row j = 0 still has the same shape, now one run with a vertex inside.
-  auto oldRow = old.runData(0, 0, 0).points;
-  for (int k = 1; k < 3; ++k) {
-    const auto r = old.runData(0, k, 0).points;
-    oldRow.insert(oldRow.end(), r.begin() + 1, r.end());
-  }
-  auto newRow = m().runData(0, 0, 0).points;
-  const auto r = m().runData(0, 1, 0).points;
-  newRow.insert(newRow.end(), r.begin() + 1, r.end());
-  expectSamePoints(oldRow, newRow);
+  const auto oldRow =
+      chain(chain(old.runData(0, 0, 0).points, old.runData(0, 1, 0).points), old.runData(0, 2, 0).points);
+  expectSamePoints(oldRow, chain(m().runData(0, 0, 0).points, m().runData(0, 1, 0).points));
   const std::vector<double> us{0, 2.0 / 3.0, 1};
   EXPECT_EQ(m().relativeUs(), us);
   EXPECT_EQ(s.mesh->DeleteGridLines(art, 0, 0.5), kBadParameterErr) << "border lines stay";
-  for (auto* it : {crossing, inner, gone, keep}) s.vtx->Release(it);
 }
 
 TEST_F(GridLines, InsertOnAKnotUsesItAndNewNodesFollowTheSelection) {

@@ -1,9 +1,9 @@
 // Segment numbering at every kind of vertex and the vertex and segment walk
 // orders, on fresh and on edited meshes.
-#include <map>
+#include <tuple>
 #include <utility>
 
-#include "support/Engine.h"
+#include "EngineTest.h"
 
 using namespace lbtest;
 
@@ -27,7 +27,7 @@ using Strs = std::vector<std::string>;
 
 }  // namespace
 
-class Numbering : public MeshTest {};
+class Numbering : public EngineTest {};
 
 TEST_F(Numbering, NodesNumberTheirSegmentsIBackJBackIForwardJForward) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 3, 2), kNoErr);
@@ -41,34 +41,26 @@ TEST_F(Numbering, NodesNumberTheirSegmentsIBackJBackIForwardJForward) {
       {3, 1, {"I-", "J-", "J+"}}, {2, 2, {"I-", "J-", "I+"}},
   };
   for (const Case& c : cases) {
-    AIMeshVertexIterator v = nodeIt(c.i, c.j);
+    AIMeshVertexIterator v = node(c.i, c.j);
     EXPECT_EQ(dirsOf(s, v), c.dirs) << "node (" << c.i << ", " << c.j << ")";
     // GetSegmentIndex agrees with the listing.
     for (size_t k = 0; k < c.dirs.size(); ++k) {
       const int axis = c.dirs[k][0] == 'J', sense = c.dirs[k][1] == '-';
       EXPECT_EQ(s.vtx->GetSegmentIndex(v, axis, sense), static_cast<int>(k));
     }
-    s.vtx->Release(v);
   }
-  AIMeshVertexIterator corner = nodeIt(0, 0);
+  AIMeshVertexIterator corner = node(0, 0);
   EXPECT_EQ(s.vtx->GetSegmentIndex(corner, kAIMeshIAxis, kAIMeshBackward), -1);
   EXPECT_EQ(s.vtx->GetSegmentIndex(corner, kAIMeshJAxis, kAIMeshBackward), -1);
   AIMeshSegmentIterator g = nullptr;
   EXPECT_EQ(s.vtx->GetSegment(corner, 2, &g), kBadParameterErr);
-  s.vtx->Release(corner);
 }
 
 TEST_F(Numbering, NonNodeVerticesHaveBackwardThenForwardOnTheirLine) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 2, 2), kNoErr);
   // A vertex on the bottom border line (along I) and one on an inner line along J.
   for (auto [i, j, axis] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 1}}) {
-    AIMeshVertexIterator n = nodeIt(i, j);
-    AIMeshSegmentIterator g = nullptr;
-    ASSERT_EQ(s.vtx->GetSegment(n, s.vtx->GetSegmentIndex(n, axis, kAIMeshForward), &g), kNoErr);
-    ASSERT_EQ(s.seg->InsertKnots(g, 0, 1), kNoErr);
-    ASSERT_EQ(s.seg->Split(g, 0), kNoErr);
-    AIMeshVertexIterator v = nullptr;
-    ASSERT_EQ(s.seg->GetEnd(g, &v), kNoErr);
+    AIMeshVertexIterator v = endOf(cut(i, j, axis));
     EXPECT_FALSE(s.vtx->IsNode(v));
     EXPECT_EQ(dirsOf(s, v), (axis == 0 ? Strs{"I-", "I+"} : Strs{"J-", "J+"}));
     EXPECT_EQ(s.vtx->GetSegmentIndex(v, 1 - axis, kAIMeshForward), -1);
@@ -77,29 +69,21 @@ TEST_F(Numbering, NonNodeVerticesHaveBackwardThenForwardOnTheirLine) {
     EXPECT_EQ(std::pair(ni, nj), std::pair(i, j)) << "node behind the vertex";
     // The handle on each segment is point 1 seen from the vertex.
     for (int k = 0; k < 2; ++k) {
-      AIMeshSegmentIterator h = nullptr;
-      ASSERT_EQ(s.vtx->GetSegment(v, k, &h), kNoErr);
       AIRealPoint tan{}, pts[2];
       s.vtx->GetTangent(v, k, &tan);
-      s.seg->GetPoints(h, 0, 2, pts);
+      s.seg->GetPoints(segment(v, k), 0, 2, pts);
       EXPECT_EQ(tan.h, pts[1].h);
       EXPECT_EQ(tan.v, pts[1].v);
-      s.seg->Release(h);
     }
-    s.vtx->Release(v);
-    s.seg->Release(g);
-    s.vtx->Release(n);
   }
 }
 
 TEST_F(Numbering, BackwardSegmentListsPointsFromItsStart) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 1, 1), kNoErr);
   Bend(m());
-  AIMeshVertexIterator a = nodeIt(0, 0), b = nodeIt(1, 0);
-  AIMeshSegmentIterator fwd = nullptr, back = nullptr;
-  s.vtx->GetSegment(a, 0, &fwd);
+  AIMeshSegmentIterator fwd = segment(node(0, 0), 0);
   s.seg->InsertKnots(fwd, 0, 2);
-  s.vtx->GetSegment(b, 0, &back);  // I- at node (1, 0)
+  AIMeshSegmentIterator back = segment(node(1, 0), 0);  // I- at node (1, 0)
   EXPECT_EQ(s.seg->GetSense(back), kAIMeshBackward);
   EXPECT_EQ(s.seg->CountKnots(back), 2);
   auto pf = points(fwd), pb = points(back);
@@ -112,64 +96,14 @@ TEST_F(Numbering, BackwardSegmentListsPointsFromItsStart) {
   EXPECT_TRUE(s.seg->IsEqual(fwd, back)) << "same segment in either orientation";
   s.seg->Reverse(back);
   EXPECT_EQ(s.seg->GetSense(back), kAIMeshForward);
-  s.seg->Release(fwd);
-  s.seg->Release(back);
-  s.vtx->Release(a);
-  s.vtx->Release(b);
 }
 
-class Walks : public MeshTest {
- protected:
-  // (i, j, isNode) of every vertex in walk order.
-  std::vector<std::tuple<int, int, bool>> vertexWalk() {
-    std::vector<std::tuple<int, int, bool>> out;
-    AIMeshVertexIterator v = nullptr;
-    s.mesh->GetStartVertex(art, &v);
-    while (!s.vtx->AtEnd(v)) {
-      int i, j;
-      s.vtx->GetNodeIndex(v, &i, &j);
-      out.emplace_back(i, j, s.vtx->IsNode(v));
-      s.vtx->Next(v);
-    }
-    EXPECT_EQ(s.vtx->Next(v), kIterAtEndErr);
-    s.vtx->Release(v);
-    return out;
-  }
-  // Runs in walk order: "axis:i,j" of the start node of each node-to-node run,
-  // and the number of segments per run.
-  std::vector<std::pair<std::string, int>> runWalk() {
-    std::vector<std::pair<std::string, int>> out;
-    AIMeshSegmentIterator g = nullptr;
-    s.mesh->GetStartSegment(art, &g);
-    while (!s.seg->AtEnd(g)) {
-      EXPECT_EQ(s.seg->GetSense(g), kAIMeshForward);
-      AIMeshVertexIterator a = nullptr, b = nullptr;
-      s.seg->GetStart(g, &a);
-      s.seg->GetEnd(g, &b);
-      if (s.vtx->IsNode(a)) {
-        int i, j;
-        s.vtx->GetNodeIndex(a, &i, &j);
-        out.emplace_back(std::string(s.seg->GetAxis(g) ? "J:" : "I:") + std::to_string(i) + "," +
-                             std::to_string(j),
-                         0);
-      }
-      ++out.back().second;
-      s.vtx->Release(a);
-      s.vtx->Release(b);
-      s.seg->Next(g);
-    }
-    s.seg->Release(g);
-    return out;
-  }
-  std::vector<std::pair<std::string, int>> expectedRuns(int I, int J) {
-    std::vector<std::pair<std::string, int>> out;
-    for (int j = 0; j <= J; ++j)
-      for (int i = 0; i < I; ++i) out.emplace_back("I:" + std::to_string(i) + "," + std::to_string(j), 1);
-    for (int i = 0; i <= I; ++i)
-      for (int j = 0; j < J; ++j) out.emplace_back("J:" + std::to_string(i) + "," + std::to_string(j), 1);
-    return out;
-  }
-};
+using Walks = EngineTest;
+
+// "I:i,j" or "J:i,j": the run along that axis from node (i, j).
+std::string runName(int axis, int i, int j) {
+  return (axis ? "J:" : "I:") + std::to_string(i) + "," + std::to_string(j);
+}
 
 TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 2, 2), kNoErr);
@@ -180,18 +114,23 @@ TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   EXPECT_EQ(nj, 1);
   // Two vertices on run I (1, 0) and one on run J (3, 2).
   auto addVertices = [&](int i, int j, int axis, int count) {
-    AIMeshVertexIterator n = nodeIt(i, j);
-    AIMeshSegmentIterator g = nullptr;
-    s.vtx->GetSegment(n, s.vtx->GetSegmentIndex(n, axis, kAIMeshForward), &g);
+    AIMeshSegmentIterator g = along(node(i, j), axis);
     s.seg->InsertKnots(g, 0, count + 1);  // one knot stays a knot
     for (int k = count - 1; k >= 0; --k) EXPECT_EQ(s.seg->Split(g, k), kNoErr);
-    s.seg->Release(g);
-    s.vtx->Release(n);
   };
   addVertices(1, 0, 0, 2);
   addVertices(3, 2, 1, 1);
-  const auto walk = vertexWalk();
-  std::vector<std::tuple<int, int, bool>> nodes;
+  // (i, j, isNode) of every vertex in walk order.
+  std::vector<std::tuple<int, int, bool>> walk, nodes;
+  AIMeshVertexIterator v = nullptr;
+  s.mesh->GetStartVertex(art, &v);
+  for (; !s.vtx->AtEnd(v); s.vtx->Next(v)) {
+    int i, j;
+    s.vtx->GetNodeIndex(v, &i, &j);
+    walk.emplace_back(i, j, s.vtx->IsNode(v));
+  }
+  EXPECT_EQ(s.vtx->Next(v), kIterAtEndErr);
+  s.vtx->Release(v);
   int nonNodes = 0;
   for (auto& w : walk) (std::get<2>(w) ? nodes.push_back(w) : void(++nonNodes));
   EXPECT_EQ(nonNodes, 3);
@@ -202,27 +141,35 @@ TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   EXPECT_EQ(walk[2], std::tuple(1, 0, false));
   EXPECT_EQ(walk[3], std::tuple(1, 0, false));
   EXPECT_EQ(walk[4], std::tuple(2, 0, true));
-  auto runs = runWalk();
-  auto expected = expectedRuns(3, 3);
-  for (auto& r : expected) {
-    if (r.first == "I:1,0") r.second = 3;
-    if (r.first == "J:3,2") r.second = 2;
+  // Runs in walk order, each forward, with their segment counts: every run
+  // along I (i fastest), then every run along J (j fastest).
+  std::vector<std::pair<std::string, int>> runs, expected;
+  AIMeshSegmentIterator g = nullptr;
+  s.mesh->GetStartSegment(art, &g);
+  for (; !s.seg->AtEnd(g); s.seg->Next(g)) {
+    EXPECT_EQ(s.seg->GetSense(g), kAIMeshForward);
+    AIMeshVertexIterator a = nullptr;
+    s.seg->GetStart(g, &a);
+    int i, j;
+    s.vtx->GetNodeIndex(a, &i, &j);
+    if (s.vtx->IsNode(a)) runs.emplace_back(runName(s.seg->GetAxis(g), i, j), 0);
+    ++runs.back().second;
+    s.vtx->Release(a);
   }
+  s.seg->Release(g);
+  for (int j = 0; j <= 3; ++j)
+    for (int i = 0; i < 3; ++i) expected.emplace_back(runName(0, i, j), i == 1 && j == 0 ? 3 : 1);
+  for (int i = 0; i <= 3; ++i)
+    for (int j = 0; j < 3; ++j) expected.emplace_back(runName(1, i, j), i == 3 && j == 2 ? 2 : 1);
   EXPECT_EQ(runs, expected);
   EXPECT_EQ(m().vertexCount(), 19u);
 }
 
 TEST_F(Walks, LineStepsCrossNodesAndVerticesAndStopAtTheBorder) {
   ASSERT_EQ(s.mesh->InitCartesian(art, 2, 1), kNoErr);
-  AIMeshVertexIterator n = nodeIt(0, 0);
-  AIMeshSegmentIterator g = nullptr;
-  s.vtx->GetSegment(n, 0, &g);
-  s.seg->InsertKnots(g, 0, 1);
-  s.seg->Split(g, 0);
-  s.seg->Release(g);
+  cut(0, 0, kAIMeshIAxis);
   // +I from (0, 0): vertex, node (1, 0), node (2, 0), then the end.
-  AIMeshVertexIterator v = nullptr;
-  s.vtx->Copy(n, &v);
+  AIMeshVertexIterator v = node(0, 0);
   std::vector<bool> kinds;
   while (!s.vtx->AtEnd(v)) {
     kinds.push_back(s.vtx->IsNode(v));
@@ -230,14 +177,11 @@ TEST_F(Walks, LineStepsCrossNodesAndVerticesAndStopAtTheBorder) {
   }
   EXPECT_EQ(kinds, (std::vector<bool>{true, false, true, true}));
   EXPECT_EQ(s.vtx->NextI(v), kIterAtEndErr);
-  s.vtx->Release(v);
-  AIMeshVertexIterator w = nodeIt(0, 0);
+  AIMeshVertexIterator w = node(0, 0);
   s.vtx->PrevJ(w);
   EXPECT_TRUE(s.vtx->AtEnd(w)) << "stepping off the mesh";
-  s.vtx->Release(w);
   // NextOnAxis walks the whole line through nodes; PrevOnAxis comes back.
-  AIMeshSegmentIterator h = nullptr;
-  s.vtx->GetSegment(n, 0, &h);
+  AIMeshSegmentIterator h = segment(node(0, 0), 0);
   int count = 1;
   while (true) {
     s.seg->NextOnAxis(h);
@@ -245,22 +189,17 @@ TEST_F(Walks, LineStepsCrossNodesAndVerticesAndStopAtTheBorder) {
     ++count;
   }
   EXPECT_EQ(count, 3);
-  s.seg->Release(h);
-  AIMeshVertexIterator last = nodeIt(2, 0);
-  s.vtx->GetSegment(last, 0, &h);  // I- at (2, 0)
-  s.seg->PrevOnAxis(h);            // the segment before it going I-: none
+  AIMeshVertexIterator last = node(2, 0);
+  h = segment(last, 0);  // I- at (2, 0)
+  s.seg->PrevOnAxis(h);  // the segment before it going I-: none
   EXPECT_TRUE(s.seg->AtEnd(h));
-  s.seg->Release(h);
-  s.vtx->GetSegment(last, 0, &h);
+  h = segment(last, 0);
   s.seg->Reverse(h);  // now (1, 0) -> (2, 0), forward
   s.seg->PrevOnAxis(h);
   AIMeshVertexIterator st = nullptr;
   s.seg->GetStart(h, &st);
   EXPECT_FALSE(s.vtx->IsNode(st)) << "previous segment starts at the vertex";
   s.vtx->Release(st);
-  s.seg->Release(h);
-  s.vtx->Release(last);
-  s.vtx->Release(n);
 }
 
 TEST_F(Walks, PatchesGoIFastestWithCornersInOrder) {

@@ -11,9 +11,13 @@ namespace {
 using lb::host::Counters;
 using lb::host::Host;
 
-TEST(Startup, AddsMenuItemAndThreeNotifiers) {
+// A host with the module loaded; `before` holds its counters right after loading.
+struct Loaded : ::testing::Test {
   Host host;
-  host.loadPlugin();
+  const Counters before = (host.loadPlugin(), host.counters());
+};
+
+TEST_F(Loaded, StartupAddsMenuItemAndThreeNotifiers) {
   ASSERT_TRUE(host.pluginLoaded());
   AIMenuItemHandle item = host.pluginMenuItem();
   ASSERT_NE(item, nullptr);
@@ -24,7 +28,6 @@ TEST(Startup, AddsMenuItemAndThreeNotifiers) {
   EXPECT_EQ(host.notifierTypes().size(), 3u);
   for (size_t i = 0; i < 3; ++i) EXPECT_EQ(host.notifierOwner(i), "LatticeBender");
   // Every message leaves the counters where they were.
-  const Counters before = host.counters();
   EXPECT_EQ(before.suiteAcquisitions, 0);
   EXPECT_EQ(host.sendMessage("SP Interface", "About"), kNoErr);
   EXPECT_EQ(host.counters(), before);
@@ -37,24 +40,17 @@ TEST(Startup, AddsMenuItemAndThreeNotifiers) {
 }
 
 TEST(Shutdown, FreesTheRecordAndGivesEverythingBack) {
-  const Counters start = [] {
-    Host probe;
-    return probe.counters();
-  }();
-  {
-    Host host;
-    host.loadPlugin();
-    EXPECT_EQ(host.counters().blocks, start.blocks + 1);  // the global record
-    host.shutdownPlugin();
-    EXPECT_FALSE(host.pluginLoaded());
-    EXPECT_EQ(host.pluginGlobals(), nullptr);
-    EXPECT_EQ(host.counters(), start);
-  }
+  Host host;
+  const Counters start = host.counters();
+  host.loadPlugin();
+  EXPECT_EQ(host.counters().blocks, start.blocks + 1);  // the global record
+  host.shutdownPlugin();
+  EXPECT_FALSE(host.pluginLoaded());
+  EXPECT_EQ(host.pluginGlobals(), nullptr);
+  EXPECT_EQ(host.counters(), start);
 }
 
-TEST(Menu, GoTogglesThePanelUpdateCheckMarksItForeignItemsDoNothing) {
-  Host host;
-  host.loadPlugin();
+TEST_F(Loaded, MenuGoTogglesThePanelUpdateCheckMarksItForeignItemsDoNothing) {
   AIMenuItemHandle item = host.pluginMenuItem();
   ASSERT_EQ(host.sendMenuUpdate(item), kNoErr);
   const bool first = host.menuItemChecked(item);
@@ -70,8 +66,7 @@ TEST(Menu, GoTogglesThePanelUpdateCheckMarksItForeignItemsDoNothing) {
   EXPECT_TRUE(second);
 
   // Foreign items and notifiers do nothing.
-  const Counters before = host.counters();
-
+  const Counters now = host.counters();
   auto* foreignItem = reinterpret_cast<AIMenuItemHandle>(&host);
   EXPECT_EQ(host.sendMenuGo(foreignItem), kNoErr);
   EXPECT_EQ(host.sendMenuUpdate(foreignItem), kNoErr);
@@ -82,13 +77,10 @@ TEST(Menu, GoTogglesThePanelUpdateCheckMarksItForeignItemsDoNothing) {
 
   host.sendMenuUpdate(item);
   EXPECT_FALSE(host.menuItemChecked(item));
-  EXPECT_EQ(host.counters(), before);
+  EXPECT_EQ(host.counters(), now);
 }
 
-TEST(UnloadReload, KeepsTheRecordAndReallyUnloads) {
-  Host host;
-  host.loadPlugin();
-  const Counters before = host.counters();
+TEST_F(Loaded, UnloadReloadKeepsTheRecordAndReallyUnloads) {
   EXPECT_EQ(host.pluginGlobals(), nullptr);  // handed over only at Unload
 
   host.unloadPlugin();
@@ -123,10 +115,7 @@ TEST(UnloadReload, KeepsTheRecordAndReallyUnloads) {
   EXPECT_EQ(host.pluginGlobals(), nullptr);
 }
 
-TEST(Failures, AcquisitionFailureReturnsTheCodeAndReleasesWhatWasAcquired) {
-  Host host;
-  host.loadPlugin();
-  const Counters before = host.counters();
+TEST_F(Loaded, AcquisitionFailureReturnsTheCodeAndReleasesWhatWasAcquired) {
   // "AI User Suite" is the fifth row of the frame table: four are acquired
   // before the walk stops.
   for (const char* suite : {"AI Notifier Suite", "AI User Suite", "AI Data Filter Suite",
@@ -154,10 +143,7 @@ TEST(Failures, StartupFailsWhenASuiteIsMissing) {
   EXPECT_TRUE(host.pluginLoaded());
 }
 
-TEST(Commands, RunThroughTheScriptingEntryWithoutLeaksOrContext) {
-  Host host;
-  host.loadPlugin();
-  const Counters before = host.counters();
+TEST_F(Loaded, CommandsRunThroughTheScriptingEntryWithoutLeaksOrContext) {
   // Hidden id 168 and ids outside the table run nothing but still go
   // through both acquisition levels and the application context.
   for (int id : {kCmdFirst - 1, int(kCmdNone168), kCmdLast + 1, -1, 1000}) {

@@ -48,9 +48,10 @@ struct Suites : ::testing::Test {
 
   void load(const std::string& json) { host.setDocument(lb::io::readDocument(json)); }
 
-  AIArtHandle newPath(int16_t order = kPlaceAboveAll, AIArtHandle prep = nullptr) {
+  // New art of the type (a path by default) above all.
+  AIArtHandle newArt(int16_t type = kPathArt) {
     AIArtHandle a = nullptr;
-    EXPECT_EQ(art->NewArt(kPathArt, order, prep, &a), kNoErr);
+    EXPECT_EQ(art->NewArt(type, kPlaceAboveAll, nullptr, &a), kNoErr);
     return a;
   }
 
@@ -81,9 +82,8 @@ std::string mesh(const std::string& name, bool selected, int I, int J) {
 }  // namespace
 
 TEST_F(Suites, HandlesAreValidated) {
-  AIArtHandle p = newPath();
-  AIArtHandle g = nullptr;
-  ASSERT_EQ(art->NewArt(kGroupArt, kPlaceAboveAll, nullptr, &g), kNoErr);
+  AIArtHandle p = newArt();
+  AIArtHandle g = newArt(kGroupArt);
   int16_t type = 0;
   EXPECT_EQ(art->GetArtType(nullptr, &type), kBadParameterErr);
   EXPECT_EQ(art->GetArtType(p, nullptr), kBadParameterErr);
@@ -209,7 +209,7 @@ TEST_F(Suites, AttributesAndMeshSelection) {
 }
 
 TEST_F(Suites, PathSegmentsSelectionAndLength) {
-  AIArtHandle p = newPath();
+  AIArtHandle p = newArt();
   ASSERT_EQ(path->SetPathSegmentCount(p, 3), kNoErr);
   const AIPathSegment segs[3] = {{{0, 0}, {0, 0}, {0, 0}, 1}, {{3, 0}, {3, 0}, {3, 0}, 1}, {{3, 4}, {3, 4}, {3, 4}, 1}};
   ASSERT_EQ(path->SetPathSegments(p, 0, 3, segs), kNoErr);
@@ -249,7 +249,7 @@ TEST_F(Suites, NewPathLookAndGraphicStyles) {
   load(R"({"latticebender": 1,
     "styles": [{"name": "[LB][Axis]", "fill": null, "stroke": {"color": {"rgb": [1, 0, 0]}, "width": 3}, "opacity": 0.5}],
     "layers": [{"name": "L", "children": []}]})");
-  AIArtHandle p = newPath();
+  AIArtHandle p = newArt();
   AIPathStyle st{};
   AIBoolean adv = 1;
   ASSERT_EQ(pathStyle->GetPathStyle(p, &st, &adv), kNoErr);
@@ -276,13 +276,12 @@ TEST_F(Suites, NewPathLookAndGraphicStyles) {
   ASSERT_EQ(artStyle->GetArtStyleName(s, &name), kNoErr);
   EXPECT_STREQ(name, "[LB][Axis]");
   EXPECT_EQ(artStyle->SetArtStyle(p, reinterpret_cast<AIArtStyleHandle>(&st)), kBadParameterErr);
-  AIArtHandle g = nullptr;
-  ASSERT_EQ(art->NewArt(kGroupArt, kPlaceAboveAll, nullptr, &g), kNoErr);
+  AIArtHandle g = newArt(kGroupArt);
   EXPECT_EQ(pathStyle->GetPathStyle(g, &st, nullptr), kWrongArtTypeErr);
 }
 
 TEST_F(Suites, BlendStyle) {
-  AIArtHandle p = newPath();
+  AIArtHandle p = newArt();
   EXPECT_EQ(blend->GetOpacity(p), 1.0);
   EXPECT_EQ(blend->GetOpacity(nullptr), 1.0);
   EXPECT_EQ(blend->SetOpacity(p, 0.3), kNoErr);
@@ -297,7 +296,7 @@ TEST_F(Suites, BlendStyle) {
 TEST_F(Suites, NamesGoThroughHostStrings) {
   const auto* us = suite<AIUnicodeStringSuite>(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion);
   if (!us) GTEST_SKIP();
-  AIArtHandle p = newPath();
+  AIArtHandle p = newArt();
   AIUnicodeStringRef s = nullptr;
   ASSERT_EQ(us->InitializeFromPlatform(&s, "MeshGrid"), kNoErr);
   ASSERT_EQ(art->SetArtName(p, s), kNoErr);

@@ -109,25 +109,23 @@ TEST_F(DirectTest, ZeroRowWalkCrossesNonNodeVertices) {
   EXPECT_EQ(IsSideHas0Row(Mesh(0), 0), 0);
 }
 
-// Host calls that fail once a number of calls have succeeded.
+// Host calls that fail once a number of calls have succeeded: Failing<real>
+// stands in for a suite member whose own function was kept in `real`.
 int gCallsLeft = 0;
+template <auto& real, class... A>
+AIErr Failing(A... a) {
+  return gCallsLeft-- > 0 ? real(a...) : kCantHappenErr;
+}
 AIErr (*gRealNext)(AIMeshVertexIterator) = nullptr;
-AIErr FailingNext(AIMeshVertexIterator v) { return gCallsLeft-- > 0 ? gRealNext(v) : kCantHappenErr; }
 AIErr (*gRealInsertU)(AIArtHandle, AIReal, int32_t*) = nullptr;
-AIErr FailingInsertU(AIArtHandle m, AIReal u, int32_t* i) {
-  return gCallsLeft-- > 0 ? gRealInsertU(m, u, i) : kCantHappenErr;
-}
 AIErr (*gRealGetNode)(AIArtHandle, int32_t, int32_t, AIMeshVertexIterator*) = nullptr;
-AIErr FailingGetNode(AIArtHandle m, int32_t i, int32_t j, AIMeshVertexIterator* v) {
-  return gCallsLeft-- > 0 ? gRealGetNode(m, i, j, v) : kCantHappenErr;
-}
 
 TEST_F(DirectTest, HandleWorkersReleaseEverythingWhenTheHostFails) {
   MeshRecipe d = Cells30x24();
   d.I = d.J = 3;
   Load(d);
   gRealNext = vertex().Next;
-  vertex().Next = FailingNext;
+  vertex().Next = Failing<gRealNext>;
   gCallsLeft = 5;
   EXPECT_EQ(lb::handles::_Nodes13(Mesh(0), 0, 0, 0), 1);
   gCallsLeft = 5;
@@ -136,7 +134,7 @@ TEST_F(DirectTest, HandleWorkersReleaseEverythingWhenTheHostFails) {
   EXPECT_EQ(lb::handles::_SmoothNodes(Mesh(0), 1, 1, 1), 1);
   vertex().Next = gRealNext;
   gRealGetNode = mesh().GetNode;
-  mesh().GetNode = FailingGetNode;
+  mesh().GetNode = Failing<gRealGetNode>;
   gCallsLeft = 6;
   EXPECT_EQ(lb::handles::_Angle90Deg(Mesh(0), 1, 1), 1);
 }
@@ -147,7 +145,7 @@ TEST_F(DirectTest, FailedInsertionKeepsTheLinesMadeAndSelectsNothingNew) {
   d.selected = {{0, 0}, {4, 0}};
   Load(d);
   gRealInsertU = mesh().InsertU;
-  mesh().InsertU = FailingInsertU;
+  mesh().InsertU = Failing<gRealInsertU>;
   gCallsLeft = 1;
   EXPECT_EQ(lb::dens::_Mul(Mesh(0), 1, 0), 1);
   const GradientMesh& m = *Mesh(0)->mesh;

@@ -12,7 +12,18 @@
 namespace lbtest {
 namespace {
 
-using PartCopy = LinkedTest;
+class PartCopy : public LinkedTest {
+ protected:
+  // The varied mesh of I x J cells above a plain, unselected one of dstI x
+  // dstJ cells at x = x0.
+  void LoadPair(int I, int J, int dstI, int dstJ, double x0) {
+    MeshRecipe dst = MeshRecipe::Varied(dstI, dstJ);
+    dst.knots = false;
+    dst.x0 = x0;
+    dst.artSelected = false;
+    Load(DocJson({MeshJson(MeshRecipe::Varied(I, J)), MeshJson(dst)}));
+  }
+};
 
 // The content of the cells i0..i1 x j0..j1 of a mesh, renumbered from 0.
 MeshContent SubMesh(const MeshContent& m, int i0, int i1, int j0, int j1) {
@@ -35,19 +46,8 @@ MeshContent SubMesh(const MeshContent& m, int i0, int i1, int j0, int j1) {
   return s;
 }
 
-MeshRecipe Plain(int I, int J, double originH) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = I;
-  layout.J = J;
-  layout.knots = false;
-  layout.x0 = originH;
-  layout.artSelected = false;
-  return layout;
-}
-
 TEST_F(PartCopy, InvalidWindowsChangeNothing) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  Load(DocJson({MeshJson(layout), MeshJson(Plain(3, 2, 300))}));
+  LoadPair(3, 2, 3, 2, 300);
   const json before = session->written();
   ZS_RestoreMeshData good{0, 0, 0, 1, 0, 0, 3, 2};
   const ZS_RestoreMeshData bad[] = {
@@ -71,8 +71,7 @@ TEST_F(PartCopy, InvalidWindowsChangeNothing) {
 // the copy stops, keeps what it wrote and leaves no iterator behind (the
 // fixture checks the counters).
 TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
-  MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
-  Load(DocJson({MeshJson(layout), MeshJson(Plain(2, 2, 300))}));
+  LoadPair(3, 2, 2, 2, 300);
   const MeshContent src = session->content(0);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 3, 2};
   ZS_RestoreMeshData d = w;
@@ -83,10 +82,7 @@ TEST_F(PartCopy, WindowPastTheGridStopsWithoutLeaking) {
 }
 
 TEST_F(PartCopy, IdentityWindowCopiesEverythingButSelectionExactly) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 4;
-  layout.J = 3;
-  Load(DocJson({MeshJson(layout), MeshJson(Plain(4, 3, 500))}));
+  LoadPair(4, 3, 4, 3, 500);
   const MeshContent src = session->content(0);
   const MeshContent dstBefore = session->content(1);
   ZS_RestoreMeshData w{0, 0, 0, 1, 0, 0, 4, 3};
@@ -117,8 +113,7 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
-    Load(DocJson({MeshJson(layout), MeshJson(Plain(c.dstI, c.dstJ, 300))}));
+    LoadPair(3, 2, c.dstI, c.dstJ, 300);
     const MeshContent src = session->content(0);
     ZS_RestoreMeshData s{0, 0, 0, 1, 0, 0, 3, 2};
     ZS_RestoreMeshData d = c.dst;
@@ -128,10 +123,7 @@ TEST_F(PartCopy, ExchangedAxesTransposeAndSensesMirror) {
 }
 
 TEST_F(PartCopy, ShiftedWindowCopiesPartOfTheSource) {
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 4;
-  layout.J = 3;
-  Load(DocJson({MeshJson(layout), MeshJson(Plain(2, 1, 400))}));
+  LoadPair(4, 3, 2, 1, 400);
   const MeshContent src = session->content(0);
   ZS_RestoreMeshData s{1, 1, 0, 1, 0, 0, 2, 1};
   ZS_RestoreMeshData d{0, 0, 0, 1, 0, 0, 2, 1};
@@ -176,8 +168,7 @@ TEST_F(PartCopy, CuttingARectangleRenumbersFromItsCorner) {
 }
 
 TEST_F(PartCopy, RectangleWithoutACellOrOutsideTheGridIsRefused) {
-  MeshRecipe layout = MeshRecipe::Varied();  // 3 x 2
-  Load(DocJson({MeshJson(layout)}));
+  Load(DocJson({MeshJson(MeshRecipe::Varied())}));  // 3 x 2
   const json before = session->written();
   const int bad[][4] = {{1, 1, 0, 2}, {0, 3, 2, 2}, {-1, 2, 0, 1}, {0, 4, 0, 1}, {0, 3, 0, 3}, {2, 1, 0, 2}};
   for (const auto& r : bad) {

@@ -15,14 +15,9 @@ using namespace lbtest;
 
 namespace {
 
-struct Region {
-  int minI, maxI, minJ, maxJ;
-  bool operator==(const Region&) const = default;
-};
+// A region as (minI, maxI, minJ, maxJ).
+using Region = std::array<int, 4>;
 Region Of(const CMeshRegion& r) { return {r.m_nMinI, r.m_nMaxI, r.m_nMinJ, r.m_nMaxJ}; }
-std::ostream& operator<<(std::ostream& o, const Region& r) {
-  return o << "(" << r.minI << ", " << r.maxI << ", " << r.minJ << ", " << r.maxJ << ")";
-}
 
 // Host calls that fail on purpose: the n-th call (counting from 0) of the
 // wrapped member reports an error; -1 never fails.
@@ -47,14 +42,10 @@ class MeshSelectionTest : public LinkedTest {
     gCalls = 0;
     gFailMesh = nullptr;
   }
-  void FailStepJ(int at) {
-    gRealStep = vertex().NextJ;
-    vertex().NextJ = FailingStep;
-    gFailAt = at;
-  }
-  void FailStepI(int at) {
-    gRealStep = vertex().NextI;
-    vertex().NextI = FailingStep;
+  // The at-th call of the vertex suite's `step` (NextI or NextJ) fails.
+  void FailStep(decltype(&AIMeshVertexIteratorSuite::NextI) step, int at) {
+    gRealStep = vertex().*step;
+    vertex().*step = FailingStep;
     gFailAt = at;
   }
 };
@@ -186,7 +177,7 @@ TEST_F(MeshSelectionTest, FailedStepLeavesRegionUnwrittenButKeepsMarks) {
   // Node (0, 1) is met on the first line walked; the walk of line i = 1
   // then fails.
   Load({Coded(2, 2, {{0, 1}, {2, 2}})});
-  FailStepJ(2);
+  FailStep(&AIMeshVertexIteratorSuite::NextJ, 2);
   std::vector<int> li(3, 0), lj(3, 0);
   CMeshRegion r;
   r.m_nMinI = 7, r.m_nMaxI = 8, r.m_nMinJ = 9, r.m_nMaxJ = 10;
@@ -200,7 +191,7 @@ TEST_F(MeshSelectionTest, FailedStepLeavesSidesAndCornersUnwritten) {
   Load({Coded(3, 3, {{0, 0}, {1, 0}})});
   for (int at = 0; at < 4; ++at) {
     SCOPED_TRACE(at);
-    FailStepI(at);
+    FailStep(&AIMeshVertexIteratorSuite::NextI, at);
     gCalls = 0;
     int sides[4] = {5, 5, 5, 5}, corners[4] = {6, 6, 6, 6};
     EXPECT_EQ(ZF_GetSelSidesAndNodes(Mesh(0), sides, corners), 1);
@@ -227,7 +218,7 @@ TEST_F(MeshSelectionTest, SelectionWorkerStoppedMidWalkKeepsWhatItSelected) {
   // J is the second step of line i = 1, so (0, *), (1, 0) and (1, 1) are
   // already selected when it fails.
   Load({Coded(2, 2, {{0, 0}, {2, 2}})});
-  FailStepJ(9);
+  FailStep(&AIMeshVertexIteratorSuite::NextJ, 9);
   EXPECT_EQ(lb::sel::_Full(Mesh(0), false), 1);
   EXPECT_EQ(State(0).selectedNodes(), (NodeSet{{0, 0}, {0, 1}, {0, 2}, {1, 0}, {1, 1}}));
 }
