@@ -12,15 +12,11 @@ constexpr double kTol = 1e-9;
 using lb::host::GradientMesh;
 using lb::host::VertexId;
 
-// The default mesh of these tests: 2 x 2 cells of 30 x 24.
-MeshRecipe Cells30x24() {
+// The mesh of these tests, 2 x 2 cells of 30 x 24, with handles of node
+// (1, 1) given by length and angle.
+MeshRecipe Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
   MeshRecipe d;
   d.dx = 30, d.dy = 24;
-  return d;
-}
-
-MeshRecipe Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
-  MeshRecipe d = Cells30x24();
   d.selected = std::move(sel);
   for (auto [dir, la] : handles) d.handle[{1, 1, dir}] = Polar(d.P(1, 1), la.first, la.second);
   return d;
