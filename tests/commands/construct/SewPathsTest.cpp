@@ -22,18 +22,17 @@ json Path(const std::vector<Anchor>& anchors, json stroke = nullptr, json fill =
   return art;
 }
 
-json Red() { return {{"color", {{"rgb", {1.0, 0.0, 0.0}}}}, {"width", 1}}; }
-json Blue() { return {{"color", {{"rgb", {0.0, 0.0, 1.0}}}}}; }
-
 // Side j of the one-cell mesh from i = 0 to i = 1, every control point.
 std::vector<AIRealPoint> Side(const GradientMesh& m, int j) {
   return m.segmentPoints(lb::host::SegmentRef{m.node(0, j), IF});
 }
 
-// P1 from (0, 0) to (30, 0), P2 from (0, 20) to (30, 20): both drawn the
-// same way, so the nearer ends are the two first anchors.
+// P1 from (0, 0) to (30, 0) stroked red, P2 from (0, 20) to (30, 20) filled
+// blue at half opacity: both drawn the same way, so the nearer ends are the
+// two first anchors.
 std::vector<json> SideBySide() {
-  return {Path({{{0, 0}}, {{30, 0}}}, Red()), Path({{{0, 20}}, {{30, 20}}}, nullptr, Blue(), 0.5)};
+  return {Path({{{0, 0}}, {{30, 0}}}, {{"color", {{"rgb", {1.0, 0.0, 0.0}}}}, {"width", 1}}),
+          Path({{{0, 20}}, {{30, 20}}}, nullptr, {{"color", {{"rgb", {0.0, 0.0, 1.0}}}}}, 0.5)};
 }
 
 // Which path ends become the corners: nodes (0, 0), (1, 0), (0, 1), (1, 1).
