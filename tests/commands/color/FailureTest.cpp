@@ -1,13 +1,15 @@
-// Host errors inside the commands that go mesh by mesh (clone, pattern,
-// capture, colour flip, selection shift): the operations linked in directly
-// against the host's suite tables, with one mesh's selection or size made
-// to fail. That mesh is given up and left as it was, every other art ends
-// as it does without the error, and nothing is leaked.
+// Colour code linked in directly against the host's suite tables: the
+// paint record and its three switches on real mesh nodes, and host errors
+// inside the commands that go mesh by mesh (clone, pattern, capture, colour
+// flip, selection shift) with one mesh's selection or size made to fail.
+// That mesh is given up and left as it was, every other art ends as it
+// does without the error, and nothing is leaked.
 #include <gtest/gtest.h>
 
 #include <functional>
 
 #include "ColourDoc.h"
+#include "HostRefs.h"
 #include "Operations.h"
 #include "Suites.h"
 #include "color/ColorOpacity.h"
@@ -106,6 +108,82 @@ TEST_F(ColourFailure, WorkersReturnTheHostsError) {
   gFailMesh = Mesh(0);
   EXPECT_EQ(lb::color::_Flip(Mesh(0), kAIMeshIAxis), 1);
   EXPECT_EQ(lb::sel::_Shift(Mesh(0), 1, 0), 1);
+}
+
+// ---- The paint record ------------------------------------------------------
+
+class ColorOpacityTest : public LinkedTest {
+ protected:
+  void SetUp() override {
+    saved[0] = CColorOpacity::sm_bUseColor;
+    saved[1] = CColorOpacity::sm_bUseOpacity;
+    saved[2] = CColorOpacity::sm_bUseAll;
+    Load({Coded(1, 1)});
+    a = GetNodeRef(Mesh(0), 0, 0);
+    b = GetNodeRef(Mesh(0), 1, 1);
+  }
+  void TearDown() override {
+    a.reset();
+    b.reset();
+    CColorOpacity::sm_bUseColor = saved[0];
+    CColorOpacity::sm_bUseOpacity = saved[1];
+    CColorOpacity::sm_bUseAll = saved[2];
+    LinkedTest::TearDown();
+  }
+  void Use(int color, int opacity, int all) {
+    CColorOpacity::sm_bUseColor = color;
+    CColorOpacity::sm_bUseOpacity = opacity;
+    CColorOpacity::sm_bUseAll = all;
+  }
+  // Copies node a's paint onto node b through a record.
+  void CopyAtoB() {
+    CColorOpacity p;
+    p.Read(a);
+    p.Write(b);
+  }
+  int saved[3] = {};
+  VertexRef a, b;
+};
+
+TEST_F(ColorOpacityTest, SwitchesStartAsColourOnly) {
+  // Nothing in this process has touched them before the fixture saved them.
+  EXPECT_EQ(saved[0], 1);
+  EXPECT_EQ(saved[1], 0);
+  EXPECT_EQ(saved[2], 0);
+}
+
+TEST_F(ColorOpacityTest, EachSwitchMovesOnlyItsHalf) {
+  struct Case {
+    int color, opacity, all;
+    bool colorMoves, opacityMoves;
+  };
+  const Case cases[] = {{1, 0, 0, true, false}, {0, 1, 0, false, true}, {0, 0, 0, false, false},
+                        {1, 1, 0, true, true},  {0, 0, 1, true, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.color << c.opacity << c.all);
+    a.reset();
+    b.reset();
+    Load({Coded(1, 1)});
+    a = GetNodeRef(Mesh(0), 0, 0);
+    b = GetNodeRef(Mesh(0), 1, 1);
+    Use(c.color, c.opacity, c.all);
+    CopyAtoB();
+    const MeshState m = State(0);
+    EXPECT_EQ(m.colorFrom(1, 1), c.colorMoves ? 0 : 3);
+    EXPECT_EQ(m.opacityFrom(1, 1), c.opacityMoves ? 0 : 3);
+    EXPECT_EQ(m.colorFrom(0, 0), 0);
+  }
+}
+
+TEST_F(ColorOpacityTest, OpacityReadsAsOneWhenItTakesNoPart) {
+  Use(1, 0, 0);
+  CColorOpacity p;
+  p.m_dOpacity = 0.25;
+  p.Read(a);
+  EXPECT_EQ(p.m_dOpacity, 1.0);
+  Use(0, 1, 0);
+  p.Read(a);
+  EXPECT_EQ(p.m_dOpacity, OpacityOf(0, 4));
 }
 
 }  // namespace
