@@ -209,15 +209,6 @@ TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
 
 // ---- Which image ----------------------------------------------------------
 
-ImageRecipe Plain(uint8_t r, uint8_t g, uint8_t b, bool selected) {
-  ImageRecipe im;
-  im.width = im.height = 2;
-  im.matrix = {20, 0, 0, 20, -5, 35};
-  im.pixels = {r, g, b, r, g, b, r, g, b, r, g, b};
-  im.selected = selected;
-  return im;
-}
-
 TEST(CaptureFromRaster, TheTopmostSelectedImageWins) {
   // Above the mesh an unselected image; below it two selected ones.
   Session s(Doc({ImageJson(Plain(1, 2, 3, false)), MeshJson(Tagged(0, 1, 1, Rect(0, 1, 0, 1))),
@@ -233,8 +224,7 @@ TEST(CaptureFromRaster, NothingToCaptureChangesNothing) {
   MeshRecipe unselected = m;
   unselected.selected = {};
   unselected.artSelected = false;
-  ImageRecipe otherPlaced = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
-  otherPlaced.type = "placed";
+  ImageRecipe otherPlaced = Plain(9, 9, 9, true, "placed");
   otherPlaced.placedType = 2;
   const std::pair<const char *, std::vector<json>> cases[] = {
       {"image not selected", {MeshJson(m), ImageJson(Plain(9, 9, 9, false))}},

@@ -58,15 +58,6 @@ class ColourFailure : public LinkedTest {
 
 json Full(int tag, int I, int J) { return MeshJson(Tagged(tag, I, J, Rect(0, I, 0, J))); }
 
-ImageRecipe Image(const char* type) {
-  ImageRecipe im;
-  im.type = type;
-  im.width = im.height = 2;
-  im.matrix = {20, 0, 0, 20, -5, 35};
-  im.pixels = {10, 20, 30, 10, 20, 30, 10, 20, 30, 10, 20, 30};
-  return im;
-}
-
 TEST_F(ColourFailure, FailingMeshIsGivenUpAndTheOthersAreDone) {
   const std::vector<json> three = {Full(0, 1, 1), Full(1, 1, 1), Full(2, 1, 1)};
   const std::vector<json> pair = {MeshJson(Tagged(0, 3, 1, {{0, 0}})), MeshJson(Tagged(1, 3, 1, {{0, 0}}))};
@@ -81,9 +72,9 @@ TEST_F(ColourFailure, FailingMeshIsGivenUpAndTheOthersAreDone) {
       {"clone, target's selection", three, [] { lb::color::Copy(0, 0); }, 1, Fail::kSelection},
       {"clone, target's size", three, [] { lb::color::Copy(0, 0); }, 1, Fail::kSize},
       {"pattern", pair, [] { lb::color::Pattern(0, 0); }, 0, Fail::kSize},
-      {"capture from a raster", {Full(0, 1, 1), Full(1, 1, 1), ImageJson(Image("raster"))},
+      {"capture from a raster", {Full(0, 1, 1), Full(1, 1, 1), ImageJson(Plain(10, 20, 30))},
        [] { lb::color::CatchFromRaster(1); }, 0, Fail::kSelection},
-      {"capture from a placed image", {Full(0, 1, 1), Full(1, 1, 1), ImageJson(Image("placed"))},
+      {"capture from a placed image", {Full(0, 1, 1), Full(1, 1, 1), ImageJson(Plain(10, 20, 30, true, "placed"))},
        [] { lb::color::CatchFromRaster(1); }, 0, Fail::kSelection},
       {"capture from a surface", three, [] { lb::color::CatchFromMeshSurface(0); }, 0, Fail::kSelection},
       {"flip colours", coded, [] { EXPECT_EQ(lb::color::Flip(kAIMeshIAxis), 0); }, 0, Fail::kSize},
