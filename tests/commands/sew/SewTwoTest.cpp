@@ -162,9 +162,10 @@ TEST_P(EachSplit, InsertsGridLinesWhereTheCountsSay) {
     const json& n = NodeAt(mesh, i, 1);
     EXPECT_NEAR(n.at("p")[0].get<double>(), sp.lines[static_cast<size_t>(i)], 1e-9) << "node " << i;
     EXPECT_NEAR(n.at("p")[1].get<double>(), 10.0, 1e-9) << "node " << i;
-    if (!sp.opacities.empty())
+    if (!sp.opacities.empty()) {
       EXPECT_NEAR(NodeAt(mesh, i, 0).at("opacity").get<double>(), sp.opacities[static_cast<size_t>(i)], 1e-12)
           << "node " << i;
+    }
   }
 }
 
@@ -300,10 +301,6 @@ struct Case {
   bool same;
 };
 
-std::string CaseName(const Case& c) {
-  return "S" + std::to_string(c.s1) + "toS" + std::to_string(c.s2) + (c.same ? "Same" : "Opposite");
-}
-
 std::vector<Case> AllCases() {
   std::vector<Case> out;
   for (int s1 = 0; s1 < 4; ++s1)
@@ -393,8 +390,10 @@ TEST_P(EachSidePair, SewnMeshIsTheLatticeOfBoth) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sew, EachSidePair, ::testing::ValuesIn(AllCases()),
-                         [](const auto& info) { return CaseName(info.param); });
+INSTANTIATE_TEST_SUITE_P(Sew, EachSidePair, ::testing::ValuesIn(AllCases()), [](const auto& info) {
+  const Case& c = info.param;
+  return "S" + std::to_string(c.s1) + "toS" + std::to_string(c.s2) + (c.same ? "Same" : "Opposite");
+});
 
 }  // namespace
 }  // namespace lbtest
