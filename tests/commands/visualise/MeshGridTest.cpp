@@ -1,5 +1,7 @@
 // Command 131: grid lines drawn as paths in "MeshGrid"; with Ctrl+Alt,
 // vertices, knots and handles in "MeshPoints".
+#include <map>
+
 #include "LBModule.h"
 #include "VisDoc.h"
 
@@ -88,42 +90,37 @@ INSTANTIATE_TEST_SUITE_P(Variants, MeshGridCuts,
                       CutCase{"alt", true, false, {{{0, 0}, {5, 0}}, {{5, 0}, {10, 0}}, {{10, 0}, {20, 0}}}}),
     [](const auto& info) { return std::string(info.param.title); });
 
-TEST(MeshGrid, OneCellSelectedDrawsItsFourSides) {
-  MeshRecipe m = Cells(3, 2);
-  m.whole = false;
-  m.selected = {{1, 0}, {2, 0}, {1, 1}, {2, 1}};
-  Session s(MeshDoc({m}));
-  const json kids = s.runLayer(kGrid);
-  const json& grid = kids[0];
-  const json& axI = Child(grid, "I-axis");
-  const json& axJ = Child(grid, "J-axis");
-  EXPECT_EQ(Names(axI.at("children")), (Strs{"J=0", "J=1"}));
-  EXPECT_EQ(Names(axJ.at("children")), (Strs{"I=1", "I=2"}));
-  EXPECT_EQ(Anchors(Child(axI, "J=1")), (Pts{{10, 10}, {20, 10}}));
-  EXPECT_EQ(Anchors(Child(axJ, "I=1")), (Pts{{10, 0}, {10, 10}}));
-}
-
-TEST(MeshGrid, UnselectedVertexBreaksTheLineAndEmptyAxisGoes) {
-  MeshRecipe m = Cells(4, 1);
-  m.whole = false;
-  m.selected = {{0, 0}, {1, 0}, {3, 0}, {4, 0}};
-  Session s(MeshDoc({m}));
-  const json kids = s.runLayer(kGrid);
-  const json& grid = kids[0];
-  // No line along J has both ends selected.
-  EXPECT_EQ(Names(grid.at("children")), (Strs{"I-axis"}));
-  EXPECT_EQ(LinePaths(Child(grid, "I-axis"), "J=0"), (std::vector<Pts>{{{0, 0}, {10, 0}}, {{30, 0}, {40, 0}}}));
-}
-
-TEST(MeshGrid, UnselectedNonNodeVertexBreaksTheRun) {
-  MeshRecipe m = Cells(1, 1);
-  m.whole = false;
-  m.selected = {{0, 0}, {1, 0}};
-  m.runs.push_back(SplitRun(m, 0, 0, 'I', {{"kind", "vertex"}, {"selected", false}}));
-  Session s(MeshDoc({m}));
-  const json kids = s.runLayer(kGrid);
-  // Both halves touch the unselected vertex: nothing is drawn at all.
-  EXPECT_EQ(Names(kids), (Strs{""}));
+// Partial selections: only runs with both ends selected are drawn, an
+// unselected vertex breaks a line, and an axis (or the whole grid) with
+// nothing to draw is not made.
+TEST(MeshGrid, PartialSelectionsDrawOnlyRunsBetweenSelectedVertices) {
+  MeshRecipe cell = Cells(3, 2), broken = Cells(4, 1), split = Cells(1, 1);
+  for (MeshRecipe* m : {&cell, &broken, &split}) m->whole = false;
+  cell.selected = {{1, 0}, {2, 0}, {1, 1}, {2, 1}};
+  broken.selected = {{0, 0}, {1, 0}, {3, 0}, {4, 0}};
+  split.selected = {{0, 0}, {1, 0}};
+  split.runs.push_back(SplitRun(split, 0, 0, 'I', {{"kind", "vertex"}, {"selected", false}}));
+  // Each axis group made, and each line in it ("axis/line") with its paths.
+  using Lines = std::map<std::string, std::vector<Pts>>;
+  const std::pair<MeshRecipe, Lines> cases[] = {
+      {cell, {{"I-axis", {}}, {"I-axis/J=0", {{{10, 0}, {20, 0}}}}, {"I-axis/J=1", {{{10, 10}, {20, 10}}}},
+              {"J-axis", {}}, {"J-axis/I=1", {{{10, 0}, {10, 10}}}}, {"J-axis/I=2", {{{20, 0}, {20, 10}}}}}},
+      {broken, {{"I-axis", {}}, {"I-axis/J=0", {{{0, 0}, {10, 0}}, {{30, 0}, {40, 0}}}}}},
+      {split, {}},
+  };
+  for (const auto& [m, want] : cases) {
+    Session s(MeshDoc({m}));
+    const json kids = s.runLayer(kGrid);
+    EXPECT_EQ(kids.size(), want.empty() ? 1u : 2u);
+    Lines got;
+    for (const auto& axis : kids.size() > 1 ? kids[0].at("children") : json::array()) {
+      const std::string name = axis.at("name");
+      got[name];
+      for (const auto& line : axis.at("children"))
+        got[name + "/" + line.at("name").get<std::string>()] = LinePaths(axis, line.at("name"));
+    }
+    EXPECT_EQ(got, want);
+  }
 }
 
 TEST(MeshGrid, TwoDigitLineNames) {
