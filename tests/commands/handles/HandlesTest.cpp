@@ -34,6 +34,15 @@ void ExpectUnchanged(const std::vector<AIRealPoint>& before, const GradientMesh&
   for (size_t k = 0; k < before.size(); ++k) EXPECT_PT_NEAR(before[k], after[k], 0.0);
 }
 
+// Runs id on one session of d with each modifier pair in turn: no node
+// handle moves.
+void ExpectHandlesStay(const MeshRecipe& d, int id, std::initializer_list<std::pair<bool, bool>> mods) {
+  Session s(d);
+  const auto before = AllNodeHandles(s.engine());
+  for (auto [alt, ctrl] : mods) s.run(id, alt, ctrl);
+  ExpectUnchanged(before, s.engine());
+}
+
 TEST(SmoothTest, PairsTurnAboutTheirMeanAngleOnTheChosenAxes) {
   // I handles at 0 and 1.4 rad, J handles at 2.0 and -0.9: the larger
   // angle of a pair ends at mean + pi/2, each handle keeps its length.
@@ -55,13 +64,7 @@ TEST(SmoothTest, PairsTurnAboutTheirMeanAngleOnTheChosenAxes) {
 TEST(SmoothTest, CornerNodesOnlyWithCtrlAlt) {
   MeshRecipe d = Centre({}, {{0, 0}, {2, 2}});
   d.handle[{0, 2, IF}] = Polar(d.P(0, 2), 3, 0.4);  // unselected corner
-  {
-    Session plain(d);
-    const auto before = AllNodeHandles(plain.engine());
-    plain.run(kCmdHandlesSmooth);
-    ExpectUnchanged(before, plain.engine());
-  }
-
+  ExpectHandlesStay(d, kCmdHandlesSmooth, {{false, false}});
   Session s(d);
   s.run(kCmdHandlesSmooth, true, true);
   const auto& m = s.engine();
@@ -95,12 +98,7 @@ TEST(OneThirdTest, HandlesGetAThirdOfTheChordToTheirNeighbour) {
 
 TEST(OneThirdTest, BetweenVariantsNeedBothEndsSelectedAndTheirAxis) {
   const auto handles = std::map<int, std::pair<double, double>>{{IF, {4, 0.3}}, {JF, {3, 1.2}}, {IB, {0, 0}}};
-  {
-    Session lone(Centre(handles));
-    const auto before = AllNodeHandles(lone.engine());
-    for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) lone.run(kCmdHandles1_3, alt, ctrl);
-    ExpectUnchanged(before, lone.engine());
-  }
+  ExpectHandlesStay(Centre(handles), kCmdHandles1_3, {{true, false}, {false, true}, {true, true}});
   const NodeSet sel{{1, 1}, {2, 1}, {1, 2}};
   for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) {
     MeshRecipe d = Centre(handles, sel);
