@@ -32,10 +32,13 @@ void ExpectUnchanged(const MeshState &m, int tag, int i, int j) {
   EXPECT_EQ(OpacityCode(m, i, j), Code(tag, i, j)) << "node (" << i << ", " << j << ")";
 }
 
-ImageRecipe Rgb(int w, int h, std::vector<double> matrix) {
+// A w x h image of numbered pixels (see Numbered) in the given space.
+ImageRecipe Image(int w, int h, std::vector<double> matrix, const char *space = "rgb", bool alpha = false) {
   ImageRecipe im;
   im.width = w;
   im.height = h;
+  im.space = space;
+  im.alpha = alpha;
   im.matrix = std::move(matrix);
   im.pixels = Numbered(im);
   return im;
@@ -52,7 +55,7 @@ double Inset(int i, int n) {
 
 TEST(CaptureFromRaster, PixelExactThroughATurnedScaledImageIntoSeveralMeshes) {
   // Turned a quarter, scaled by 8 and moved: pixel space to document.
-  const ImageRecipe im = Rgb(5, 4, {0, 8, -8, 0, 50, 20});
+  const ImageRecipe im = Image(5, 4, {0, 8, -8, 0, 50, 20});
   for (bool ctrl : {false, true}) {
     SCOPED_TRACE(ctrl ? "no edge correction" : "edge correction");
     // A: 2 x 1 cells over pixels (1..3, rows 3..2), all selected. B: 1 x 2
@@ -128,14 +131,8 @@ std::pair<json, double> Expected(const Kind &k, const std::vector<uint8_t> &px) 
 TEST(CaptureFromRaster, EveryColourSpaceWithAndWithoutAlpha) {
   for (const Kind &k : kKinds) {
     SCOPED_TRACE(k.name);
-    ImageRecipe im;
-    im.width = 3;
-    im.height = 2;
-    im.space = k.space;
-    im.alpha = k.alpha;
+    ImageRecipe im = Image(3, 2, {4, 0, 0, 4, 10, 10}, k.space, k.alpha);
     im.fill = k.fill;
-    im.matrix = {4, 0, 0, 4, 10, 10};
-    im.pixels = Numbered(im);
     Session s(Doc({MeshJson(OnPixels(0, im, 2, 1, 0, 1, Rect(0, 2, 0, 1))), ImageJson(im)}));
     s.run(kCapture, false, true, true, true);
     const MeshState out = s.mesh(0);
@@ -152,11 +149,8 @@ TEST(CaptureFromRaster, EveryColourSpaceWithAndWithoutAlpha) {
 // The checkboxes choose what a node takes; the other keeps its own paint.
 // The fill and alpha variants of gray images are rows of the table above.
 TEST(CaptureFromRaster, TheCheckboxesChooseColourOrOpacity) {
-  ImageRecipe im;
-  im.width = 2;
-  im.space = "gray";
+  ImageRecipe im = Image(2, 1, {10, 0, 0, 10, 0, 10}, "gray");
   im.pixels = {0, 255};
-  im.matrix = {10, 0, 0, 10, 0, 10};
   const MeshRecipe m = OnPixels(0, im, 1, 1, 0, 0, {{0, 0}, {1, 0}});
   for (auto [color, opacity] : {std::pair{true, false}, {false, true}, {false, false}}) {
     SCOPED_TRACE(testing::Message() << color << opacity);
@@ -180,7 +174,7 @@ TEST(CaptureFromRaster, TheCheckboxesChooseColourOrOpacity) {
 TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
   // A 3 x 3 pixel image over document 0..30 x 0..30 (row 0 at the top) and
   // a 2 x 2 mesh exactly on its outline.
-  const ImageRecipe im = Rgb(3, 3, {10, 0, 0, 10, 0, 30});
+  const ImageRecipe im = Image(3, 3, {10, 0, 0, 10, 0, 30});
   MeshRecipe m = Tagged(0, 2, 2, Rect(0, 2, 0, 2));
   m.dx = m.dy = 15;
   for (bool ctrl : {true, false}) {
@@ -209,15 +203,6 @@ TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
 
 // ---- Which image ----------------------------------------------------------
 
-ImageRecipe Plain(uint8_t r, uint8_t g, uint8_t b, bool selected) {
-  ImageRecipe im;
-  im.width = im.height = 2;
-  im.matrix = {20, 0, 0, 20, -5, 35};
-  im.pixels = {r, g, b, r, g, b, r, g, b, r, g, b};
-  im.selected = selected;
-  return im;
-}
-
 TEST(CaptureFromRaster, TheTopmostSelectedImageWins) {
   // Above the mesh an unselected image; below it two selected ones.
   Session s(Doc({ImageJson(Plain(1, 2, 3, false)), MeshJson(Tagged(0, 1, 1, Rect(0, 1, 0, 1))),
@@ -233,32 +218,25 @@ TEST(CaptureFromRaster, NothingToCaptureChangesNothing) {
   MeshRecipe unselected = m;
   unselected.selected = {};
   unselected.artSelected = false;
-  ImageRecipe otherPlaced = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
-  otherPlaced.type = "placed";
+  ImageRecipe otherPlaced = Plain(9, 9, 9, true, "placed");
   otherPlaced.placedType = 2;
-  struct Case {
-    const char *name;
-    bool alt, ctrl;
-    std::vector<json> arts;
+  const std::pair<const char *, std::vector<json>> cases[] = {
+      {"image not selected", {MeshJson(m), ImageJson(Plain(9, 9, 9, false))}},
+      {"no mesh", {MeshJson(unselected), ImageJson(Plain(9, 9, 9, true))}},
+      {"placed art of another kind", {MeshJson(m), ImageJson(otherPlaced)}},
   };
-  const Case cases[] = {
-      {"image not selected", false, false, {MeshJson(m), ImageJson(Plain(9, 9, 9, false))}},
-      {"no mesh", false, false, {MeshJson(unselected), ImageJson(Plain(9, 9, 9, true))}},
-      {"placed art of another kind", false, false, {MeshJson(m), ImageJson(otherPlaced)}},
-  };
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.name);
-    Session s(Doc(c.arts));
+  for (const auto &[name, arts] : cases) {
+    SCOPED_TRACE(name);
+    Session s(Doc(arts));
     const json before = s.written();
-    s.run(kCapture, c.alt, c.ctrl, true, false);
-    EXPECT_EQ(s.written(), before);
+    EXPECT_EQ(s.runWritten(kCapture, false, false, true, false), before);
   }
 }
 
 // ---- Placed images --------------------------------------------------------
 
 TEST(CaptureFromRaster, PlacedImageKeepsTheSelectionAndLeavesNoArt) {
-  ImageRecipe im = Rgb(4, 4, {10, 0, 0, 10, 0, 40});
+  ImageRecipe im = Image(4, 4, {10, 0, 0, 10, 0, 40});
   im.type = "placed";
   // A: few nodes selected, one of them beyond the image. B: most selected.
   MeshRecipe a = Tagged(0, 3, 2, {{0, 0}, {3, 1}}, {}, 15);

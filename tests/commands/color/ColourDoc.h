@@ -84,6 +84,17 @@ struct ImageRecipe {
   }
 };
 
+// A 2 x 2 RGB image of one colour over document -5..35 x -5..35.
+inline ImageRecipe Plain(uint8_t r, uint8_t g, uint8_t b, bool selected = true, std::string type = "raster") {
+  ImageRecipe im;
+  im.type = std::move(type);
+  im.width = im.height = 2;
+  im.matrix = {20, 0, 0, 20, -5, 35};
+  im.pixels = {r, g, b, r, g, b, r, g, b, r, g, b};
+  im.selected = selected;
+  return im;
+}
+
 // Pixels numbered so that every byte differs: byte k of the image is
 // (37 k + 11) mod 256.
 inline std::vector<uint8_t> Numbered(const ImageRecipe& s) {

@@ -42,7 +42,7 @@ TEST_P(Cutter, CutsAlongTheMarkedLineOnly) {
   for (auto n : c.selected) d.selectedNodes[n] = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = s.written();
-  const json doc = s.runWritten(kCutter);
+  const json doc = s.runWritten(kCmdSplit);
   if (c.cutI == 0 && c.cutJ == 0) {
     EXPECT_EQ(doc, before) << "a mesh wider than one cell with no cut line stays";
     return;
@@ -113,7 +113,7 @@ TEST_P(Bridge, NewLineRunsBetweenTheSelectedVertices) {
   d.runs[{axis, s1.first, s1.second}] = MakeRun(MeshDoc::NodeP(s1.first, s1.second), far(s1), c.side1);
   Session s(lbtest::DocJson({d.art()}));
   const json before = s.written();
-  const json doc = s.runWritten(kCutter);
+  const json doc = s.runWritten(kCmdSplit);
   if (!c.bridged) {
     EXPECT_EQ(doc, before);
     return;

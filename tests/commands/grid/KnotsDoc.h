@@ -25,15 +25,6 @@ using lbtest::Session;
 using nlohmann::json;
 using Pt = std::pair<double, double>;
 
-enum Cmd {
-  kMoveCorner = kCmdMoveCornerNode,
-  kKnots = kCmdKnotsToVertices,
-  kVertices = kCmdVerticesToKnots,
-  kCutter = kCmdSplit,
-  kMakeBmg = kCmdBmgCreate,
-  kFromBmg = kCmdBmgToMesh,
-};
-
 // A run as written: its points and the kinds of its interior anchors
 // ('k' knot, 'v' vertex, 'V' selected vertex).
 struct LineRun {

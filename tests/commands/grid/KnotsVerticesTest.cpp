@@ -50,7 +50,7 @@ TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   d.wholeSelected = c.whole;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = s.runLayer(kKnots)[0];
+  const json after = s.runLayer(kCmdKnotsToVertices)[0];
   // The surface is unchanged: every run keeps its points exactly.
   const lbtest::MeshContent got = lbtest::ReadMesh(after), want = lbtest::ReadMesh(before);
   ASSERT_EQ(got.runs.size(), want.runs.size());
@@ -73,48 +73,42 @@ TEST(KnotsVertices, RoundTripRestoresEveryRun) {
   d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = d.selectedNodes[{0, 1}] = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json mid = s.runLayer(kKnots)[0];
+  const json mid = s.runLayer(kCmdKnotsToVertices)[0];
   EXPECT_EQ(ReadRun(mid, 0, 0, 0).inner, "VV");
   EXPECT_EQ(ReadRun(mid, 1, 0, 0).inner, "V");
-  const json back = s.runLayer(kVertices)[0];
+  const json back = s.runLayer(kCmdVerticesToKnots)[0];
   EXPECT_TRUE(lbtest::SameContent(lbtest::ReadMesh(back), lbtest::ReadMesh(before), 0.0, true));
 }
 
-struct KnotsDelCase {
-  const char* name;
-  bool alt;
-};
-
-class KnotsDel : public ::testing::TestWithParam<KnotsDelCase> {};
-
-// Deleting the knots of a segment leaves one cubic with the segment's two
-// end handles; a segment with one unselected end keeps its knots, and the
-// vertex selection is as before.
-TEST_P(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
-  MeshDoc d = TwoCells();
-  d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
-  Session s(lbtest::DocJson({d.art()}));
-  const json before = Children(s.written())[0];
-  const json after = s.runLayer(kKnots, GetParam().alt, !GetParam().alt)[0];
-  const LineRun old = ReadRun(before, 0, 0, 0);
-  const LineRun got = ReadRun(after, 0, 0, 0);
-  EXPECT_EQ(got.inner, "");
-  EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
-  EXPECT_TRUE(SamePoints(ReadRun(after, 0, 1, 0).points, ReadRun(before, 0, 1, 0).points, 0.0));
-  EXPECT_EQ(ReadRun(after, 1, 0, 0).inner, "k");
-  for (int j = 0; j <= 1; ++j)
-    for (int i = 0; i <= 2; ++i)
-      EXPECT_EQ(NodeAt(after, i, j).value("selected", false), NodeAt(before, i, j).value("selected", false));
+// Deleting the knots of a segment (Alt: corrected, Ctrl: plain) leaves one
+// cubic with the segment's two end handles; a segment with one unselected
+// end keeps its knots, and the vertex selection is as before.
+TEST(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
+  for (bool alt : {true, false}) {
+    SCOPED_TRACE(alt ? "corrected" : "plain");
+    MeshDoc d = TwoCells();
+    d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
+    Session s(lbtest::DocJson({d.art()}));
+    const json before = Children(s.written())[0];
+    const json after = s.runLayer(kCmdKnotsToVertices, alt, !alt)[0];
+    const LineRun old = ReadRun(before, 0, 0, 0);
+    const LineRun got = ReadRun(after, 0, 0, 0);
+    EXPECT_EQ(got.inner, "");
+    EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
+    EXPECT_TRUE(SamePoints(ReadRun(after, 0, 1, 0).points, ReadRun(before, 0, 1, 0).points, 0.0));
+    EXPECT_EQ(ReadRun(after, 1, 0, 0).inner, "k");
+    for (int j = 0; j <= 1; ++j)
+      for (int i = 0; i <= 2; ++i)
+        EXPECT_EQ(NodeAt(after, i, j).value("selected", false), NodeAt(before, i, j).value("selected", false));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Variants, KnotsDel, ::testing::Values(KnotsDelCase{"Corrected", true}, KnotsDelCase{"Plain", false}), lbtest::ByName());
 
 TEST(KnotsDel, WholeMeshLosesEveryKnot) {
   MeshDoc d = TwoCells();
   d.wholeSelected = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = s.runLayer(kKnots, true, false)[0];
+  const json after = s.runLayer(kCmdKnotsToVertices, true, false)[0];
   // LineRun I(1, 0) holds a vertex: only the knot after it goes.
   for (auto [axis, i, j] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 0}}) {
     const LineRun old = ReadRun(before, axis, i, j), got = ReadRun(after, axis, i, j);
@@ -166,7 +160,7 @@ TEST_P(VerticesDel, RemovesSelectedVerticesAndKeepsTheNodeSelection) {
   d.selectedNodes[{si, sj}] = true;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
-  const json after = s.runLayer(kVertices, c.corrected, !c.corrected)[0];
+  const json after = s.runLayer(kCmdVerticesToKnots, c.corrected, !c.corrected)[0];
   const std::vector<Pt> o = ReadRun(before, 0, 0, 0).points;
   std::vector<Pt> want;
   for (int k : c.kept) want.push_back(o[static_cast<size_t>(k)]);

@@ -92,7 +92,7 @@ TEST_P(MoveCorner, CornerLandsOnTheVertexAndTheOutlineStays) {
   const Pt target = r.points[3 * vAnchor];
   const Pt corner = P(NodeAt(before, ci[c.corner], cj[c.corner]).at("p"));
 
-  const json after = Children(s.runWritten(kMoveCorner))[0];
+  const json after = Children(s.runWritten(kCmdMoveCornerNode))[0];
   EXPECT_EQ(P(NodeAt(after, ci[c.corner], cj[c.corner]).at("p")), target);
   EXPECT_TRUE(NodeAt(after, ci[c.corner], cj[c.corner]).value("selected", false));
 
@@ -153,7 +153,7 @@ TEST_P(MoveCornerRefusal, ChangesNothing) {
   if (c.twoMeshes) arts.push_back(d.art());
   Session s(lbtest::DocJson(arts));
   const json before = s.written();
-  EXPECT_EQ(s.runWritten(kMoveCorner), before);
+  EXPECT_EQ(s.runWritten(kCmdMoveCornerNode), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, MoveCornerRefusal, ::testing::ValuesIn(kRefusals), lbtest::ByName());

@@ -12,15 +12,11 @@ constexpr double kTol = 1e-9;
 using lb::host::GradientMesh;
 using lb::host::VertexId;
 
-// The default mesh of these tests: 2 x 2 cells of 30 x 24.
-MeshRecipe Cells30x24() {
+// The mesh of these tests, 2 x 2 cells of 30 x 24, with handles of node
+// (1, 1) given by length and angle.
+MeshRecipe Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
   MeshRecipe d;
   d.dx = 30, d.dy = 24;
-  return d;
-}
-
-MeshRecipe Centre(std::map<int, std::pair<double, double>> handles, NodeSet sel = {{1, 1}}) {
-  MeshRecipe d = Cells30x24();
   d.selected = std::move(sel);
   for (auto [dir, la] : handles) d.handle[{1, 1, dir}] = Polar(d.P(1, 1), la.first, la.second);
   return d;
@@ -36,6 +32,15 @@ void ExpectUnchanged(const std::vector<AIRealPoint>& before, const GradientMesh&
   const auto after = AllNodeHandles(m);
   ASSERT_EQ(before.size(), after.size());
   for (size_t k = 0; k < before.size(); ++k) EXPECT_PT_NEAR(before[k], after[k], 0.0);
+}
+
+// Runs id on one session of d with each modifier pair in turn: no node
+// handle moves.
+void ExpectHandlesStay(const MeshRecipe& d, int id, std::initializer_list<std::pair<bool, bool>> mods) {
+  Session s(d);
+  const auto before = AllNodeHandles(s.engine());
+  for (auto [alt, ctrl] : mods) s.run(id, alt, ctrl);
+  ExpectUnchanged(before, s.engine());
 }
 
 TEST(SmoothTest, PairsTurnAboutTheirMeanAngleOnTheChosenAxes) {
@@ -59,13 +64,7 @@ TEST(SmoothTest, PairsTurnAboutTheirMeanAngleOnTheChosenAxes) {
 TEST(SmoothTest, CornerNodesOnlyWithCtrlAlt) {
   MeshRecipe d = Centre({}, {{0, 0}, {2, 2}});
   d.handle[{0, 2, IF}] = Polar(d.P(0, 2), 3, 0.4);  // unselected corner
-  {
-    Session plain(d);
-    const auto before = AllNodeHandles(plain.engine());
-    plain.run(kCmdHandlesSmooth);
-    ExpectUnchanged(before, plain.engine());
-  }
-
+  ExpectHandlesStay(d, kCmdHandlesSmooth, {{false, false}});
   Session s(d);
   s.run(kCmdHandlesSmooth, true, true);
   const auto& m = s.engine();
@@ -99,12 +98,7 @@ TEST(OneThirdTest, HandlesGetAThirdOfTheChordToTheirNeighbour) {
 
 TEST(OneThirdTest, BetweenVariantsNeedBothEndsSelectedAndTheirAxis) {
   const auto handles = std::map<int, std::pair<double, double>>{{IF, {4, 0.3}}, {JF, {3, 1.2}}, {IB, {0, 0}}};
-  {
-    Session lone(Centre(handles));
-    const auto before = AllNodeHandles(lone.engine());
-    for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) lone.run(kCmdHandles1_3, alt, ctrl);
-    ExpectUnchanged(before, lone.engine());
-  }
+  ExpectHandlesStay(Centre(handles), kCmdHandles1_3, {{true, false}, {false, true}, {true, true}});
   const NodeSet sel{{1, 1}, {2, 1}, {1, 2}};
   for (auto [alt, ctrl] : {std::pair{true, false}, {false, true}, {true, true}}) {
     MeshRecipe d = Centre(handles, sel);

@@ -22,10 +22,13 @@ std::map<Inner, bool> AroundRegion() {
 
 // One command on one mesh: the nodes selected afterwards and the selection
 // of some non-node vertices. No selection command ever moves paint.
+// Modifier pairs a case holds for: bit m for mods m (bit 0 of mods Alt, bit 1 Ctrl).
+constexpr int kNoKey = 1, kAlt = 2, kCtrl = 4, kCtrlAlt = 8, kAnyKeys = 15;
+
 struct Case {
   const char* what;
   int id;
-  bool alt, ctrl;
+  int modsMask;
   MeshRecipe mesh;
   NodeSet nodes;
   std::map<Inner, bool> inner;
@@ -50,50 +53,47 @@ const std::map<Inner, bool> kAroundFilled{{{2, 1, 'J'}, true},  {{1, 1, 'J'}, tr
 
 const Case kCases[] = {
     // Select all region vertices: the whole rectangle, whatever the keys.
-    {"region", kCmdSelRegion, false, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
-    {"region Alt", kCmdSelRegion, true, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
-    {"region Ctrl", kCmdSelRegion, false, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
-    {"region Ctrl+Alt", kCmdSelRegion, true, true, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
-    {"a lone vertex grows to its cell side", kCmdSelRegion, false, false, Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}), {{2, 1}, {2, 2}}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}},
+    {"region", kCmdSelRegion, kAnyKeys, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
+    {"a lone vertex grows to its cell side", kCmdSelRegion, kNoKey, Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}), {{2, 1}, {2, 2}}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}},
     // Select region perimeter: the ring, its rows (Alt) or its columns (Ctrl).
-    {"perimeter", kCmdSelPerim, false, false, kRing, Join(kRingRows, kRingCols), {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
-    {"perimeter rows", kCmdSelPerim, true, false, kRing, kRingRows, {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, false}}},
-    {"perimeter columns", kCmdSelPerim, false, true, kRing, kRingCols, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
-    {"perimeter Ctrl+Alt", kCmdSelPerim, true, true, kRing, Join(kRingRows, kRingCols), {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
-    {"rows of a two-row region leave its column vertices out", kCmdSelPerim, true, false, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), {{{1, 2, 'I'}, true}, {{2, 1, 'J'}, false}, {{1, 1, 'J'}, false}}},
-    {"perimeter of a single node", kCmdSelPerim, false, false, Coded(3, 3, {{2, 1}}), {{2, 1}}, {}},
+    {"perimeter", kCmdSelPerim, kNoKey | kCtrlAlt, kRing, Join(kRingRows, kRingCols), {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"perimeter rows", kCmdSelPerim, kAlt, kRing, kRingRows, {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, false}, {{2, 1, 'J'}, false}}},
+    {"perimeter columns", kCmdSelPerim, kCtrl, kRing, kRingCols, {{{1, 1, 'I'}, false}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
+    {"rows of a two-row region leave its column vertices out", kCmdSelPerim, kAlt, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), {{{1, 2, 'I'}, true}, {{2, 1, 'J'}, false}, {{1, 1, 'J'}, false}}},
+    {"perimeter of a single node", kCmdSelPerim, kNoKey, Coded(3, 3, {{2, 1}}), {{2, 1}}, {}},
     // Select all vertices in selected rows/columns, edge to edge.
-    {"cross", kCmdSelCross, false, false, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
-    {"cross rows", kCmdSelCross, true, false, kCross, Rect(0, 4, 3, 3), {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
-    {"cross columns", kCmdSelCross, false, true, kCross, Rect(2, 2, 0, 4), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}}},
-    {"cross Ctrl+Alt", kCmdSelCross, true, true, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
-    {"a selected vertex marks only its own row", kCmdSelCross, false, true, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), {}, {{{0, 1, 'I'}, false}}},
-    {"a selected vertex's row", kCmdSelCross, false, false, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), Rect(0, 3, 1, 1), {{{0, 1, 'I'}, true}}},
-    {"rows between selected rows stay out", kCmdSelCross, true, false, Coded(2, 3, {{0, 0}, {2, 2}}), Join(Rect(0, 2, 0, 0), Rect(0, 2, 2, 2)), {}},
+    {"cross", kCmdSelCross, kNoKey | kCtrlAlt, kCross, Join(Rect(0, 4, 3, 3), Rect(2, 2, 0, 4)), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"cross rows", kCmdSelCross, kAlt, kCross, Rect(0, 4, 3, 3), {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, true}, {{1, 1, 'I'}, false}}},
+    {"cross columns", kCmdSelCross, kCtrl, kCross, Rect(2, 2, 0, 4), {{{2, 0, 'J'}, true}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}}},
+    {"a selected vertex marks only its own row", kCmdSelCross, kCtrl, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), {}, {{{0, 1, 'I'}, false}}},
+    {"a selected vertex's row", kCmdSelCross, kNoKey, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), Rect(0, 3, 1, 1), {{{0, 1, 'I'}, true}}},
+    {"rows between selected rows stay out", kCmdSelCross, kAlt, Coded(2, 3, {{0, 0}, {2, 2}}), Join(Rect(0, 2, 0, 0), Rect(0, 2, 2, 2)), {}},
     // Shift selected nodes: wraps within each line in all four directions.
-    {"shift I", kCmdSelShift, false, false, kShift, {{0, 0}, {2, 2}}, kShiftInner},
-    {"shift I'", kCmdSelShift, true, false, kShift, {{2, 0}, {0, 2}}, kShiftInner},
-    {"shift J", kCmdSelShift, false, true, kShift, {{3, 1}, {1, 0}}, kShiftInner},
-    {"shift J'", kCmdSelShift, true, true, kShift, {{3, 2}, {1, 1}}, kShiftInner},
+    {"shift I", kCmdSelShift, kNoKey, kShift, {{0, 0}, {2, 2}}, kShiftInner},
+    {"shift I'", kCmdSelShift, kAlt, kShift, {{2, 0}, {0, 2}}, kShiftInner},
+    {"shift J", kCmdSelShift, kCtrl, kShift, {{3, 1}, {1, 0}}, kShiftInner},
+    {"shift J'", kCmdSelShift, kCtrlAlt, kShift, {{3, 2}, {1, 1}}, kShiftInner},
     // Select nodes / vertices: keeps one kind, only ever deselects.
-    {"nodes only", kCmdSel, false, false, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {{0, 0}, {2, 2}}, {{{0, 0, 'I'}, false}, {{1, 0, 'J'}, false}, {{1, 1, 'I'}, false}}},
-    {"vertices only", kCmdSel, true, false, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {}, kMixed},
+    {"nodes only", kCmdSel, kNoKey, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {{0, 0}, {2, 2}}, {{{0, 0, 'I'}, false}, {{1, 0, 'J'}, false}, {{1, 1, 'I'}, false}}},
+    {"vertices only", kCmdSel, kAlt, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {}, kMixed},
 };
 
 TEST(SelectCommands, EveryCase) {
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.what);
-    Session s(c.mesh);
-    s.run(c.id, c.alt, c.ctrl);
-    const MeshState m = s.mesh(0);
-    EXPECT_EQ(m.selectedNodes(), c.nodes);
-    for (const auto& [key, selected] : c.inner) {
-      const auto [i, j, axis] = key;
-      EXPECT_EQ(m.innerSel(i, j, axis), selected) << "vertex on run " << axis << " from (" << i << ", " << j << ")";
+  for (const Case& c : kCases)
+    for (int mods = 0; mods < 4; ++mods) {
+      if (!(c.modsMask & (1 << mods))) continue;
+      SCOPED_TRACE(testing::Message() << c.what << " mods " << mods);
+      Session s(c.mesh);
+      s.run(c.id, mods & 1, mods & 2);
+      const MeshState m = s.mesh(0);
+      EXPECT_EQ(m.selectedNodes(), c.nodes);
+      for (const auto& [key, selected] : c.inner) {
+        const auto [i, j, axis] = key;
+        EXPECT_EQ(m.innerSel(i, j, axis), selected) << "vertex on run " << axis << " from (" << i << ", " << j << ")";
+      }
+      for (int j = 0; j <= m.J; ++j)
+        for (int i = 0; i <= m.I; ++i) EXPECT_EQ(m.colorFrom(i, j), m.nodeNo(i, j)) << "paint moved";
     }
-    for (int j = 0; j <= m.J; ++j)
-      for (int i = 0; i <= m.I; ++i) EXPECT_EQ(m.colorFrom(i, j), m.nodeNo(i, j)) << "paint moved";
-  }
 }
 
 TEST(SelectRegion, EmptySelectionStaysEmptyAndWholeMeshStaysWhole) {

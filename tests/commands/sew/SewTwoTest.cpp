@@ -2,8 +2,11 @@
 // through the loaded plug-in: every modifier variant on small meshes, the
 // paint of seam nodes for mixed colour kinds, side equalisation, knots on
 // the seam, selection-guided sides, paint order and selection of the
-// result (one selected mesh is refused in tests/commands/EveryCommandTest).
+// result, and every pair of sides laid together (one selected mesh is
+// refused in tests/commands/EveryCommandTest).
 #include <gtest/gtest.h>
+
+#include <set>
 
 #include "support/Session.h"
 
@@ -121,13 +124,20 @@ struct Split {
   int small, big;
   bool smallFirst;
   std::vector<double> lines;  // h of the small mesh's nodes along its side, after the split
+  std::vector<double> opacities;  // of those nodes on the small mesh's far side (empty: not checked)
 };
 
 // The small mesh is 30 units wide; its cells become cnt[k] equal parts.
+// Node opacities 0.1, 0.4, 0.7, 1.0 along it: an inserted line gets
+// A + (B - A) t with A, B read before the cell is split and t = (r - 1) / r
+// of each insertion, so a cell split in three gets A + (B - A) / 2 and
+// A + (B - A) 2 / 3 on its inner lines.
 const Split kSplits[] = {
-    {"ThreeToEight", 3, 8, true, {0, 5, 10, 10 + 10.0 / 3, 10 + 20.0 / 3, 20, 20 + 10.0 / 3, 20 + 20.0 / 3, 30}},
-    {"EightToThreeSecond", 3, 8, false, {0, 5, 10, 10 + 10.0 / 3, 10 + 20.0 / 3, 20, 20 + 10.0 / 3, 20 + 20.0 / 3, 30}},
-    {"TwoToSeven", 2, 7, true, {0, 5, 10, 15, 18.75, 22.5, 26.25, 30}},
+    {"ThreeToEight", 3, 8, true, {0, 5, 10, 10 + 10.0 / 3, 10 + 20.0 / 3, 20, 20 + 10.0 / 3, 20 + 20.0 / 3, 30},
+     {0.1, 0.25, 0.4, 0.55, 0.6, 0.7, 0.85, 0.9, 1.0}},
+    {"EightToThreeSecond", 3, 8, false, {0, 5, 10, 10 + 10.0 / 3, 10 + 20.0 / 3, 20, 20 + 10.0 / 3, 20 + 20.0 / 3, 30},
+     {0.1, 0.25, 0.4, 0.55, 0.6, 0.7, 0.85, 0.9, 1.0}},
+    {"TwoToSeven", 2, 7, true, {0, 5, 10, 15, 18.75, 22.5, 26.25, 30}, {}},
 };
 
 class EachSplit : public ::testing::TestWithParam<Split> {};
@@ -137,7 +147,7 @@ TEST_P(EachSplit, InsertsGridLinesWhereTheCountsSay) {
   MeshRecipe small = Lower(), big = Upper();
   small.I = sp.small;
   small.dx = 30.0 / sp.small;
-  small.opacityAt = [](int i, int) { return 0.1 * (i % 4); };
+  small.opacityAt = [](int i, int) { return 0.1 + 0.3 * i; };
   big.I = sp.big;
   big.dx = 30.0 / sp.big;
   big.y0 = 20;  // a gap: the added row spans it
@@ -146,65 +156,49 @@ TEST_P(EachSplit, InsertsGridLinesWhereTheCountsSay) {
   const json mesh = s.runLayer(kCmdSewMeshAdd)[0];
   ASSERT_EQ(mesh.at("size")[0], sp.big);
   ASSERT_EQ(mesh.at("size")[1], 3);
-  // The small mesh's row at the seam: the small mesh lies below the big
-  // one in either order, so it is row 1.
-  const int j = 1;
+  // The small mesh lies below the big one in either order: its far side
+  // is row 0, its side at the seam row 1.
   for (int i = 0; i <= sp.big; ++i) {
-    const json& n = NodeAt(mesh, i, j);
+    const json& n = NodeAt(mesh, i, 1);
     EXPECT_NEAR(n.at("p")[0].get<double>(), sp.lines[static_cast<size_t>(i)], 1e-9) << "node " << i;
     EXPECT_NEAR(n.at("p")[1].get<double>(), 10.0, 1e-9) << "node " << i;
+    if (!sp.opacities.empty()) {
+      EXPECT_NEAR(NodeAt(mesh, i, 0).at("opacity").get<double>(), sp.opacities[static_cast<size_t>(i)], 1e-12)
+          << "node " << i;
+    }
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Sew, EachSplit, ::testing::ValuesIn(kSplits), lbtest::ByName());
 
-// Opacity of inserted lines: A + (B - A) t with A, B read before the cell
-// is split and t = (r - 1) / r of each insertion, so a cell split in three
-// gets A + (B - A) / 2 and A + (B - A) 2 / 3 on its inner lines.
-TEST(SewEqualise, InsertedLinesOpacity) {
-  MeshRecipe small = Lower(), big = Upper();
-  small.I = 3;
-  small.opacityAt = [](int i, int) { return 0.1 + 0.3 * i; };  // 0.1, 0.4, 0.7, 1.0
-  big.I = 8;
-  big.dx = 30.0 / 8;
-  big.y0 = 20;
-  Session s(DocJson({MeshJson(small), MeshJson(big)}));
-  const json mesh = s.runLayer(kCmdSewMeshAdd)[0];
-  const double want[9] = {0.1, 0.25, 0.4, 0.55, 0.6, 0.7, 0.85, 0.9, 1.0};
-  for (int i = 0; i <= 8; ++i)
-    EXPECT_NEAR(NodeAt(mesh, i, 0).at("opacity").get<double>(), want[i], 1e-12) << "node " << i;
-}
-
 // Knots: a's top side bulges through one knot; b's bottom side is straight
 // (one cubic) or has a non-node vertex in the middle. b's side gets a knot
 // at its middle (or its vertex becomes one) and both sides take the
 // average of the two curves, control point by control point.
-class SeamKnots : public ::testing::TestWithParam<bool> {};
-
-TEST_P(SeamKnots, SeamTakesTheMiddleCurve) {
-  json a = MeshJson(Lower());
-  a["runs"] = json::array({{{"node", {0, 1}},
-                            {"axis", "I"},
-                            {"points", {{0, 10}, {2, 11}, {4, 12}, {5, 12}, {6, 12}, {8, 11}, {10, 10}}},
-                            {"inner", {{{"kind", "knot"}}}}}});
-  json b = MeshJson(Upper());
-  if (GetParam())
-    b["runs"] = json::array(
-        {{{"node", {0, 0}},
-          {"axis", "I"},
-          {"points", {{0, 10}, {5.0 / 3, 10}, {10.0 / 3, 10}, {5, 10}, {20.0 / 3, 10}, {25.0 / 3, 10}, {10, 10}}},
-          {"inner", {{{"kind", "vertex"}, {"selected", false}, {"smooth", {true, true}}}}}}});
-  Session s(DocJson({a, b}));
-  const json mesh = s.runLayer(kCmdSewMeshMove)[0];
-  const json& seam = RunAt(mesh, 0, 1, 'I');
-  ASSERT_EQ(seam.at("inner").size(), 1u);
-  EXPECT_EQ(seam.at("inner")[0].at("kind"), "knot");
-  EXPECT_TRUE(SamePoints(PointsOf(seam.at("points")),
-                         {{0, 10}, {11.0 / 6, 10.5}, {11.0 / 3, 11}, {5, 11}, {19.0 / 3, 11}, {49.0 / 6, 10.5}, {10, 10}}, 1e-9));
+TEST(SeamKnots, SeamTakesTheMiddleCurve) {
+  for (bool vertexOnB : {false, true}) {
+    SCOPED_TRACE(vertexOnB ? "vertex on b" : "straight b");
+    json a = MeshJson(Lower());
+    a["runs"] = json::array({{{"node", {0, 1}},
+                              {"axis", "I"},
+                              {"points", {{0, 10}, {2, 11}, {4, 12}, {5, 12}, {6, 12}, {8, 11}, {10, 10}}},
+                              {"inner", {{{"kind", "knot"}}}}}});
+    json b = MeshJson(Upper());
+    if (vertexOnB)
+      b["runs"] = json::array(
+          {{{"node", {0, 0}},
+            {"axis", "I"},
+            {"points", {{0, 10}, {5.0 / 3, 10}, {10.0 / 3, 10}, {5, 10}, {20.0 / 3, 10}, {25.0 / 3, 10}, {10, 10}}},
+            {"inner", {{{"kind", "vertex"}, {"selected", false}, {"smooth", {true, true}}}}}}});
+    Session s(DocJson({a, b}));
+    const json mesh = s.runLayer(kCmdSewMeshMove)[0];
+    const json& seam = RunAt(mesh, 0, 1, 'I');
+    ASSERT_EQ(seam.at("inner").size(), 1u);
+    EXPECT_EQ(seam.at("inner")[0].at("kind"), "knot");
+    EXPECT_TRUE(SamePoints(PointsOf(seam.at("points")),
+                           {{0, 10}, {11.0 / 6, 10.5}, {11.0 / 3, 11}, {5, 11}, {19.0 / 3, 11}, {49.0 / 6, 10.5}, {10, 10}}, 1e-9));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Sew, SeamKnots, ::testing::Bool(),
-                         [](const auto& info) { return std::string(info.param ? "VertexOnB" : "StraightB"); });
 
 // Moving vertices: handles across the seam move with their node.
 TEST(SewMove, HandlesAcrossTheSeamMoveWithTheNode) {
@@ -290,6 +284,114 @@ TEST(SewResult, ThirdSelectedMeshStaysSelected) {
   EXPECT_EQ(kids[1].at("id"), "c");
   EXPECT_TRUE(kids[1].at("selected").get<bool>());
 }
+
+// Every pair of sides (s1 of the first mesh, s2 of the second) in both
+// directions along the seam: the second mesh is laid against the first so
+// that its side s2 lies on the first's side s1, and the sewn mesh must be
+// the lattice of both (moving vertices: one shared seam line; adding a
+// row: the two seam lines coincide, one row of zero-length segments apart).
+
+constexpr double kStep = 10.0;
+constexpr int kI1 = 2, kJ1 = 3, kDepth2 = 2;
+
+struct Case {
+  int s1, s2;
+  bool same;
+};
+
+std::vector<Case> AllCases() {
+  std::vector<Case> out;
+  for (int s1 = 0; s1 < 4; ++s1)
+    for (int s2 = 0; s2 < 4; ++s2)
+      for (bool same : {true, false}) out.push_back({s1, s2, same});
+  return out;
+}
+
+// The second mesh: its side s2 on the first mesh's side s1, extending
+// outward by kDepth2 cells; `same` walks both sides the same way.
+json SecondMesh(const Case& c) {
+  const int n = c.s1 % 2 == 0 ? kI1 : kJ1;  // cells along the seam
+  const int I = c.s2 % 2 == 0 ? n : kDepth2, J = c.s2 % 2 == 0 ? kDepth2 : n;
+  // Seam start, direction along it and outward normal of the first mesh.
+  const double S[4][2] = {{0, 0}, {kI1 * kStep, 0}, {0, kJ1 * kStep}, {0, 0}};
+  const double U[4][2] = {{1, 0}, {0, 1}, {1, 0}, {0, 1}};
+  const double N[4][2] = {{0, -1}, {1, 0}, {0, 1}, {-1, 0}};
+  MeshRecipe g = Cells(1, 1);
+  g.I = I;
+  g.J = J;
+  g.id = "b";
+  json art = MeshJson(g);
+  art.erase("runs");  // the nodes move below; runs stay straight between them
+  for (int j = 0; j <= J; ++j)
+    for (int i = 0; i <= I; ++i) {
+      int t = 0, d = 0;
+      switch (c.s2) {
+        case 0: t = i, d = j; break;
+        case 1: t = j, d = I - i; break;
+        case 2: t = i, d = J - j; break;
+        default: t = j, d = i; break;
+      }
+      if (!c.same) t = n - t;
+      const double h = S[c.s1][0] + kStep * (t * U[c.s1][0] + d * N[c.s1][0]);
+      const double v = S[c.s1][1] + kStep * (t * U[c.s1][1] + d * N[c.s1][1]);
+      art["nodes"][static_cast<size_t>(j * (I + 1) + i)]["p"] = {h, v};
+    }
+  return art;
+}
+
+class EachSidePair : public ::testing::TestWithParam<Case> {};
+
+TEST_P(EachSidePair, SewnMeshIsTheLatticeOfBoth) {
+  const Case& c = GetParam();
+  MeshRecipe a = Cells(1, 1);
+  a.I = kI1;
+  a.J = kJ1;
+  a.id = "a";
+  const json b = SecondMesh(c);
+  std::set<P> want;
+  for (const json& m : {MeshJson(a), b})
+    for (const auto& p : Positions(m)) want.insert(p);
+  for (int addRow = 0; addRow < 2; ++addRow) {
+    Session s(DocJson({MeshJson(a), b}));
+    const json kids = Children(s.runWritten(addRow ? kCmdSewMeshAdd : kCmdSewMeshMove));
+    ASSERT_EQ(kids.size(), 1u);
+    const json& mesh = kids[0];
+    const int I = mesh.at("size")[0], J = mesh.at("size")[1];
+    const int wantI = c.s1 % 2 == 0 ? kI1 : kI1 + kDepth2 + addRow;
+    const int wantJ = c.s1 % 2 == 0 ? kJ1 + kDepth2 + addRow : kJ1;
+    EXPECT_EQ(I, wantI) << "add row " << addRow;
+    EXPECT_EQ(J, wantJ) << "add row " << addRow;
+    const auto got = Positions(mesh);
+    EXPECT_EQ(std::set<P>(got.begin(), got.end()), want) << "add row " << addRow;
+    // Neighbours are one step apart, except across the added row.
+    int zero = 0;
+    for (int j = 0; j <= J; ++j)
+      for (int i = 0; i <= I; ++i)
+        for (const auto& [di, dj] : {std::pair{1, 0}, std::pair{0, 1}}) {
+          if (i + di > I || j + dj > J) continue;
+          const P p = got[static_cast<size_t>(j * (I + 1) + i)];
+          const P q = got[static_cast<size_t>((j + dj) * (I + 1) + i + di)];
+          const double d = std::hypot(q.first - p.first, q.second - p.second);
+          if (d == 0.0) {
+            ++zero;
+          } else {
+            EXPECT_NEAR(d, kStep, 1e-9) << "nodes (" << i << ", " << j << ") +(" << di << ", " << dj << ")";
+          }
+        }
+    const int seamNodes = (c.s1 % 2 == 0 ? kI1 : kJ1) + 1;
+    EXPECT_EQ(zero, addRow ? seamNodes : 0);
+    // The first mesh keeps its orientation: its node (0, 0) stays the
+    // lowest-index node of its part.
+    const int offI = c.s1 == 3 ? I - kI1 : 0, offJ = c.s1 == 0 ? J - kJ1 : 0;
+    EXPECT_EQ(got[static_cast<size_t>(offJ * (I + 1) + offI)], (P{0, 0}));
+    EXPECT_EQ(got[static_cast<size_t>((offJ + kJ1) * (I + 1) + offI + kI1)], (P{kI1 * kStep, kJ1 * kStep}));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sew, EachSidePair, ::testing::ValuesIn(AllCases()), [](const auto& info) {
+  const Case& c = info.param;
+  return "S" + std::to_string(c.s1) + "toS" + std::to_string(c.s2) + (c.same ? "Same" : "Opposite");
+});
 
 }  // namespace
 }  // namespace lbtest

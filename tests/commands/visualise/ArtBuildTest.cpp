@@ -8,13 +8,13 @@
 namespace vistest {
 namespace {
 
-// One Linked session on a layer holding an empty group "G" and a style
-// "S"; the unicode-string suite, which the frame acquires, set by hand.
+// One Linked session on a layer holding an empty group "G"; the
+// unicode-string suite, which the frame acquires, set by hand.
 class ArtBuild : public lbtest::LinkedTest {
  protected:
   void SetUp() override {
     const json group = {{"type", "group"}, {"name", "G"}, {"children", json::array()}};
-    Load(StyledDoc({group}, json::array({Style("S", 2.5)})));
+    Load(DocJson({group}));
     sAIUnicodeString = static_cast<const AIUnicodeStringSuite*>(
         lb::host::findSuite(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion));
     ASSERT_TRUE(sAIUnicodeString);
@@ -64,18 +64,6 @@ TEST_F(ArtBuild, NoGroupPutsThePathAboveAllAndNoNameKeepsTheDefault) {
   EXPECT_EQ(layer[0].at("type"), "path");
   EXPECT_EQ(layer[0].at("name"), "");
   EXPECT_TRUE(layer[1].at("children").empty());
-}
-
-TEST_F(ArtBuild, GraphicStyleReplacesTheLook) {
-  AIArtStyleHandle style = ZF_FindStyle("S");
-  ASSERT_NE(style, nullptr);
-  EXPECT_EQ(ZF_FindStyle("missing"), nullptr);
-  EXPECT_EQ(ZF_FindStyleOr("missing", style), style);
-  const AIRealPoint a{0, 0}, b{1, 0};
-  MakeLine(&a, &b, group_, "styled", style);
-  const json p = Layer()[0].at("children")[0];
-  EXPECT_EQ(p.at("graphicStyle"), "S");
-  EXPECT_EQ(p.at("stroke").at("width"), 2.5);
 }
 
 TEST_F(ArtBuild, SquareMarkOfHalfSideZeroIsFourCoincidentPoints) {

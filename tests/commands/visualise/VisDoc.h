@@ -38,15 +38,11 @@ inline json Style(const std::string& name, double width) {
   return {{"name", name}, {"fill", nullptr}, {"stroke", {{"color", {{"rgb", {0, 1, 0}}}}, {"width", width}}}};
 }
 
-// One layer with the given art, first on top, and the styles.
-inline json StyledDoc(const std::vector<json>& children, const json& styles = json::array()) {
-  json doc = DocJson(children);
+// One layer with the meshes, first on top, and the styles.
+inline json MeshDoc(const std::vector<MeshRecipe>& meshes, const json& styles = json::array()) {
+  json doc = DocJson(lbtest::MeshJsons(meshes));
   if (!styles.empty()) doc["styles"] = styles;
   return doc;
-}
-
-inline json MeshDoc(const std::vector<MeshRecipe>& meshes, const json& styles = json::array()) {
-  return StyledDoc(lbtest::MeshJsons(meshes), styles);
 }
 
 // Names of the art in a list, top first.
@@ -63,12 +59,6 @@ inline const json& Child(const json& art, const std::string& name) {
     if (c.at("name") == name) return c;
   ADD_FAILURE() << "no child named " << name << " in " << art.value("name", "?");
   return none;
-}
-
-inline bool HasChild(const json& art, const std::string& name) {
-  for (const auto& c : art.at("children"))
-    if (c.at("name") == name) return true;
-  return false;
 }
 
 // Anchors of a path.
