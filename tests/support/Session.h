@@ -53,12 +53,10 @@ class Session {
   json runLayer(int id, bool alt = false, bool ctrl = false);
   MeshState mesh(size_t k);          // k-th art of the first layer, written
   MeshContent content(size_t k);
-  // The k-th art of the first layer (or the art with `id`) in the host.
+  // The k-th art of the first layer in the host.
   ArtObject* art(size_t k);
-  ArtObject* art(const std::string& id);
   size_t artCount();
   lb::host::GradientMesh& engine(size_t k = 0);
-  lb::host::GradientMesh& engine(const std::string& id);
   lb::host::Host& host() { return *host_; }
   // The host's counters are back at the session's start.
   bool balanced() const;
