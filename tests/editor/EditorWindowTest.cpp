@@ -10,8 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cairo.h>
-
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -408,21 +406,15 @@ TEST(EditArgs, RefusedWithAMessage) {
 // Pixels of the panel's area in the window (state "panel": x y w h) that
 // differ from a PNG; -1 when the PNG is unreadable or of another size.
 int PanelDiffs(Display* display, Window win, const std::vector<std::string>& panel, const fs::path& png) {
-  cairo_surface_t* ref = cairo_image_surface_create_from_png(png.c_str());
-  const int w = cairo_image_surface_get_width(ref), h = cairo_image_surface_get_height(ref);
-  if (cairo_surface_status(ref) != CAIRO_STATUS_SUCCESS || w != std::stoi(panel[2]) || h != std::stoi(panel[3])) {
-    cairo_surface_destroy(ref);
-    return -1;
-  }
-  const auto* px = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(ref));
-  const int stride = cairo_image_surface_get_stride(ref) / 4;
+  int w, h;
+  const std::vector<uint32_t> px = lb::test::readArgb(png, &w, &h);
+  if (px.empty() || w != std::stoi(panel[2]) || h != std::stoi(panel[3])) return -1;
   XImage* shot = XGetImage(display, win, std::stoi(panel[0]), std::stoi(panel[1]), w, h, AllPlanes, ZPixmap);
   int diffs = 0;
   for (int y = 0; y < h; ++y)
     for (int x = 0; x < w; ++x)
-      diffs += (px[y * stride + x] & 0xFFFFFF) != (static_cast<uint32_t>(XGetPixel(shot, x, y)) & 0xFFFFFF);
+      diffs += (px[y * w + x] & 0xFFFFFF) != (static_cast<uint32_t>(XGetPixel(shot, x, y)) & 0xFFFFFF);
   XDestroyImage(shot);
-  cairo_surface_destroy(ref);
   return diffs;
 }
 
