@@ -1,19 +1,7 @@
 // Tests: a document in the stand-in host with the plug-in running, driven command by command.
 //
-//   Session s(DocJson(recipe));          // loads the plug-in module
-//   s.run(CmdSelectRegion, alt, ctrl);  // as a click on the panel would
-//   MeshState m = s.mesh(0);           // the first mesh as written back
-//
-// run() expects every command to leave the host's live-object counters
-// (iterators, selections, suites, blocks ...) where they were; the
-// destructor expects the same for the whole session. One Session at a
-// time: the host's suites are process-wide. Modes:
-//   Module  the built plug-in module loaded as the host loads it;
-//   Linked  the plug-in's code linked into the test, its suite pointers
-//           acquired from the host as a command would; the mesh and vertex
-//           iterator tables point at editable copies (meshTable(),
-//           vertexTable()) so a test can make single calls fail;
-//   Bare    no plug-in at all, for tests of the host's engine and suites.
+// Usage, modes and the live-object checks: tests/support/README.md. One
+// Session at a time: the host's suites are process-wide.
 #pragma once
 
 #include <gtest/gtest.h>
