@@ -91,8 +91,10 @@ TEST_F(Editor, HitTestFindsWhatLiesUnderThePoint) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const Hit h = lb::editor::hitTest(*doc, c.p, 5);
-    EXPECT_EQ(h.kind, c.kind);
-    if (c.kind == Hit::kVertex && h.kind == c.kind) EXPECT_EQ(h.vertex, h.art->mesh->node(c.i, c.j));
+    ASSERT_EQ(h.kind, c.kind);
+    if (c.kind == Hit::kVertex) {
+      EXPECT_EQ(h.vertex, h.art->mesh->node(c.i, c.j));
+    }
   }
 }
 
@@ -172,10 +174,7 @@ int DiffsFromRenderer(const Document& doc, lb::editor::CanvasView& view, int w, 
   view.paint(cr, doc, w, h);
   cairo_destroy(cr);
   cairo_surface_flush(s);
-  lb::render::RenderOptions o;
-  o.scale = view.zoom();
-  o.selection = true;
-  const lb::render::Image ref = lb::render::renderDocument(doc, o);
+  const lb::render::Image ref = lb::render::renderDocument(doc, {view.zoom(), true});  // with the selection
   const auto* px = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(s));
   const int stride = cairo_image_surface_get_stride(s) / 4;
   const int ox = static_cast<int>(std::round(view.panX())), oy = static_cast<int>(std::round(view.panY()));
