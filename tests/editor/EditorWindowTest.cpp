@@ -179,25 +179,24 @@ class EditorWindow : public ::testing::Test {
     return {std::stoi(c[0]) + p.first, std::stoi(c[1]) + p.second};
   }
 
+  // The xdotool step moving the pointer to a pixel of the editor's window (or of window `win`).
+  std::string MoveTo(std::pair<int, int> p, const std::string& win = "") {
+    return "mousemove --window " + (win.empty() ? xid : win) + " " + std::to_string(p.first) + " " +
+           std::to_string(p.second);
+  }
+
   // Clicks at a window pixel with the named modifier keys held.
   void ClickAt(std::pair<int, int> p, const std::string& keys = "") {
-    std::string cmd;
-    if (!keys.empty()) cmd += "keydown " + keys + " ";
-    cmd += "mousemove --window " + xid + " " + std::to_string(p.first) + " " + std::to_string(p.second) +
-           " sleep 0.1 click 1";
-    if (!keys.empty()) cmd += " keyup " + keys;
-    Xdo(cmd);
+    const std::string click = MoveTo(p) + " sleep 0.1 click 1";
+    Xdo(keys.empty() ? click : "keydown " + keys + " " + click + " keyup " + keys);
   }
 
   void Key(const std::string& k) { Xdo("key " + k); }
 
   // Presses at one window pixel, moves through the midpoint and releases at another.
   void Drag(std::pair<int, int> a, std::pair<int, int> b) {
-    auto at = [&](int x, int y) {
-      return "mousemove --window " + xid + " " + std::to_string(x) + " " + std::to_string(y);
-    };
-    Xdo(at(a.first, a.second) + " mousedown 1 sleep 0.1 " + at((a.first + b.first) / 2, (a.second + b.second) / 2) +
-        " sleep 0.1 " + at(b.first, b.second) + " sleep 0.1 mouseup 1");
+    Xdo(MoveTo(a) + " mousedown 1 sleep 0.1 " + MoveTo({(a.first + b.first) / 2, (a.second + b.second) / 2}) +
+        " sleep 0.1 " + MoveTo(b) + " sleep 0.1 mouseup 1");
   }
 
   // Ctrl+S, then the saved file.
@@ -244,12 +243,10 @@ std::string Selected(const std::string& lbdoc) {
 // docked again; undo, redo and save give what the command line gives.
 TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {
   Start();
-  ClickAt(DocToWindow(mesh.P(0, 0)));
-  WaitHistory(1, 0, true);
-  ClickAt(DocToWindow(mesh.P(1, 0)), "shift");
-  WaitHistory(2, 0, true);
-  ClickAt(DocToWindow(mesh.P(2, 0)), "shift");
-  WaitHistory(3, 0, true);
+  for (int i = 0; i < 3; ++i) {
+    ClickAt(DocToWindow(mesh.P(i, 0)), i > 0 ? "shift" : "");
+    WaitHistory(i + 1, 0, true);
+  }
   const std::string selected = Save(3, 0);
   fs::copy_file(dir / "work.lbdoc", dir / "selected.lbdoc");
   EXPECT_EQ(Selected(selected), "art 0,0 1,0 2,0 ");
@@ -261,8 +258,7 @@ TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {
   const auto at = PanelToWindow(PanelButtonCentre(kCmdColorReflect));
   // Without a window manager the panel's window lies over the editor's
   // corner once raised.
-  Xdo("sleep 0.3 windowraise " + panelXid + " sleep 0.2 mousemove --window " + panelXid + " " +
-      std::to_string(at.first) + " " + std::to_string(at.second) + " sleep 0.1 click 1");
+  Xdo("sleep 0.3 windowraise " + panelXid + " sleep 0.2 " + MoveTo(at, panelXid) + " sleep 0.1 click 1");
   WaitHistory(4, 0, true);
   Key("ctrl+shift+p");
   WaitFor([&](const State& s) { return s.count("panelxid") && s.at("panelxid")[0] == xid && s.at("panel").size() == 4; },
@@ -329,7 +325,7 @@ TEST_F(EditorWindow, RectangleClickDragAndQuit) {
   ASSERT_EQ(::waitpid(pid, &status, WNOHANG), 0) << "closed without asking";
   Key("Escape");
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  Xdo("mousemove --window " + xid + " 5 200");
+  Xdo(MoveTo({5, 200}));
   Save(2, 1);
   Key("ctrl+q");
   ASSERT_TRUE(Poll([&] { return ::waitpid(pid, &status, WNOHANG) == pid; })) << "still open after Ctrl+Q";
@@ -424,7 +420,7 @@ int PanelDiffs(Display* display, Window win, const std::vector<std::string>& pan
 // at the view's zoom.
 TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
   Start();
-  Xdo("mousemove --window " + xid + " 2 40");  // away from the panel
+  Xdo(MoveTo({2, 40}));  // away from the panel
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   const fs::path plain = dir / "panel.png", hover = dir / "hover.png";
   const auto button = PanelButtonCentre(kCmdColorShift);
@@ -441,10 +437,7 @@ TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
   EXPECT_EQ(PanelDiffs(display, win, state["panel"], plain), 0);
 
   auto doc = lb::io::readDocument(lbtest::DocJson(mesh).dump());
-  lb::render::RenderOptions o;
-  o.scale = std::stod(state["view"][4]);
-  o.selection = true;
-  const lb::render::Image picture = lb::render::renderDocument(*doc, o);
+  const lb::render::Image picture = lb::render::renderDocument(*doc, {std::stod(state["view"][4]), true});
   const int cx = std::stoi(state["canvas"][0]) + static_cast<int>(std::round(std::stod(state["view"][0])));
   const int cy = std::stoi(state["canvas"][1]) + static_cast<int>(std::round(std::stod(state["view"][1])));
   XImage* shot = XGetImage(display, win, 0, 0, attrs.width, attrs.height, AllPlanes, ZPixmap);
@@ -464,8 +457,7 @@ TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
   EXPECT_EQ(canvasDiffs, 0);
 
   const auto at = PanelToWindow(button);
-  Xdo("mousemove --window " + xid + " " + std::to_string(at.first - 1) + " " + std::to_string(at.second) +
-      " sleep 0.05 mousemove --window " + xid + " " + std::to_string(at.first) + " " + std::to_string(at.second));
+  Xdo(MoveTo({at.first - 1, at.second}) + " sleep 0.05 " + MoveTo(at));
   int diffs = -1;
   Poll([&] { return (diffs = PanelDiffs(display, win, state["panel"], hover)) == 0; }, 5);
   XCloseDisplay(display);
