@@ -4,12 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <string>
 #include <vector>
 
-#include "host/Document.h"
-#include "host/mesh/GradientMesh.h"
-#include "render/Render.h"
 #include "Scenes.h"
 
 using lb::host::Document;

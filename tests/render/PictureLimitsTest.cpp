@@ -3,17 +3,13 @@
 // and the PNG writer keeps every pixel.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
 #include <functional>
 #include <limits>
 #include <string>
 #include <unistd.h>
 
-#include "host/Document.h"
-#include "host/mesh/GradientMesh.h"
 #include "render/Png.h"
-#include "render/Render.h"
 #include "Scenes.h"
 #include "interchange/Pictures.h"
 

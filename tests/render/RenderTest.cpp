@@ -7,9 +7,6 @@
 #include <filesystem>
 #include <random>
 
-#include "host/Document.h"
-#include "host/mesh/GradientMesh.h"
-#include "render/Render.h"
 #include "Scenes.h"
 #include "support/Geometry.h"
 

@@ -1,4 +1,5 @@
-// Art for render tests: black meshes over a box (optionally curved), filled rectangles, rasters, node paint.
+// Art for render tests: black meshes over a box (optionally curved), filled rectangles, rasters,
+// node paint; with the document, mesh and render headers the render tests use.
 #pragma once
 
 #include <gtest/gtest.h>
