@@ -1,7 +1,6 @@
 // The program end to end, in-process: exit codes, outputs written
 // atomically, message boxes on standard output.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -318,17 +318,15 @@ TEST(Colours, FormsAndNames) {
   } cases[] = {{"#f00", 1, 0, 0},       {"#00FF80", 0, 1, 128 / 255.0}, {"rgb(255, 0, 51)", 1, 0, 0.2},
                {"rgb(100%,50%,0%)", 1, 0.5, 0}, {"cornflowerblue", 100 / 255.0, 149 / 255.0, 237 / 255.0},
                {" White ", 1, 1, 1}};
+  double r, g, b;
   for (const auto& c : cases) {
-    double r, g, b;
     ASSERT_TRUE(lb::io::svg::parseColour(c.text, &r, &g, &b)) << c.text;
     EXPECT_NEAR(r, c.r, 1e-12) << c.text;
     EXPECT_NEAR(g, c.g, 1e-12) << c.text;
     EXPECT_NEAR(b, c.b, 1e-12) << c.text;
   }
-  for (const char* bad : {"#ff", "#gggggg", "rgb(1,2)", "notacolour", ""}) {
-    double r, g, b;
+  for (const char* bad : {"#ff", "#gggggg", "rgb(1,2)", "notacolour", ""})
     EXPECT_FALSE(lb::io::svg::parseColour(bad, &r, &g, &b)) << bad;
-  }
 }
 
 TEST(Lengths, Units) {
