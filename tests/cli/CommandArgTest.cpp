@@ -1,6 +1,8 @@
 // Parsing of the run subcommand's command and checkbox options.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "app/CommandArg.h"
 
 namespace {
@@ -32,27 +34,22 @@ TEST(CommandArg, BadValuesAreRejectedWithAReason) {
 TEST(CommandArg, CheckboxOptionsHoldForTheCommandsAfterThem) {
   auto cmds = commandsInOrder({{"command", "136"}, {"color", "off"}, {"command", "137+ctrl"}, {"opacity", "off"},
                                 {"command", "138"}, {"color", "on"}, {"command", "139+alt"}});
+  // id, alt, ctrl, colour, opacity of each; both checkboxes start on.
+  const std::tuple<int, bool, bool, bool, bool> want[] = {
+      {136, false, false, true, true}, {137, false, true, false, true}, {138, false, false, false, false},
+      {139, true, false, true, false}};
   ASSERT_EQ(cmds.size(), 4u);
-  EXPECT_TRUE(cmds[0].useColor && cmds[0].useOpacity);  // both start on
-  EXPECT_FALSE(cmds[1].useColor);
-  EXPECT_TRUE(cmds[1].useOpacity);
-  EXPECT_FALSE(cmds[2].useColor || cmds[2].useOpacity);
-  EXPECT_TRUE(cmds[3].useColor);
-  EXPECT_FALSE(cmds[3].useOpacity);
-  EXPECT_EQ(cmds[1].id, 137);
-  EXPECT_TRUE(cmds[1].ctrl);
-  EXPECT_TRUE(cmds[3].alt);
+  for (size_t k = 0; k < 4; ++k)
+    EXPECT_EQ(std::make_tuple(cmds[k].id, cmds[k].alt, cmds[k].ctrl, cmds[k].useColor, cmds[k].useOpacity), want[k])
+        << k;
 }
 
 TEST(CommandArg, BadCheckboxValuesAndPoints) {
-  EXPECT_THROW(commandsInOrder({{"color", "yes"}}), std::invalid_argument);
-  EXPECT_THROW(commandsInOrder({{"opacity", ""}}), std::invalid_argument);
-  EXPECT_THROW(commandsInOrder({{"command", "x"}}), std::invalid_argument);
+  for (auto [option, value] : {std::pair{"color", "yes"}, {"opacity", ""}, {"command", "x"}})
+    EXPECT_THROW(commandsInOrder({{option, value}}), std::invalid_argument) << option;
   EXPECT_TRUE(commandsInOrder({{"color", "OFF"}}).empty());
   EXPECT_EQ(lb::app::parsePoint("10,20"), std::make_pair(10, 20));
-  EXPECT_FALSE(lb::app::parsePoint("10"));
-  EXPECT_FALSE(lb::app::parsePoint("10,y"));
-  EXPECT_FALSE(lb::app::parsePoint(",5"));
+  for (const char* bad : {"10", "10,y", ",5"}) EXPECT_FALSE(lb::app::parsePoint(bad)) << bad;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "app/editor/EditorCore.h"
 #include "render/Render.h"
 #include "io/Lbdoc.h"
+#include "support/Geometry.h"
 #include "support/MeshRecipe.h"
 
 namespace {
@@ -33,6 +34,14 @@ ArtObject* Mesh(Document& d) {
     if (a->type == kMeshArt) return a;
   return nullptr;
 }
+
+// The document of MeshAndPath, its mesh art and the mesh.
+class Editor : public ::testing::Test {
+ protected:
+  std::unique_ptr<Document> doc = MeshAndPath();
+  ArtObject* mesh = Mesh(*doc);
+  GradientMesh& m = *mesh->mesh;
+};
 
 TEST(History, UndoAndRedoWalkTheSnapshots) {
   lb::editor::History<std::string> h;
@@ -70,37 +79,26 @@ TEST(History, DocumentCopyWritesTheSameFile) {
   EXPECT_EQ(lb::io::writeDocument(*doc), text);
 }
 
-struct HitCase {
-  const char* name;
-  AIRealPoint p;
-  Hit::Kind kind = Hit::kNone;
-  int i = 0, j = 0;  // the node hit, for vertices
-};
-
-class HitTest : public ::testing::TestWithParam<HitCase> {};
-
-TEST_P(HitTest, FindsWhatLiesUnderThePoint) {
-  auto doc = MeshAndPath();
-  const HitCase c = GetParam();
-  const Hit h = lb::editor::hitTest(*doc, c.p, 5);
-  ASSERT_EQ(h.kind, c.kind);
-  if (c.kind == Hit::kVertex) {
-    EXPECT_EQ(h.vertex, h.art->mesh->node(c.i, c.j));
+TEST_F(Editor, HitTestFindsWhatLiesUnderThePoint) {
+  const struct {
+    const char* name;
+    AIRealPoint p;
+    Hit::Kind kind;
+    int i, j;  // the node hit, for vertices
+  } cases[] = {{"corner", {0, 0}, Hit::kVertex, 0, 0},      {"withinTolerance", {203, 97}, Hit::kVertex, 2, 1},
+               {"middleNode", {100, 4}, Hit::kVertex, 1, 0}, {"insideCell", {50, 50}, Hit::kNone, 0, 0},
+               {"justOutside", {106, 0}, Hit::kNone, 0, 0},  {"path", {320, 20}, Hit::kPath, 0, 0}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const Hit h = lb::editor::hitTest(*doc, c.p, 5);
+    ASSERT_EQ(h.kind, c.kind);
+    if (c.kind == Hit::kVertex) {
+      EXPECT_EQ(h.vertex, h.art->mesh->node(c.i, c.j));
+    }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Points, HitTest,
-                         ::testing::Values(HitCase{"corner", {0, 0}, Hit::kVertex, 0, 0},
-                                           HitCase{"withinTolerance", {203, 97}, Hit::kVertex, 2, 1},
-                                           HitCase{"middleNode", {100, 4}, Hit::kVertex, 1, 0},
-                                           HitCase{"insideCell", {50, 50}}, HitCase{"justOutside", {106, 0}},
-                                           HitCase{"path", {320, 20}, Hit::kPath}),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(Selection, ClickShiftClickAndEmptyClick) {
-  auto doc = MeshAndPath();
-  ArtObject* mesh = Mesh(*doc);
-  GradientMesh& m = *mesh->mesh;
+TEST_F(Editor, ClickShiftClickAndEmptyClick) {
   EXPECT_TRUE(lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), false));
   EXPECT_TRUE(mesh->selected());
   EXPECT_EQ(m.selectedCount(), 1u);
@@ -124,10 +122,7 @@ TEST(Selection, ClickShiftClickAndEmptyClick) {
   for (ArtObject* a : doc->allArt()) EXPECT_FALSE(a->selected());
 }
 
-TEST(Selection, RectangleSelectsTheVerticesInside) {
-  auto doc = MeshAndPath();
-  ArtObject* mesh = Mesh(*doc);
-  GradientMesh& m = *mesh->mesh;
+TEST_F(Editor, RectangleSelectsTheVerticesInside) {
   EXPECT_TRUE(lb::editor::rectSelect(*doc, AIRealRect{-10, 110, 150, 90}, false));
   EXPECT_TRUE(mesh->selected());
   EXPECT_EQ(m.selectedCount(), 2u);
@@ -140,17 +135,12 @@ TEST(Selection, RectangleSelectsTheVerticesInside) {
   EXPECT_EQ(m.selectedCount(), 1u);
 }
 
-TEST(Selection, DraggingAVertexTakesItsHandles) {
-  auto doc = MeshAndPath();
-  ArtObject* mesh = Mesh(*doc);
-  GradientMesh& m = *mesh->mesh;
+TEST_F(Editor, DraggingAVertexTakesItsHandles) {
   const auto v = m.node(1, 0);
   const AIRealPoint h = m.tangent(v, lb::host::kDirIFwd);
   lb::editor::moveVertex(mesh, v, 5, -3);
-  EXPECT_DOUBLE_EQ(m.point(v).h, 105);
-  EXPECT_DOUBLE_EQ(m.point(v).v, -3);
-  EXPECT_DOUBLE_EQ(m.tangent(v, lb::host::kDirIFwd).h, h.h + 5);
-  EXPECT_DOUBLE_EQ(m.tangent(v, lb::host::kDirIFwd).v, h.v - 3);
+  EXPECT_PT_NEAR(m.point(v), (AIRealPoint{105, -3}), 1e-12);
+  EXPECT_PT_NEAR(m.tangent(v, lb::host::kDirIFwd), (AIRealPoint{h.h + 5, h.v - 3}), 1e-12);
   lb::editor::moveHandle(mesh, v, lb::host::kDirIFwd, 0, 10);
   EXPECT_DOUBLE_EQ(m.tangent(v, lb::host::kDirIFwd).v, h.v + 7);
   EXPECT_DOUBLE_EQ(m.point(v).v, -3);
@@ -158,20 +148,15 @@ TEST(Selection, DraggingAVertexTakesItsHandles) {
 
 // View and document coordinates round-trip; the picture is rendered only
 // when stale.
-TEST(Canvas, CoordinatesAndCachedPicture) {
-  auto doc = MeshAndPath();
+TEST_F(Editor, CanvasCoordinatesAndCachedPicture) {
   lb::editor::CanvasView view;
   view.fit(*doc, 800, 600);
   double x, y;
   view.toView(AIRealPoint{100, 50}, &x, &y);
-  const AIRealPoint back = view.toDoc(x, y);
-  EXPECT_NEAR(back.h, 100, 1e-9);
-  EXPECT_NEAR(back.v, 50, 1e-9);
+  EXPECT_PT_NEAR(view.toDoc(x, y), (AIRealPoint{100, 50}), 1e-9);
   // Zooming about a point keeps that point still.
   view.setZoom(view.zoom() * 2, x, y);
-  const AIRealPoint still = view.toDoc(x, y);
-  EXPECT_NEAR(still.h, 100, 1e-9);
-  EXPECT_NEAR(still.v, 50, 1e-9);
+  EXPECT_PT_NEAR(view.toDoc(x, y), (AIRealPoint{100, 50}), 1e-9);
   EXPECT_TRUE(view.refresh(*doc));
   EXPECT_FALSE(view.refresh(*doc));
   view.invalidate();
@@ -179,13 +164,6 @@ TEST(Canvas, CoordinatesAndCachedPicture) {
   view.panBy(10, 0);  // panning reuses the picture
   EXPECT_FALSE(view.refresh(*doc));
 }
-
-// The view's marks, drawn apart for the part around the view, must land
-// exactly where the renderer's overlay puts them: after a pan, after a
-// pan beyond the part they cover, and after a change of selection.
-struct MarksCase { const char* name; double zoom, panX, panY; };
-
-class CanvasMarks : public ::testing::TestWithParam<MarksCase> {};
 
 // Pixels of the w x h view that differ from the renderer's picture with
 // the selection overlay, where the picture is shown, by more than
@@ -196,10 +174,7 @@ int DiffsFromRenderer(const Document& doc, lb::editor::CanvasView& view, int w, 
   view.paint(cr, doc, w, h);
   cairo_destroy(cr);
   cairo_surface_flush(s);
-  lb::render::RenderOptions o;
-  o.scale = view.zoom();
-  o.selection = true;
-  const lb::render::Image ref = lb::render::renderDocument(doc, o);
+  const lb::render::Image ref = lb::render::renderDocument(doc, {view.zoom(), true});  // with the selection
   const auto* px = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(s));
   const int stride = cairo_image_surface_get_stride(s) / 4;
   const int ox = static_cast<int>(std::round(view.panX())), oy = static_cast<int>(std::round(view.panY()));
@@ -219,82 +194,77 @@ int DiffsFromRenderer(const Document& doc, lb::editor::CanvasView& view, int w, 
   return diffs;
 }
 
-TEST_P(CanvasMarks, LandWhereTheRendererDrawsThem) {
-  const MarksCase c = GetParam();
-  auto doc = MeshAndPath();
-  ArtObject* art = Mesh(*doc);
-  GradientMesh& m = *art->mesh;
-  doc->setSelected(art, true);
-  m.clearSelection();
-  m.setSelected(m.node(0, 0), true);
-  m.setSelected(m.node(1, 1), true);
-  const int w = 160, h = 120;
-  lb::editor::CanvasView view;
-  view.fit(*doc, w, h);
-  view.setZoom(c.zoom, 0, 0);
-  view.panBy(c.panX - view.panX(), c.panY - view.panY());
-  EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
-  view.panBy(-70, 0);  // past the quarter view the marks cover around it
-  EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
-  m.setSelected(m.node(2, 0), true);
-  m.setSelected(m.node(0, 0), false);
-  view.invalidateMarks();
-  EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+// The view's marks, drawn apart for the part around the view, must land
+// exactly where the renderer's overlay puts them: after a pan, after a
+// pan beyond the part they cover, and after a change of selection.
+TEST(CanvasMarks, LandWhereTheRendererDrawsThem) {
+  const struct { const char* name; double zoom, panX, panY; } cases[] = {
+      {"whole", 0.4, 5, 10}, {"oneToOne", 1, -20.4, 15.6}, {"magnified", 2.5, -180.7, -60.2}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    auto doc = MeshAndPath();
+    ArtObject* art = Mesh(*doc);
+    GradientMesh& m = *art->mesh;
+    doc->setSelected(art, true);
+    m.clearSelection();
+    m.setSelected(m.node(0, 0), true);
+    m.setSelected(m.node(1, 1), true);
+    const int w = 160, h = 120;
+    lb::editor::CanvasView view;
+    view.fit(*doc, w, h);
+    view.setZoom(c.zoom, 0, 0);
+    view.panBy(c.panX - view.panX(), c.panY - view.panY());
+    EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+    view.panBy(-70, 0);  // past the quarter view the marks cover around it
+    EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+    m.setSelected(m.node(2, 0), true);
+    m.setSelected(m.node(0, 0), false);
+    view.invalidateMarks();
+    EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Views, CanvasMarks,
-                         ::testing::Values(MarksCase{"whole", 0.4, 5, 10}, MarksCase{"oneToOne", 1, -20.4, 15.6},
-                                           MarksCase{"magnified", 2.5, -180.7, -60.2}),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 // Dragging redraws only the patches around what moved; the picture must
 // still be the one a full render gives, for a node, an inner vertex and a
 // handle, at 1:1 and magnified.
-struct DragCase {
-  const char* name;
-  bool inner, handle;
-  double zoom;
-  bool marks;
-};
-
-class CanvasDrag : public ::testing::TestWithParam<DragCase> {};
-
-TEST_P(CanvasDrag, RedrawsTheMovedPatchesAsAFullRenderWould) {
-  const DragCase c = GetParam();
-  lbtest::MeshRecipe recipe = lbtest::MeshRecipe::Varied(4, 3);
-  recipe.artSelected = c.marks;
-  auto doc = lb::io::readDocument(lbtest::DocJson(recipe).dump());
-  GradientMesh& m = *Mesh(*doc)->mesh;
-  lb::host::VertexId v = m.node(2, 1);
-  if (c.inner)
-    for (lb::host::VertexId u = m.nextVertex(v); u != lb::host::kNoVertex && !m.isNode(u); u = m.nextVertex(u)) v = u;
-  ASSERT_EQ(m.isNode(v), !c.inner);
-  const int w = 260, h = 200;
-  lb::editor::CanvasView view;
-  view.fit(*doc, w, h);
-  view.setZoom(c.zoom, 0, 0);
-  ASSERT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
-  const AIRealRect areaBefore = lb::render::renderArea(*doc);
-  for (int step = 0; step < 3; ++step) {
-    view.invalidateArea(lb::editor::vertexReach(m, v));
-    if (c.handle)
-      lb::editor::moveHandle(Mesh(*doc), v, lb::host::kDirIFwd, 4, -3);
-    else
-      lb::editor::moveVertex(Mesh(*doc), v, 4, -3);
-    view.invalidateArea(lb::editor::vertexReach(m, v));
-    // Cairo's mesh shading rounds a level differently when it draws a part.
-    EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h, 1), 0) << "step " << step;
+TEST(CanvasDrag, RedrawsTheMovedPatchesAsAFullRenderWould) {
+  const struct {
+    const char* name;
+    bool inner, handle;
+    double zoom;
+    bool marks;
+  } cases[] = {{"node", false, false, 1, false},    {"innerVertex", true, false, 1, false},
+               {"handle", false, true, 2.5, false}, {"nodeMarked", false, false, 1, true},
+               {"innerMarked", true, false, 1, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    lbtest::MeshRecipe recipe = lbtest::MeshRecipe::Varied(4, 3);
+    recipe.artSelected = c.marks;
+    auto doc = lb::io::readDocument(lbtest::DocJson(recipe).dump());
+    GradientMesh& m = *Mesh(*doc)->mesh;
+    lb::host::VertexId v = m.node(2, 1);
+    if (c.inner)
+      for (lb::host::VertexId u = m.nextVertex(v); u != lb::host::kNoVertex && !m.isNode(u); u = m.nextVertex(u)) v = u;
+    ASSERT_EQ(m.isNode(v), !c.inner);
+    const int w = 260, h = 200;
+    lb::editor::CanvasView view;
+    view.fit(*doc, w, h);
+    view.setZoom(c.zoom, 0, 0);
+    ASSERT_EQ(DiffsFromRenderer(*doc, view, w, h), 0);
+    const AIRealRect areaBefore = lb::render::renderArea(*doc);
+    for (int step = 0; step < 3; ++step) {
+      view.invalidateArea(lb::editor::vertexReach(m, v));
+      if (c.handle)
+        lb::editor::moveHandle(Mesh(*doc), v, lb::host::kDirIFwd, 4, -3);
+      else
+        lb::editor::moveVertex(Mesh(*doc), v, 4, -3);
+      view.invalidateArea(lb::editor::vertexReach(m, v));
+      // Cairo's mesh shading rounds a level differently when it draws a part.
+      EXPECT_EQ(DiffsFromRenderer(*doc, view, w, h, 1), 0) << "step " << step;
+    }
+    // An inner move leaves the drawing area alone, so only the part was redrawn.
+    EXPECT_EQ(lb::render::renderArea(*doc).left, areaBefore.left);
   }
-  // An inner move leaves the drawing area alone, so only the part was redrawn.
-  EXPECT_EQ(lb::render::renderArea(*doc).left, areaBefore.left);
 }
-
-INSTANTIATE_TEST_SUITE_P(Moves, CanvasDrag,
-                         ::testing::Values(DragCase{"node", false, false, 1, false},
-                                           DragCase{"innerVertex", true, false, 1, false},
-                                           DragCase{"handle", false, true, 2.5, false},
-                                           DragCase{"nodeMarked", false, false, 1, true},
-                                           DragCase{"innerMarked", true, false, 1, true}),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

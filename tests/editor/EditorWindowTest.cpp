@@ -10,8 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cairo.h>
-
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -46,6 +44,16 @@ const auto OnPath = lb::test::haveProgram;
 // The exit status of `latticebender ARGS`, its output discarded.
 int Cli(const std::string& args) {
   return std::system((std::string(LB_CLI_BIN) + " " + args + " > /dev/null 2>&1").c_str());
+}
+
+// Polls `done` every 50 ms until it holds or `seconds` have passed; whether it held.
+bool Poll(const std::function<bool()>& done, int seconds = 10) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+  while (!done()) {
+    if (std::chrono::steady_clock::now() >= end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  return true;
 }
 
 // The editor's state file, parsed: "name v1 v2 ..." lines.
@@ -128,23 +136,21 @@ class EditorWindow : public ::testing::Test {
 
   // Polls the state file until `ok` holds (10 s at most).
   void WaitFor(const std::function<bool(const State&)>& ok, const char* what = "the editor") {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (std::chrono::steady_clock::now() < end) {
+    bool exited = false;
+    const bool held = Poll([&] {
       if (fs::exists(statePath)) {
         State s = ReadState(statePath);
         if (ok(s)) {
           state = s;
-          return;
+          return true;
         }
       }
       int status;
-      if (::waitpid(pid, &status, WNOHANG) == pid) {
-        pid = -1;
-        FAIL() << "the editor exited: " << Slurp(dir / "editor.out");
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    FAIL() << "timed out waiting for " << what << "; state:\n" << Slurp(statePath);
+      return exited = ::waitpid(pid, &status, WNOHANG) == pid;
+    });
+    if (exited) pid = -1;
+    ASSERT_FALSE(exited) << "the editor exited: " << Slurp(dir / "editor.out");
+    ASSERT_TRUE(held) << "timed out waiting for " << what << "; state:\n" << Slurp(statePath);
   }
 
   void WaitHistory(int undo, int redo, bool modified) {
@@ -173,25 +179,24 @@ class EditorWindow : public ::testing::Test {
     return {std::stoi(c[0]) + p.first, std::stoi(c[1]) + p.second};
   }
 
+  // The xdotool step moving the pointer to a pixel of the editor's window (or of window `win`).
+  std::string MoveTo(std::pair<int, int> p, const std::string& win = "") {
+    return "mousemove --window " + (win.empty() ? xid : win) + " " + std::to_string(p.first) + " " +
+           std::to_string(p.second);
+  }
+
   // Clicks at a window pixel with the named modifier keys held.
   void ClickAt(std::pair<int, int> p, const std::string& keys = "") {
-    std::string cmd;
-    if (!keys.empty()) cmd += "keydown " + keys + " ";
-    cmd += "mousemove --window " + xid + " " + std::to_string(p.first) + " " + std::to_string(p.second) +
-           " sleep 0.1 click 1";
-    if (!keys.empty()) cmd += " keyup " + keys;
-    Xdo(cmd);
+    const std::string click = MoveTo(p) + " sleep 0.1 click 1";
+    Xdo(keys.empty() ? click : "keydown " + keys + " " + click + " keyup " + keys);
   }
 
   void Key(const std::string& k) { Xdo("key " + k); }
 
   // Presses at one window pixel, moves through the midpoint and releases at another.
   void Drag(std::pair<int, int> a, std::pair<int, int> b) {
-    auto at = [&](int x, int y) {
-      return "mousemove --window " + xid + " " + std::to_string(x) + " " + std::to_string(y);
-    };
-    Xdo(at(a.first, a.second) + " mousedown 1 sleep 0.1 " + at((a.first + b.first) / 2, (a.second + b.second) / 2) +
-        " sleep 0.1 " + at(b.first, b.second) + " sleep 0.1 mouseup 1");
+    Xdo(MoveTo(a) + " mousedown 1 sleep 0.1 " + MoveTo({(a.first + b.first) / 2, (a.second + b.second) / 2}) +
+        " sleep 0.1 " + MoveTo(b) + " sleep 0.1 mouseup 1");
   }
 
   // Ctrl+S, then the saved file.
@@ -200,6 +205,9 @@ class EditorWindow : public ::testing::Test {
     WaitHistory(undo, redo, false);
     return Slurp(dir / "work.lbdoc");
   }
+
+  // The opened document as the editor saves it unchanged.
+  std::string Original() { return lb::io::writeDocument(*lb::io::readDocument(lbtest::DocJson(mesh).dump())); }
 
   // What the command line makes of `input` with the commands.
   std::string Run(const fs::path& input, const std::vector<std::string>& commands) {
@@ -235,12 +243,10 @@ std::string Selected(const std::string& lbdoc) {
 // docked again; undo, redo and save give what the command line gives.
 TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {
   Start();
-  ClickAt(DocToWindow(mesh.P(0, 0)));
-  WaitHistory(1, 0, true);
-  ClickAt(DocToWindow(mesh.P(1, 0)), "shift");
-  WaitHistory(2, 0, true);
-  ClickAt(DocToWindow(mesh.P(2, 0)), "shift");
-  WaitHistory(3, 0, true);
+  for (int i = 0; i < 3; ++i) {
+    ClickAt(DocToWindow(mesh.P(i, 0)), i > 0 ? "shift" : "");
+    WaitHistory(i + 1, 0, true);
+  }
   const std::string selected = Save(3, 0);
   fs::copy_file(dir / "work.lbdoc", dir / "selected.lbdoc");
   EXPECT_EQ(Selected(selected), "art 0,0 1,0 2,0 ");
@@ -252,8 +258,7 @@ TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {
   const auto at = PanelToWindow(PanelButtonCentre(kCmdColorReflect));
   // Without a window manager the panel's window lies over the editor's
   // corner once raised.
-  Xdo("sleep 0.3 windowraise " + panelXid + " sleep 0.2 mousemove --window " + panelXid + " " +
-      std::to_string(at.first) + " " + std::to_string(at.second) + " sleep 0.1 click 1");
+  Xdo("sleep 0.3 windowraise " + panelXid + " sleep 0.2 " + MoveTo(at, panelXid) + " sleep 0.1 click 1");
   WaitHistory(4, 0, true);
   Key("ctrl+shift+p");
   WaitFor([&](const State& s) { return s.count("panelxid") && s.at("panelxid")[0] == xid && s.at("panel").size() == 4; },
@@ -278,8 +283,7 @@ TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {
   // Undo back to the opened document.
   for (int k = 0; k < 5; ++k) Key("ctrl+z");
   WaitHistory(0, 5, true);
-  auto original = lb::io::readDocument(lbtest::DocJson(mesh).dump());
-  EXPECT_EQ(Save(0, 5), lb::io::writeDocument(*original));
+  EXPECT_EQ(Save(0, 5), Original());
 }
 
 // A rectangle selects, a click away from every vertex deselects, dragging a
@@ -321,16 +325,10 @@ TEST_F(EditorWindow, RectangleClickDragAndQuit) {
   ASSERT_EQ(::waitpid(pid, &status, WNOHANG), 0) << "closed without asking";
   Key("Escape");
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  Xdo("mousemove --window " + xid + " 5 200");
+  Xdo(MoveTo({5, 200}));
   Save(2, 1);
   Key("ctrl+q");
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  pid_t done = 0;
-  while (done == 0 && std::chrono::steady_clock::now() < end) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    done = ::waitpid(pid, &status, WNOHANG);
-  }
-  ASSERT_EQ(done, pid) << "still open after Ctrl+Q";
+  ASSERT_TRUE(Poll([&] { return ::waitpid(pid, &status, WNOHANG) == pid; })) << "still open after Ctrl+Q";
   pid = -1;
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << Slurp(dir / "editor.out");
 }
@@ -355,10 +353,7 @@ TEST_F(EditorWindow, ExportAndImportMatchTheCommandLine) {
     Key("ctrl+e");
     Xdo("search --sync --name '^Export' sleep 0.5 key ctrl+a type --delay 5 '" + out.string() + "'");
     Xdo("sleep 0.2 key Return");
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!fs::exists(out) && std::chrono::steady_clock::now() < end)
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ASSERT_TRUE(fs::exists(out)) << Slurp(dir / "editor.out");
+    ASSERT_TRUE(Poll([&] { return fs::exists(out); })) << Slurp(dir / "editor.out");
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     ASSERT_EQ(Cli("export " + (dir / "work.lbdoc").string() + " -o " + ref.string()), 0);
     if (ext == "pdf")
@@ -382,59 +377,40 @@ TEST_F(EditorWindow, ExportAndImportMatchTheCommandLine) {
   EXPECT_EQ(Save(1, 0), Slurp(dir / "imported.lbdoc"));
   Key("ctrl+z");
   WaitHistory(0, 1, true);
-  EXPECT_EQ(Save(0, 1), lb::io::writeDocument(*lb::io::readDocument(lbtest::DocJson(mesh).dump())));
+  EXPECT_EQ(Save(0, 1), Original());
 }
 
-// `latticebender edit` refuses bad input before it opens a window.
-struct EditArgsCase {
-  const char* name;
-  std::vector<std::string> args;
-  int status;
-  const char* message;  // part of standard error
-};
-
-class EditArgs : public ::testing::TestWithParam<EditArgsCase> {};
-
-TEST_P(EditArgs, RefusedWithAMessage) {
+// `latticebender edit` refuses bad input before it opens a window: exit
+// status and a part of standard error.
+TEST(EditArgs, RefusedWithAMessage) {
   if (!fs::exists(LB_EDITOR_BIN)) GTEST_SKIP() << "the editor was not built (GTK 4 missing)";
-  const EditArgsCase c = GetParam();
+  const struct { const char* args; int status; const char* message; } cases[] = {
+      {"/nonexistent/doc.lbdoc", 3, "/nonexistent/doc.lbdoc"}, {"/etc/hostname", 3, "/etc/hostname"},
+      {"a.lbdoc b.lbdoc", 2, "FILE"}};
   const fs::path err = fs::temp_directory_path() / ("lb-edit-args-" + std::to_string(::getpid()));
-  std::string cmd = std::string(LB_CLI_BIN) + " edit";
-  for (const auto& a : c.args) cmd += " '" + a + "'";
-  const int raw = std::system((cmd + " > /dev/null 2> " + err.string()).c_str());
-  const std::string text = Slurp(err);
+  for (const auto& c : cases) {
+    const int raw = std::system((std::string(LB_CLI_BIN) + " edit " + c.args + " > /dev/null 2> " + err.string()).c_str());
+    const std::string text = Slurp(err);
+    ASSERT_TRUE(WIFEXITED(raw)) << c.args;
+    EXPECT_EQ(WEXITSTATUS(raw), c.status) << c.args << ": " << text;
+    EXPECT_NE(text.find(c.message), std::string::npos) << text;
+  }
   fs::remove(err);
-  ASSERT_TRUE(WIFEXITED(raw));
-  EXPECT_EQ(WEXITSTATUS(raw), c.status) << text;
-  EXPECT_NE(text.find(c.message), std::string::npos) << text;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, EditArgs,
-    ::testing::Values(EditArgsCase{"missingFile", {"/nonexistent/doc.lbdoc"}, 3, "/nonexistent/doc.lbdoc"},
-                      EditArgsCase{"notJson", {"/etc/hostname"}, 3, "/etc/hostname"},
-                      EditArgsCase{"twoFiles", {"a.lbdoc", "b.lbdoc"}, 2, "FILE"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 #ifdef LB_HAVE_X11
 // Pixels of the panel's area in the window (state "panel": x y w h) that
 // differ from a PNG; -1 when the PNG is unreadable or of another size.
 int PanelDiffs(Display* display, Window win, const std::vector<std::string>& panel, const fs::path& png) {
-  cairo_surface_t* ref = cairo_image_surface_create_from_png(png.c_str());
-  const int w = cairo_image_surface_get_width(ref), h = cairo_image_surface_get_height(ref);
-  if (cairo_surface_status(ref) != CAIRO_STATUS_SUCCESS || w != std::stoi(panel[2]) || h != std::stoi(panel[3])) {
-    cairo_surface_destroy(ref);
-    return -1;
-  }
-  const auto* px = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(ref));
-  const int stride = cairo_image_surface_get_stride(ref) / 4;
+  int w, h;
+  const std::vector<uint32_t> px = lb::test::readArgb(png, &w, &h);
+  if (px.empty() || w != std::stoi(panel[2]) || h != std::stoi(panel[3])) return -1;
   XImage* shot = XGetImage(display, win, std::stoi(panel[0]), std::stoi(panel[1]), w, h, AllPlanes, ZPixmap);
   int diffs = 0;
   for (int y = 0; y < h; ++y)
     for (int x = 0; x < w; ++x)
-      diffs += (px[y * stride + x] & 0xFFFFFF) != (static_cast<uint32_t>(XGetPixel(shot, x, y)) & 0xFFFFFF);
+      diffs += (px[y * w + x] & 0xFFFFFF) != (static_cast<uint32_t>(XGetPixel(shot, x, y)) & 0xFFFFFF);
   XDestroyImage(shot);
-  cairo_surface_destroy(ref);
   return diffs;
 }
 
@@ -444,7 +420,7 @@ int PanelDiffs(Display* display, Window win, const std::vector<std::string>& pan
 // at the view's zoom.
 TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
   Start();
-  Xdo("mousemove --window " + xid + " 2 40");  // away from the panel
+  Xdo(MoveTo({2, 40}));  // away from the panel
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   const fs::path plain = dir / "panel.png", hover = dir / "hover.png";
   const auto button = PanelButtonCentre(kCmdColorShift);
@@ -461,10 +437,7 @@ TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
   EXPECT_EQ(PanelDiffs(display, win, state["panel"], plain), 0);
 
   auto doc = lb::io::readDocument(lbtest::DocJson(mesh).dump());
-  lb::render::RenderOptions o;
-  o.scale = std::stod(state["view"][4]);
-  o.selection = true;
-  const lb::render::Image picture = lb::render::renderDocument(*doc, o);
+  const lb::render::Image picture = lb::render::renderDocument(*doc, {std::stod(state["view"][4]), true});
   const int cx = std::stoi(state["canvas"][0]) + static_cast<int>(std::round(std::stod(state["view"][0])));
   const int cy = std::stoi(state["canvas"][1]) + static_cast<int>(std::round(std::stod(state["view"][1])));
   XImage* shot = XGetImage(display, win, 0, 0, attrs.width, attrs.height, AllPlanes, ZPixmap);
@@ -484,14 +457,9 @@ TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
   EXPECT_EQ(canvasDiffs, 0);
 
   const auto at = PanelToWindow(button);
-  Xdo("mousemove --window " + xid + " " + std::to_string(at.first - 1) + " " + std::to_string(at.second) +
-      " sleep 0.05 mousemove --window " + xid + " " + std::to_string(at.first) + " " + std::to_string(at.second));
+  Xdo(MoveTo({at.first - 1, at.second}) + " sleep 0.05 " + MoveTo(at));
   int diffs = -1;
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-  while (diffs != 0 && std::chrono::steady_clock::now() < end) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    diffs = PanelDiffs(display, win, state["panel"], hover);
-  }
+  Poll([&] { return (diffs = PanelDiffs(display, win, state["panel"], hover)) == 0; }, 5);
   XCloseDisplay(display);
   EXPECT_EQ(diffs, 0);
 }

@@ -10,6 +10,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+from pathlib import Path
 
 PROGRAM, SOURCE = sys.argv[1], sys.argv[2]
 sys.argv[1:] = []
@@ -20,16 +21,6 @@ try:
 except ImportError:
     print("inkex (Inkscape's Python module) is not installed; skipped")
     sys.exit(77)
-
-
-def read(path):
-    with open(path, encoding="utf-8") as f:
-        return f.read()
-
-
-def write(path, text):
-    with open(path, "w", encoding="utf-8") as f:
-        f.write(text)
 
 
 def run_extension(svg_path, *options, program=PROGRAM):
@@ -46,10 +37,9 @@ class Extension(unittest.TestCase):
         doc = os.path.join(SOURCE, "examples", "mesh.lbdoc")
         subprocess.run([PROGRAM, "export", doc, "-o", cls.svg], check=True, capture_output=True)
         # The page as Inkscape keeps it: sizes in millimetres and a named view.
-        text = read(cls.svg)
-        text = text.replace('width="220"', 'width="220mm"', 1)
+        text = Path(cls.svg).read_text(encoding="utf-8").replace('width="220"', 'width="220mm"', 1)
         text = text.replace("<defs>", '<sodipodi:namedview id="view1" pagecolor="#ffffff"/>\n  <defs>', 1)
-        write(cls.svg, text)
+        Path(cls.svg).write_text(text, encoding="utf-8")
 
 
     @classmethod
@@ -60,7 +50,7 @@ class Extension(unittest.TestCase):
         return [s.split(";")[0] for s in text.split("stop-color:")[1:]]
 
     def test_variants_change_the_selected_mesh_and_colour_checkbox_off_keeps_colours(self):
-        before = self.stops(read(self.svg))
+        before = self.stops(Path(self.svg).read_text(encoding="utf-8"))
         runs = {v: run_extension(self.svg, "--id=mesh", "--command=136", *(["--variant=" + v] if v else []))
                 for v in ("", "alt", "ctrl")}
         for v, r in runs.items():
@@ -77,18 +67,17 @@ class Extension(unittest.TestCase):
 
     def test_message_boxes_and_failures_become_messages(self):
         fake = os.path.join(self.dir, "fake-latticebender")
-        with open(fake, "w") as f:
-            f.write("#!/bin/sh\n"
-                    "# Echoes a message box, copies the input to -o, records its arguments.\n"
-                    'echo "$@" > "%s/args"\n'
-                    'echo "No mesh is selected."\n'
-                    'cp "$2" "$4"\n' % self.dir)
+        Path(fake).write_text("#!/bin/sh\n"
+                              "# Echoes a message box, copies the input to -o, records its arguments.\n"
+                              'echo "$@" > "%s/args"\n'
+                              'echo "No mesh is selected."\n'
+                              'cp "$2" "$4"\n' % self.dir)
         os.chmod(fake, 0o755)
         r = run_extension(self.svg, "--id=mesh", "--id=demo", "--command=140", "--variant=ctrl+alt",
                           "--opacity=false", program=fake)
         self.assertEqual(r.returncode, 0, r.stderr)
         self.assertIn("No mesh is selected.", r.stderr)
-        args = read(os.path.join(self.dir, "args")).split()
+        args = Path(self.dir, "args").read_text().split()
         self.assertEqual(args[0], "run")
         self.assertIn("140+ctrl+alt", args)
         self.assertEqual(args[args.index("--select") + 1], "mesh,demo")
@@ -96,7 +85,7 @@ class Extension(unittest.TestCase):
         self.assertEqual(args[args.index("--color") + 1], "on")
 
         bad = os.path.join(self.dir, "bad.svg")
-        write(bad, "<svg xmlns='http://www.w3.org/2000/svg'><path d='M0 0 Q'/></svg>")
+        Path(bad).write_text("<svg xmlns='http://www.w3.org/2000/svg'><path d='M0 0 Q'/></svg>")
         r = run_extension(bad, "--command=136")
         self.assertNotEqual(r.returncode, 0)
         self.assertIn("bad path data", r.stderr)

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 
@@ -56,34 +57,34 @@ std::vector<std::pair<std::string, std::unique_ptr<lb::host::Document>>> demoDoc
 
 Picture ours(const lb::host::Document& doc) { return lb::test::fromImage(lb::render::renderDocument(doc)); }
 
-TEST(ExternalRender, InkscapePictureOfOurSvgMatchesRender) {
-  if (!lb::test::haveProgram("inkscape")) GTEST_SKIP() << "inkscape is not installed (scripts/install-deps.sh)";
-  const fs::path dir = lb::test::scratchDir("inkscape");
-  for (const auto& [name, doc] : demoDocuments(true)) {
-    const fs::path svg = dir / (name + ".svg"), png = dir / (name + ".png");
-    lb::app::writeAnyDocument(*doc, svg.string());
-    const std::string cmd = "inkscape --export-type=png --export-background=white --export-background-opacity=1 "
-                            "--export-filename='" + png.string() + "' '" + svg.string() + "' > /dev/null 2>&1";
-    ASSERT_EQ(std::system(cmd.c_str()), 0) << name;
-    const double db = lb::test::psnr(lb::test::loadPng(png.string()), ours(*doc));
+// Each document written as FILE.ext, drawn by `program` as `cmd` (given
+// FILE.ext and FILE without extension) into FILE.png, against render.
+void ExpectSamePictures(const std::string& program, const std::string& ext, bool few,
+                        const std::function<std::string(const std::string&, const std::string&)>& cmd) {
+  if (!lb::test::haveProgram(program)) GTEST_SKIP() << program << " is not installed (scripts/install-deps.sh)";
+  const fs::path dir = lb::test::scratchDir(program);
+  for (const auto& [name, doc] : demoDocuments(few)) {
+    const std::string stem = (dir / name).string();
+    lb::app::writeAnyDocument(*doc, stem + ext);
+    ASSERT_EQ(std::system(cmd(stem + ext, stem).c_str()), 0) << name;
+    const double db = lb::test::psnr(lb::test::loadPng(stem + ".png"), ours(*doc));
     EXPECT_GE(db, kMinPsnr) << name;
-    std::printf("inkscape %-32s %.1f dB\n", name.c_str(), db);
+    std::printf("%-8s %-32s %.1f dB\n", program.c_str(), name.c_str(), db);
   }
 }
 
+TEST(ExternalRender, InkscapePictureOfOurSvgMatchesRender) {
+  ExpectSamePictures("inkscape", ".svg", true, [](const std::string& svg, const std::string& stem) {
+    return "inkscape --export-type=png --export-background=white --export-background-opacity=1 --export-filename='" +
+           stem + ".png' '" + svg + "' > /dev/null 2>&1";
+  });
+}
+
+// One point per document unit: 72 dpi gives one pixel per unit.
 TEST(ExternalRender, PopplerPictureOfOurPdfMatchesRender) {
-  if (!lb::test::haveProgram("pdftoppm")) GTEST_SKIP() << "pdftoppm is not installed (scripts/install-deps.sh)";
-  const fs::path dir = lb::test::scratchDir("poppler");
-  for (const auto& [name, doc] : demoDocuments(false)) {
-    const fs::path pdf = dir / (name + ".pdf"), stem = dir / name;
-    lb::app::writeAnyDocument(*doc, pdf.string());
-    // One point per document unit: 72 dpi gives one pixel per unit.
-    const std::string cmd = "pdftoppm -png -r 72 -singlefile '" + pdf.string() + "' '" + stem.string() + "'";
-    ASSERT_EQ(std::system(cmd.c_str()), 0) << name;
-    const double db = lb::test::psnr(lb::test::loadPng(stem.string() + ".png"), ours(*doc));
-    EXPECT_GE(db, kMinPsnr) << name;
-    std::printf("poppler  %-32s %.1f dB\n", name.c_str(), db);
-  }
+  ExpectSamePictures("pdftoppm", ".pdf", false, [](const std::string& pdf, const std::string& stem) {
+    return "pdftoppm -png -r 72 -singlefile '" + pdf + "' '" + stem + "'";
+  });
 }
 
 // Meshes Inkscape itself wrote: our SVG opened and saved again by Inkscape

@@ -23,49 +23,38 @@ struct Picture {
   std::vector<unsigned char> rgb;
 };
 
-inline Picture loadPng(const std::string& path) {
-  Picture p;
+// The pixels of a PNG as cairo reads them: premultiplied ARGB, row by row;
+// none (and a 0 x 0 size) when it cannot be read.
+inline std::vector<uint32_t> readArgb(const std::string& path, int* w, int* h) {
+  std::vector<uint32_t> out;
+  *w = *h = 0;
   cairo_surface_t* s = cairo_image_surface_create_from_png(path.c_str());
-  if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
-    cairo_surface_destroy(s);
-    return p;
+  if (cairo_surface_status(s) == CAIRO_STATUS_SUCCESS) {
+    *w = cairo_image_surface_get_width(s), *h = cairo_image_surface_get_height(s);
+    const int stride = cairo_image_surface_get_stride(s);
+    const unsigned char* data = cairo_image_surface_get_data(s);
+    for (int y = 0; y < *h; ++y)
+      for (int x = 0; x < *w; ++x) out.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x]);
   }
-  p.width = cairo_image_surface_get_width(s);
-  p.height = cairo_image_surface_get_height(s);
-  cairo_surface_t* white = cairo_image_surface_create(CAIRO_FORMAT_RGB24, p.width, p.height);
-  cairo_t* cr = cairo_create(white);
-  cairo_set_source_rgb(cr, 1, 1, 1);
-  cairo_paint(cr);
-  cairo_set_source_surface(cr, s, 0, 0);
-  cairo_paint(cr);
-  cairo_destroy(cr);
-  cairo_surface_flush(white);
-  const unsigned char* d = cairo_image_surface_get_data(white);
-  const int stride = cairo_image_surface_get_stride(white);
-  for (int y = 0; y < p.height; ++y)
-    for (int x = 0; x < p.width; ++x) {
-      const uint32_t px = reinterpret_cast<const uint32_t*>(d + y * stride)[x];
-      p.rgb.insert(p.rgb.end(), {static_cast<unsigned char>(px >> 16), static_cast<unsigned char>(px >> 8),
-                                 static_cast<unsigned char>(px)});
-    }
-  cairo_surface_destroy(white);
   cairo_surface_destroy(s);
+  return out;
+}
+
+// Premultiplied ARGB pixels composited over white.
+inline Picture overWhite(const std::vector<uint32_t>& argb, int w, int h) {
+  Picture p{w, h, {}};
+  for (uint32_t px : argb)
+    for (int shift : {16, 8, 0}) p.rgb.push_back(static_cast<unsigned char>(((px >> shift) & 255) + 255 - (px >> 24)));
   return p;
 }
 
-inline Picture fromImage(const lb::render::Image& im) {
-  Picture p;
-  p.width = im.width;
-  p.height = im.height;
-  for (int y = 0; y < im.height; ++y)
-    for (int x = 0; x < im.width; ++x) {
-      int r, g, b, a;
-      im.rgba(x, y, &r, &g, &b, &a);
-      auto over = [&](int c) { return static_cast<unsigned char>((c * a + 255 * (255 - a) + 127) / 255); };
-      p.rgb.insert(p.rgb.end(), {over(r), over(g), over(b)});
-    }
-  return p;
+inline Picture loadPng(const std::string& path) {
+  int w, h;
+  const std::vector<uint32_t> argb = readArgb(path, &w, &h);
+  return overWhite(argb, w, h);
 }
+
+inline Picture fromImage(const lb::render::Image& im) { return overWhite(im.pixels, im.width, im.height); }
 
 // Peak signal-to-noise ratio in dB; -1 when the sizes differ, 99 when equal.
 inline double psnr(const Picture& a, const Picture& b) {

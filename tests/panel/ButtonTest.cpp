@@ -11,12 +11,10 @@ TEST(Button, HitTestEdges) {
   ZC_Button b;
   EXPECT_FALSE(b.GetBlueBorder());
   EXPECT_EQ(b.SetDimentions(40, 77, 36, 36), 0);
-  EXPECT_TRUE(b.IsUnderCursor(40, 77));
-  EXPECT_TRUE(b.IsUnderCursor(75, 112));
-  EXPECT_FALSE(b.IsUnderCursor(76, 80));
-  EXPECT_FALSE(b.IsUnderCursor(50, 113));
-  EXPECT_FALSE(b.IsUnderCursor(39, 80));
-  EXPECT_FALSE(b.IsUnderCursor(50, 76));
+  // Both corners inside; one past each edge outside.
+  const struct { int x, y; bool under; } points[] = {{40, 77, true},  {75, 112, true}, {76, 80, false},
+                                                    {50, 113, false}, {39, 80, false}, {50, 76, false}};
+  for (const auto& p : points) EXPECT_EQ(b.IsUnderCursor(p.x, p.y), p.under) << p.x << "," << p.y;
 }
 
 TEST(Button, DrawingLeavesTheDeviceContextsPenAsItWas) {

@@ -53,15 +53,11 @@ TEST(DibFill, RegionCodesInOrder) {
   EXPECT_EQ(empty.FillReg(&c, 0, 0, 1, 1), 1);
 
   ZC_DIB d(10, 8, 24);
-  EXPECT_EQ(d.FillReg(&c, 10, 0, 1, 1), 2);
-  EXPECT_EQ(d.FillReg(&c, 0, 8, 1, 1), 3);
-  EXPECT_EQ(d.FillReg(&c, -1, 0, 1, 1), 4);
-  EXPECT_EQ(d.FillReg(&c, 0, -1, 1, 1), 5);
-  EXPECT_EQ(d.FillReg(&c, 0, 0, 0, 1), 6);
-  EXPECT_EQ(d.FillReg(&c, 0, 0, 1, 0), 7);
-  // The first failing check decides: x past the edge beats negative y.
-  EXPECT_EQ(d.FillReg(&c, 10, -1, 0, 0), 2);
-  EXPECT_EQ(d.FillReg(&c, -1, -1, 0, 0), 4);
+  // x, y, w, h and the code; the first failing check decides (the last two
+  // rows: x past the edge beats negative y).
+  const int cases[][5] = {{10, 0, 1, 1, 2}, {0, 8, 1, 1, 3}, {-1, 0, 1, 1, 4},  {0, -1, 1, 1, 5},
+                          {0, 0, 0, 1, 6},  {0, 0, 1, 0, 7}, {10, -1, 0, 0, 2}, {-1, -1, 0, 0, 4}};
+  for (const auto& k : cases) EXPECT_EQ(d.FillReg(&c, k[0], k[1], k[2], k[3]), k[4]) << k[0] << "," << k[1];
 }
 
 TEST(DibFill, WholeBitmapAndClipping) {
@@ -224,29 +220,14 @@ TEST(DibLoad, OtherBitCountsLeaveTheBitmapEmpty) {
   EXPECT_EQ(d.GetW(), 0);
 }
 
-class DibDraw : public ::testing::Test {
- protected:
-  void SetUp() override {
-    wnd = lbwinCreateWindow(20, 20);
-    hdc = GetDC(wnd);
-    // 3 x 2, 24 bits; pixel (x, y) has red 10 x + 1 and green 10 y + 1.
-    dib.Make(3, 2, 24);
-    for (int y = 0; y < 2; ++y)
-      for (int x = 0; x < 3; ++x) {
-        ZS_COLOR c = Rgba(static_cast<unsigned char>(10 * x + 1), static_cast<unsigned char>(10 * y + 1), 0);
-        dib.FillReg(&c, x, y, 1, 1);
-      }
-  }
-  void TearDown() override {
-    ReleaseDC(wnd, hdc);
-    DestroyWindow(wnd);
-  }
-  HWND wnd = nullptr;
-  HDC hdc = nullptr;
-  ZC_DIB dib;
-};
-
-TEST_F(DibDraw, WholeAndSubRectangles) {
+TEST(DibDraw, WholeAndSubRectangles) {
+  HWND wnd = lbwinCreateWindow(20, 20);
+  HDC hdc = GetDC(wnd);
+  // 3 x 2, 24 bits; pixel (x, y) has red 10 x + 1 and green 10 y + 1.
+  ZC_DIB dib(3, 2, 24);
+  for (int y = 0; y < 2; ++y)
+    for (int x = 0; x < 3; ++x)
+      FillReg(dib, Rgba(static_cast<unsigned char>(10 * x + 1), static_cast<unsigned char>(10 * y + 1), 0), x, y, 1, 1);
   const struct {
     int x, y, sx, sy, w, h;
     COLORREF first, right, below;  // at (x, y), (x + 1, y), (x, y + 1)
@@ -263,6 +244,8 @@ TEST_F(DibDraw, WholeAndSubRectangles) {
     EXPECT_EQ(lbwinGetPixel(wnd, c.x + 1, c.y), c.right);
     EXPECT_EQ(lbwinGetPixel(wnd, c.x, c.y + 1), c.below);
   }
+  ReleaseDC(wnd, hdc);
+  DestroyWindow(wnd);
 }
 
 }  // namespace

@@ -80,12 +80,16 @@ class Panel : public ::testing::Test {
     lbwinSetKeyState(VK_CONTROL, FALSE);
     lbwinSetKeyState(VK_MENU, FALSE);
     if (!host) return;
-    if (hwnd) {
-      EXPECT_EQ(host->counters(), counters) << "a window message left a host object alive";
-      EXPECT_EQ(lbwinLiveDCs(), dcs) << "a device context was not released";
-      EXPECT_EQ(lbwinLiveGdiObjects(), objects) << "a pen or brush was not deleted";
-    }
+    EXPECT_EQ(host->counters(), counters) << "a window message left a host object alive";
+    EXPECT_EQ(lbwinLiveDCs(), dcs) << "a device context was not released";
+    EXPECT_EQ(lbwinLiveGdiObjects(), objects) << "a pen or brush was not deleted";
+    // Shutting down restores the window's procedure and destroys it.
     host->shutdownPlugin();
+    EXPECT_FALSE(IsWindow(hwnd));
+    EXPECT_EQ(lb::host::livePanels(), 0);
+    EXPECT_EQ(lb::host::currentPanelWindow(), nullptr);
+    EXPECT_EQ(lbwinLiveDCs(), dcs);
+    EXPECT_EQ(lbwinLiveGdiObjects(), objects);
     host.reset();
     EXPECT_EQ(lbwinLiveWindows(), windows);
   }
@@ -439,18 +443,6 @@ TEST_F(Panel, BrightnessChangesSwapTheLogo) {
   host->fireNotifier("AI UI Brightness Changed Notifier");
   ASSERT_EQ(icons.size(), 3u);
   EXPECT_EQ(icons.back(), std::make_pair(240, 240));
-}
-
-TEST_F(Panel, ShutdownRestoresAndDestroysTheWindow) {
-  host->shutdownPlugin();
-  EXPECT_FALSE(IsWindow(hwnd));
-  EXPECT_EQ(lb::host::livePanels(), 0);
-  EXPECT_EQ(lb::host::currentPanelWindow(), nullptr);
-  EXPECT_EQ(lbwinLiveDCs(), dcs);
-  EXPECT_EQ(lbwinLiveGdiObjects(), objects);
-  hwnd = nullptr;
-  host.reset();
-  EXPECT_EQ(lbwinLiveWindows(), windows);
 }
 
 TEST(PanelSessions, ASecondPanelStartsWithoutPressOrLeaveRequest) {

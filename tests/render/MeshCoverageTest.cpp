@@ -4,12 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <string>
 #include <vector>
 
-#include "host/Document.h"
-#include "host/mesh/GradientMesh.h"
-#include "render/Render.h"
 #include "Scenes.h"
 
 using lb::host::Document;
@@ -38,13 +34,19 @@ void addOutlinePath(Document& doc, ArtObject* layer, const GradientMesh& m) {
     p->segments.push_back({pts[3 * k], pts[(3 * k + pts.size() - 1) % pts.size()], pts[3 * k + 1], 1});
   p->closed = true;
   p->style.fillPaint = 1;
-  p->style.fill.color = rgb(0, 0, 0);
+  p->style.fill.color = Rgb(0, 0, 0);
   p->style.strokePaint = 0;
 }
 
 struct Box {
   double l, b, r, t;
 };
+
+// A 20 x 20 artboard and the document's layer.
+ArtObject* Page(Document& doc) {
+  doc.artboard = AIRealRect{0, 20, 20, 0};
+  return doc.addLayer("Layer 1");
+}
 
 // Largest difference of the red channel between two pictures.
 int worstGap(const Image& a, const Image& b, int* where = nullptr) {
@@ -59,51 +61,44 @@ int worstGap(const Image& a, const Image& b, int* where = nullptr) {
   return worst;
 }
 
-struct CoverageCase {
-  const char* name;
-  std::vector<Box> meshes;  // drawn one after the other
-  int I, J;
-  double bend;
-  double scale;
-};
-
-class MeshCoverage : public ::testing::TestWithParam<CoverageCase> {};
-
 // The mesh picture equals the picture of path fills of the same outlines.
-TEST_P(MeshCoverage, MatchesAPathFillOfTheOutline) {
-  const CoverageCase& c = GetParam();
-  Document meshDoc, pathDoc;
-  meshDoc.artboard = pathDoc.artboard = AIRealRect{0, 20, 20, 0};
-  ArtObject* meshLayer = meshDoc.addLayer("Layer 1");
-  ArtObject* pathLayer = pathDoc.addLayer("Layer 1");
-  for (const Box& b : c.meshes) {
-    ArtObject* m = addMesh(meshDoc, meshLayer, b.l, b.b, b.r, b.t, c.I, c.J, c.bend);
-    addOutlinePath(pathDoc, pathLayer, *m->mesh);
+TEST(MeshCoverage, MatchesAPathFillOfTheOutline) {
+  const struct {
+    const char* name;
+    std::vector<Box> meshes;  // drawn one after the other
+    int I, J;
+    double bend, scale;
+  } cases[] = {
+      {"OnPixelEdges", {{5, 5, 15, 15}}, 1, 1, 0, 1},
+      {"HalfwayThroughPixels", {{5.5, 5.5, 14.5, 14.5}}, 1, 1, 0, 1},
+      {"UnevenFractions", {{5.2, 4.7, 14.35, 13.9}}, 2, 3, 0, 1},
+      {"HalfwayAtScaleTwo", {{5.25, 5.25, 14.75, 14.75}}, 1, 1, 0, 2},
+      {"FractionsAtScaleThree", {{3.1, 2.9, 16.3, 15.2}}, 3, 2, 0, 3},
+      {"FractionsAtScaleOnePointSeven", {{3.1, 2.9, 16.3, 15.2}}, 2, 2, 0, 1.7},
+      {"CurvedOnePatch", {{4, 4, 16, 16}}, 1, 1, 1.5, 1},
+      {"CurvedManyPatches", {{3, 3, 17, 17}}, 4, 3, 1.5, 1},
+      {"CurvedAtScaleTwoAndAHalf", {{3.3, 3.6, 16.2, 16.9}}, 3, 3, 1.2, 2.5},
+      {"AbuttingOnAPixelEdge", {{5, 5, 10, 15}, {10, 5, 15, 15}}, 2, 2, 0, 1},
+      {"AbuttingHalfwayThroughPixels", {{5, 5, 10.5, 15}, {10.5, 5, 15, 15}}, 2, 2, 0, 1},
+      {"AbuttingAtScaleThree", {{5, 5.3, 9.7, 15}, {9.7, 5.3, 15, 15}}, 1, 2, 0, 3}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Document meshDoc, pathDoc;
+    ArtObject* meshLayer = Page(meshDoc);
+    ArtObject* pathLayer = Page(pathDoc);
+    for (const Box& b : c.meshes) {
+      ArtObject* m = addMesh(meshDoc, meshLayer, b.l, b.b, b.r, b.t, c.I, c.J, c.bend);
+      addOutlinePath(pathDoc, pathLayer, *m->mesh);
+    }
+    const Image meshPic = lb::render::renderDocument(meshDoc, RenderOptions{c.scale, false});
+    const Image pathPic = lb::render::renderDocument(pathDoc, RenderOptions{c.scale, false});
+    ASSERT_EQ(meshPic.width, pathPic.width);
+    ASSERT_EQ(meshPic.height, pathPic.height);
+    int where = 0;
+    const int gap = worstGap(meshPic, pathPic, &where);
+    EXPECT_LE(gap, 3) << "at pixel (" << where % meshPic.width << ", " << where / meshPic.width << ")";
   }
-  const Image meshPic = lb::render::renderDocument(meshDoc, RenderOptions{c.scale, false});
-  const Image pathPic = lb::render::renderDocument(pathDoc, RenderOptions{c.scale, false});
-  ASSERT_EQ(meshPic.width, pathPic.width);
-  ASSERT_EQ(meshPic.height, pathPic.height);
-  int where = 0;
-  const int gap = worstGap(meshPic, pathPic, &where);
-  EXPECT_LE(gap, 3) << "at pixel (" << where % meshPic.width << ", " << where / meshPic.width << ")";
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Borders, MeshCoverage,
-    ::testing::Values(CoverageCase{"OnPixelEdges", {{5, 5, 15, 15}}, 1, 1, 0, 1},
-                      CoverageCase{"HalfwayThroughPixels", {{5.5, 5.5, 14.5, 14.5}}, 1, 1, 0, 1},
-                      CoverageCase{"UnevenFractions", {{5.2, 4.7, 14.35, 13.9}}, 2, 3, 0, 1},
-                      CoverageCase{"HalfwayAtScaleTwo", {{5.25, 5.25, 14.75, 14.75}}, 1, 1, 0, 2},
-                      CoverageCase{"FractionsAtScaleThree", {{3.1, 2.9, 16.3, 15.2}}, 3, 2, 0, 3},
-                      CoverageCase{"FractionsAtScaleOnePointSeven", {{3.1, 2.9, 16.3, 15.2}}, 2, 2, 0, 1.7},
-                      CoverageCase{"CurvedOnePatch", {{4, 4, 16, 16}}, 1, 1, 1.5, 1},
-                      CoverageCase{"CurvedManyPatches", {{3, 3, 17, 17}}, 4, 3, 1.5, 1},
-                      CoverageCase{"CurvedAtScaleTwoAndAHalf", {{3.3, 3.6, 16.2, 16.9}}, 3, 3, 1.2, 2.5},
-                      CoverageCase{"AbuttingOnAPixelEdge", {{5, 5, 10, 15}, {10, 5, 15, 15}}, 2, 2, 0, 1},
-                      CoverageCase{"AbuttingHalfwayThroughPixels", {{5, 5, 10.5, 15}, {10.5, 5, 15, 15}}, 2, 2, 0, 1},
-                      CoverageCase{"AbuttingAtScaleThree", {{5, 5.3, 9.7, 15}, {9.7, 5.3, 15, 15}}, 1, 2, 0, 3}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // Exact pixels of a mesh whose border lies on pixel edges, at several
 // scales: black inside, white outside, nothing one pixel too far.
@@ -115,8 +110,7 @@ TEST(MeshCoverageExact, BorderOnPixelEdgesFillsExactlyTheCoveredPixels) {
   // At scale 0.5 the border 6..14 lands on device 3..7.
   for (const Case& c : {Case{1, 5, 15, 5, 14}, Case{2, 5, 15, 10, 29}, Case{0.5, 6, 14, 3, 6}, Case{4, 5, 15, 20, 59}}) {
     Document doc;
-    doc.artboard = AIRealRect{0, 20, 20, 0};
-    addMesh(doc, doc.addLayer("Layer 1"), c.lo, c.lo, c.hi, c.hi);
+    addMesh(doc, Page(doc), c.lo, c.lo, c.hi, c.hi);
     const Image img = lb::render::renderDocument(doc, RenderOptions{c.scale, false});
     for (int y = 0; y < img.height; ++y)
       for (int x = 0; x < img.width; ++x) {
@@ -131,8 +125,7 @@ TEST(MeshCoverageExact, BorderOnPixelEdgesFillsExactlyTheCoveredPixels) {
 // nor do the patches of one mesh between them.
 TEST(MeshCoverageExact, SharedBordersLeaveNoLightSeam) {
   Document doc;
-  doc.artboard = AIRealRect{0, 20, 20, 0};
-  ArtObject* layer = doc.addLayer("Layer 1");
+  ArtObject* layer = Page(doc);
   addMesh(doc, layer, 2, 2, 9, 18, 3, 5, 0);
   addMesh(doc, layer, 9, 2, 18, 18, 4, 2, 0);
   for (double scale : {1.0, 2.0, 3.0}) {
@@ -148,22 +141,17 @@ TEST(MeshCoverageExact, SharedBordersLeaveNoLightSeam) {
 TEST(MeshCoverageExact, SelectionOverlayLinesSitOnTheMeshBorder) {
   for (double scale : {1.0, 2.0, 3.0}) {
     Document doc;
-    doc.artboard = AIRealRect{0, 20, 20, 0};
-    ArtObject* layer = doc.addLayer("Layer 1");
-    ArtObject* a = addMesh(doc, layer, 5, 5, 15, 15, 1, 1, 0);
-    paintNodes(*a->mesh, rgb(1, 1, 1));
+    ArtObject* a = addMesh(doc, Page(doc), 5, 5, 15, 15, 1, 1, 0);
+    paintNodes(*a->mesh, Rgb(1, 1, 1));
     a->userAttr |= kArtSelected;
     const Image img = lb::render::renderDocument(doc, RenderOptions{scale, true});
     const int y = static_cast<int>(10 * scale);
     const int edge = static_cast<int>(5 * scale);  // device x of the left border
-    int r0, g0, b0, a0, r1, g1, b1, a1, r2, g2, b2, a2;
-    img.rgba(edge - 1, y, &r0, &g0, &b0, &a0);
-    img.rgba(edge, y, &r1, &g1, &b1, &a1);
-    img.rgba(edge + 1, y, &r2, &g2, &b2, &a2);
-    EXPECT_GT(b0 - r0, 40) << "scale " << scale;
-    EXPECT_NEAR(r0, r1, 2) << "scale " << scale;
-    EXPECT_NEAR(b0, b1, 2) << "scale " << scale;
-    EXPECT_EQ(r2 + g2 + b2, 3 * 255) << "scale " << scale;
+    const Rgba out = rgbaAt(img, edge - 1, y), on = rgbaAt(img, edge, y), in = rgbaAt(img, edge + 1, y);
+    EXPECT_GT(out.b - out.r, 40) << "scale " << scale;
+    EXPECT_NEAR(out.r, on.r, 2) << "scale " << scale;
+    EXPECT_NEAR(out.b, on.b, 2) << "scale " << scale;
+    EXPECT_EQ(in.r + in.g + in.b, 3 * 255) << "scale " << scale;
   }
 }
 

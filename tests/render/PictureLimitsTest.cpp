@@ -3,20 +3,15 @@
 // and the PNG writer keeps every pixel.
 #include <gtest/gtest.h>
 
-#include <cairo.h>
-
-#include <cmath>
 #include <filesystem>
 #include <functional>
 #include <limits>
 #include <string>
 #include <unistd.h>
 
-#include "host/Document.h"
-#include "host/mesh/GradientMesh.h"
 #include "render/Png.h"
-#include "render/Render.h"
 #include "Scenes.h"
+#include "interchange/Pictures.h"
 
 using lb::host::Document;
 using lb::render::Image;
@@ -27,15 +22,6 @@ namespace {
 
 constexpr double kFar = 2147483647.0;  // 2^31 - 1
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-ArtObject* addRaster(Document& doc, ArtObject* layer, AIRealMatrix m) {
-  ArtObject* ras = nullptr;
-  EXPECT_EQ(doc.newArt(kRasterArt, kPlaceInsideOnTop, layer, &ras), kNoErr);
-  ras->image.width = 2, ras->image.height = 2, ras->image.space = kRGBColorSpace, ras->image.bits = 8;
-  ras->image.pixels.assign(12, 0);
-  ras->image.matrix = m;
-  return ras;
-}
 
 struct LimitCase {
   const char* name;
@@ -155,21 +141,6 @@ TEST(PictureLimitsScale, ScalesOutsideTheUsableRangeAreRefused) {
   EXPECT_NO_THROW(lb::render::renderDocument(doc, RenderOptions{1e-4, false}));
 }
 
-// Reads a PNG back through cairo: ARGB32 premultiplied pixels.
-std::vector<uint32_t> readPng(const std::string& path, int* w, int* h) {
-  cairo_surface_t* s = cairo_image_surface_create_from_png(path.c_str());
-  std::vector<uint32_t> out;
-  if (cairo_surface_status(s) == CAIRO_STATUS_SUCCESS) {
-    *w = cairo_image_surface_get_width(s), *h = cairo_image_surface_get_height(s);
-    const int stride = cairo_image_surface_get_stride(s);
-    const unsigned char* data = cairo_image_surface_get_data(s);
-    for (int y = 0; y < *h; ++y)
-      for (int x = 0; x < *w; ++x) out.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x]);
-  }
-  cairo_surface_destroy(s);
-  return out;
-}
-
 TEST(PngWriter, EveryPixelSurvivesTheRoundTrip) {
   const auto path = (std::filesystem::temp_directory_path() / ("lb-png-" + std::to_string(::getpid()) + ".png")).string();
   struct Case {
@@ -186,7 +157,7 @@ TEST(PngWriter, EveryPixelSurvivesTheRoundTrip) {
                                c.pixels[3], c.pixels[4], c.pixels[5], 0xdeadbeefu};
     ASSERT_EQ(lb::render::writePng(path, rows.data(), 3, 2, 4), "") << c.name;
     int w = 0, h = 0;
-    const std::vector<uint32_t> back = readPng(path, &w, &h);
+    const std::vector<uint32_t> back = lb::test::readArgb(path, &w, &h);
     ASSERT_EQ(w, 3) << c.name;
     ASSERT_EQ(h, 2) << c.name;
     for (size_t k = 0; k < 6; ++k)

@@ -7,9 +7,6 @@
 #include <filesystem>
 #include <random>
 
-#include "host/Document.h"
-#include "host/mesh/GradientMesh.h"
-#include "render/Render.h"
 #include "Scenes.h"
 #include "support/Geometry.h"
 
@@ -17,7 +14,8 @@ using lb::host::Document;
 using lb::host::GradientMesh;
 using lb::render::Image;
 using lb::render::RenderOptions;
-using lbtest::rgb;
+using lbtest::Rgb;
+using lbtest::Rgba;
 
 namespace {
 
@@ -35,16 +33,16 @@ class Render : public ::testing::Test {
     for (int j = 0; j <= J; ++j)
       for (int i = 0; i <= I; ++i) {
         auto n = a->mesh->nodeData(i, j);
-        n.color = rgb(d(rng), d(rng), d(rng));
+        n.color = Rgb(d(rng), d(rng), d(rng));
         a->mesh->setNodeData(i, j, n);
       }
     return a;
   }
   // Pixel colour at a document point.
-  void pixelAt(const Image& img, double scale, AIRealPoint p, int* r, int* g, int* b, int* a) {
+  static Rgba pixelAt(const Image& img, double scale, AIRealPoint p) {
     double x, y;
     img.toPixel(p, scale, &x, &y);
-    img.rgba(static_cast<int>(x), static_cast<int>(y), r, g, b, a);
+    return lbtest::rgbaAt(img, static_cast<int>(x), static_cast<int>(y));
   }
   Document doc;
   ArtObject* layer = nullptr;
@@ -65,70 +63,59 @@ TEST_F(Render, MeshPixelsMatchEvaluatedColours) {
       const AIRealPoint p = m.evalPoint(u, v);
       double er, eg, eb;
       lb::host::colorToRGB(m.evalColor(u, v), &er, &eg, &eb);
-      int r, g, b, al;
-      pixelAt(img, scale, p, &r, &g, &b, &al);
-      EXPECT_EQ(al, 255);
-      worst = std::max({worst, std::abs(r - static_cast<int>(std::lround(er * 255))),
-                        std::abs(g - static_cast<int>(std::lround(eg * 255))),
-                        std::abs(b - static_cast<int>(std::lround(eb * 255)))});
+      const Rgba c = pixelAt(img, scale, p);
+      EXPECT_EQ(c.a, 255);
+      worst = std::max({worst, std::abs(c.r - static_cast<int>(std::lround(er * 255))),
+                        std::abs(c.g - static_cast<int>(std::lround(eg * 255))),
+                        std::abs(c.b - static_cast<int>(std::lround(eb * 255)))});
       ++n;
     }
   EXPECT_GT(n, 300);
   EXPECT_LE(worst, 8) << "largest channel difference between picture and evaluation";
   // Outside the mesh the page stays white.
-  int r, g, b, al;
-  img.rgba(2, 2, &r, &g, &b, &al);
-  EXPECT_EQ(r + g + b, 3 * 255);
+  const Rgba page = lbtest::rgbaAt(img, 2, 2);
+  EXPECT_EQ(page.r + page.g + page.b, 3 * 255);
 }
 
 TEST_F(Render, NodeOpacityArtOpacityAndBlendingAreHonoured) {
   ArtObject* a = addMesh(1, 1, 9);
   GradientMesh& m = *a->mesh;
-  lbtest::paintNodes(m, rgb(0, 0, 1), 0.5);
+  lbtest::paintNodes(m, Rgb(0, 0, 1), 0.5);
+  auto at = [&](AIRealPoint p) { return pixelAt(lb::render::renderDocument(doc), 1, p); };
   const AIRealPoint mid{50, 50};
-  int r, g, b, al;
-  pixelAt(lb::render::renderDocument(doc), 1, mid, &r, &g, &b, &al);
-  EXPECT_NEAR(r, 128, 2);  // half blue over white
-  EXPECT_NEAR(b, 255, 1);
+  EXPECT_NEAR(at(mid).r, 128, 2);  // half blue over white
+  EXPECT_NEAR(at(mid).b, 255, 1);
   a->opacity = 0.5;
-  pixelAt(lb::render::renderDocument(doc), 1, mid, &r, &g, &b, &al);
-  EXPECT_NEAR(r, 191, 2);
+  EXPECT_NEAR(at(mid).r, 191, 2);
   // Multiply of blue over a red square below gives black.
-  ArtObject* sq = lbtest::addRect(doc, layer, 0, 0, 100, 100, rgb(1, 0, 0));
+  ArtObject* sq = lbtest::addRect(doc, layer, 0, 0, 100, 100, Rgb(1, 0, 0));
   ASSERT_EQ(doc.reorderArt(sq, kPlaceBelow, a), kNoErr);
   a->opacity = 1;
-  lbtest::paintNodes(m, rgb(0, 0, 1));
+  lbtest::paintNodes(m, Rgb(0, 0, 1));
   a->blendMode = kAIMultiplyBlendingMode;
-  pixelAt(lb::render::renderDocument(doc), 1, mid, &r, &g, &b, &al);
-  EXPECT_LT(r + g + b, 6);
-  pixelAt(lb::render::renderDocument(doc), 1, AIRealPoint{5, 5}, &r, &g, &b, &al);
-  EXPECT_EQ(r, 255);
-  EXPECT_EQ(g, 0);
+  const Rgba multiplied = at(mid), red = at({5, 5});
+  EXPECT_LT(multiplied.r + multiplied.g + multiplied.b, 6);
+  EXPECT_EQ(red.r, 255);
+  EXPECT_EQ(red.g, 0);
   // Hidden art is left out.
   a->userAttr |= kArtHidden;
-  pixelAt(lb::render::renderDocument(doc), 1, mid, &r, &g, &b, &al);
-  EXPECT_EQ(r, 255);
-  EXPECT_EQ(b, 0);
+  const Rgba hidden = at(mid);
+  EXPECT_EQ(hidden.r, 255);
+  EXPECT_EQ(hidden.b, 0);
 }
 
 TEST_F(Render, RasterPixelsLandWhereTheMatrixPutsThem) {
-  ArtObject* ras = nullptr;
-  ASSERT_EQ(doc.newArt(kRasterArt, kPlaceInsideOnTop, layer, &ras), kNoErr);
-  ArtImage& im = ras->image;
-  im.width = 2, im.height = 2, im.space = kRGBColorSpace, im.bits = 8;
-  // Rows top first: red, green / blue, white.
-  im.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
-  im.matrix = AIRealMatrix{10, 0, 0, 10, 20, 60};  // image (0, 0) at document (20, 60)
-  int r, g, b, al;
+  // Image (0, 0) at document (20, 60); rows top first: red, green / blue, white.
+  ArtObject* ras = lbtest::addRaster(doc, layer, AIRealMatrix{10, 0, 0, 10, 20, 60});
+  ras->image.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
   const Image img = lb::render::renderDocument(doc);
-  pixelAt(img, 1, AIRealPoint{25, 55}, &r, &g, &b, &al);  // top-left pixel
-  EXPECT_EQ(r, 255);
-  EXPECT_EQ(g, 0);
-  pixelAt(img, 1, AIRealPoint{35, 45}, &r, &g, &b, &al);  // bottom-right pixel
-  EXPECT_EQ(r + g + b, 3 * 255);
-  pixelAt(img, 1, AIRealPoint{25, 45}, &r, &g, &b, &al);  // bottom-left
-  EXPECT_EQ(b, 255);
-  EXPECT_EQ(r, 0);
+  const Rgba topLeft = pixelAt(img, 1, {25, 55}), bottomRight = pixelAt(img, 1, {35, 45}),
+             bottomLeft = pixelAt(img, 1, {25, 45});
+  EXPECT_EQ(topLeft.r, 255);
+  EXPECT_EQ(topLeft.g, 0);
+  EXPECT_EQ(bottomRight.r + bottomRight.g + bottomRight.b, 3 * 255);
+  EXPECT_EQ(bottomLeft.b, 255);
+  EXPECT_EQ(bottomLeft.r, 0);
 }
 
 TEST_F(Render, SelectionOverlayMarksSelectedVertices) {
@@ -138,11 +125,9 @@ TEST_F(Render, SelectionOverlayMarksSelectedVertices) {
   const AIRealPoint node = a->mesh->point(a->mesh->node(1, 1));
   const Image plain = lb::render::renderDocument(doc, RenderOptions{1, false});
   const Image over = lb::render::renderDocument(doc, RenderOptions{1, true});
-  int r0, g0, b0, a0, r1, g1, b1, a1;
-  pixelAt(plain, 1, node, &r0, &g0, &b0, &a0);
-  pixelAt(over, 1, node, &r1, &g1, &b1, &a1);
-  EXPECT_LT(r1, 80);
-  EXPECT_GT(b1, 200);
+  const Rgba marked = pixelAt(over, 1, node);
+  EXPECT_LT(marked.r, 80);
+  EXPECT_GT(marked.b, 200);
   EXPECT_NE(plain.pixels, over.pixels);
 }
 

@@ -1,4 +1,5 @@
-// Art for render tests: black meshes over a box (optionally curved), filled rectangles, node paint.
+// Art for render tests: black meshes over a box (optionally curved), filled rectangles, rasters,
+// node paint; with the document, mesh and render headers the render tests use.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,11 +8,20 @@
 
 #include "host/Document.h"
 #include "host/mesh/GradientMesh.h"
+#include "render/Render.h"
 #include "support/Engine.h"
 
 namespace lbtest {
 
-inline AIColor rgb(double r, double g, double b) { return Rgb(r, g, b); }
+// Un-premultiplied channels of a pixel.
+struct Rgba {
+  int r, g, b, a;
+};
+inline Rgba rgbaAt(const lb::render::Image& img, int x, int y) {
+  Rgba c;
+  img.rgba(x, y, &c.r, &c.g, &c.b, &c.a);
+  return c;
+}
 
 // Every node of m gets colour c and opacity o.
 inline void paintNodes(lb::host::GradientMesh& m, AIColor c, double o = 1) {
@@ -33,7 +43,7 @@ inline ArtObject* addMesh(lb::host::Document& doc, ArtObject* layer, double l, d
   lb::host::GradientMesh& m = *a->mesh;
   m.initCartesian(I, J);
   m.transform(AIRealMatrix{r - l, 0, 0, t - b, l, b});
-  paintNodes(m, rgb(0, 0, 0));
+  paintNodes(m, Rgb(0, 0, 0));
   if (bend == 0) return a;
   for (int j = 1; j < J; ++j)
     for (int i = 1; i < I; ++i) {
@@ -57,7 +67,7 @@ inline ArtObject* addMesh(lb::host::Document& doc, ArtObject* layer, double l, d
 
 // A closed rectangle path filled with `fill`, no stroke.
 inline ArtObject* addRect(lb::host::Document& doc, ArtObject* layer, double l, double b, double r, double t,
-                          AIColor fill = rgb(0, 0, 0)) {
+                          AIColor fill = Rgb(0, 0, 0)) {
   ArtObject* p = nullptr;
   EXPECT_EQ(doc.newArt(kPathArt, kPlaceInsideOnTop, layer, &p), kNoErr);
   for (AIRealPoint q : {AIRealPoint{l, b}, AIRealPoint{r, b}, AIRealPoint{r, t}, AIRealPoint{l, t}})
@@ -67,6 +77,16 @@ inline ArtObject* addRect(lb::host::Document& doc, ArtObject* layer, double l, d
   p->style.fill.color = fill;
   p->style.strokePaint = 0;
   return p;
+}
+
+// A black 2 x 2 RGB raster placed by m.
+inline ArtObject* addRaster(lb::host::Document& doc, ArtObject* layer, AIRealMatrix m) {
+  ArtObject* ras = nullptr;
+  EXPECT_EQ(doc.newArt(kRasterArt, kPlaceInsideOnTop, layer, &ras), kNoErr);
+  ras->image.width = 2, ras->image.height = 2, ras->image.space = kRGBColorSpace, ras->image.bits = 8;
+  ras->image.pixels.assign(12, 0);
+  ras->image.matrix = m;
+  return ras;
 }
 
 }  // namespace lbtest

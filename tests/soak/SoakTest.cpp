@@ -58,13 +58,10 @@ std::unique_ptr<GradientMesh> RandomMesh(Rand& r, double originH) {
   auto m = std::make_unique<GradientMesh>();
   const int I = r.Int(1, 6), J = r.Int(1, 6);
   m->initCartesian(I, J);
-  auto at = [&](int i, int j) {
-    return AIRealPoint{originH + 20.0 * i + r.Real(-4, 4), 20.0 * j + r.Real(-4, 4)};
-  };
   for (int j = 0; j <= J; ++j)
     for (int i = 0; i <= I; ++i) {
       lb::host::MeshNodeData d = m->nodeData(i, j);
-      d.p = at(i, j);
+      d.p = {originH + 20.0 * i + r.Real(-4, 4), 20.0 * j + r.Real(-4, 4)};
       d.color = RandomColor(r);
       d.opacity = r.Chance(0.7) ? 1.0 : r.Real(0, 1);
       for (bool& s : d.smooth) s = r.Chance(0.5);
@@ -144,20 +141,12 @@ std::unique_ptr<lb::host::Document> RandomDocument(Rand& r) {
   return doc;
 }
 
-// Structural invariants of a mesh that every edit must keep; the empty
-// string when they hold.
+// Structural invariants of a mesh that every edit must keep and the file
+// does not show; the empty string when they hold. (Grid size, relative
+// positions and the shape of every run are checked by reading the written
+// document back.)
 std::string MeshProblem(const GradientMesh& m) {
   std::ostringstream out;
-  const int I = m.sizeI(), J = m.sizeJ();
-  if (I < 1 || J < 1) return "empty grid";
-  const auto& us = m.relativeUs();
-  const auto& vs = m.relativeVs();
-  if (static_cast<int>(us.size()) != I + 1 || static_cast<int>(vs.size()) != J + 1) return "relative count";
-  if (us.front() != 0 || us.back() != 1 || vs.front() != 0 || vs.back() != 1) return "relative ends";
-  for (int k = 0; k < I; ++k)
-    if (!(us[k] < us[k + 1])) return "relative u not increasing";
-  for (int k = 0; k < J; ++k)
-    if (!(vs[k] < vs[k + 1])) return "relative v not increasing";
   // Every node once in the walk, in row order, each knowing its place.
   size_t walked = 0, nodes = 0;
   int lastI = -1, lastJ = 0;
@@ -186,18 +175,6 @@ std::string MeshProblem(const GradientMesh& m) {
   }
   if (walked != m.vertexCount()) return "walk misses vertices";
   if (nodes != m.nodeCount()) return "walk misses nodes";
-  // Runs start and end on their nodes and have 3m + 1 points.
-  for (int axis = 0; axis < 2; ++axis)
-    for (int j = 0; j <= J; ++j)
-      for (int i = 0; i <= I; ++i) {
-        if (axis == 0 ? i == I : j == J) continue;
-        const auto& pts = m.runPoints(axis, i, j);
-        if (pts.size() < 4 || (pts.size() - 1) % 3 != 0) return "run point count";
-        const AIRealPoint a = m.nodeData(i, j).p;
-        const AIRealPoint b = axis == 0 ? m.nodeData(i + 1, j).p : m.nodeData(i, j + 1).p;
-        if (pts.front().h != a.h || pts.front().v != a.v || pts.back().h != b.h || pts.back().v != b.v)
-          return "run ends off their nodes";
-      }
   // The segment walk covers every run once.
   size_t segments = 0;
   for (SegmentRef s = m.firstSegment(); s.start != kNoVertex; s = m.nextSegment(s)) {
@@ -227,20 +204,20 @@ TEST(Soak, RandomCommandsKeepDocumentsSound) {
       what << "step " << done << " (seed " << seed << "): command " << id << (alt ? "+alt" : "")
            << (ctrl ? "+ctrl" : "");
       ASSERT_TRUE(before == lb::host::liveCounters()) << what.str() << " leaked host objects";
-      for (ArtObject* art : host.document().allArt())
-        if (art->type == kMeshArt && art->mesh) {
-          const std::string problem = MeshProblem(*art->mesh);
-          ASSERT_EQ(problem, "") << what.str();
-        }
       // The file format writes a selected mesh with no selected vertex as
       // wholly selected, so such a document is compared after one more read.
       bool emptySelection = false;
       for (ArtObject* art : host.document().allArt())
-        if (art->type == kMeshArt && art->mesh && art->selected() && art->mesh->isSelectionEmpty())
-          emptySelection = true;
-      std::string text = lb::io::writeDocument(host.document());
-      if (emptySelection) text = lb::io::writeDocument(*lb::io::readDocument(text));
-      const std::string again = lb::io::writeDocument(*lb::io::readDocument(text));
+        if (art->type == kMeshArt && art->mesh) {
+          ASSERT_EQ(MeshProblem(*art->mesh), "") << what.str();
+          emptySelection = emptySelection || (art->selected() && art->mesh->isSelectionEmpty());
+        }
+      std::string text, again;
+      ASSERT_NO_THROW({
+        text = lb::io::writeDocument(host.document());
+        if (emptySelection) text = lb::io::writeDocument(*lb::io::readDocument(text));
+        again = lb::io::writeDocument(*lb::io::readDocument(text));
+      }) << what.str() << ": the written document does not read back";
       ASSERT_EQ(text, again) << what.str() << ": write/read round trip differs";
     }
   }

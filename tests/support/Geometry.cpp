@@ -8,6 +8,8 @@ namespace lbtest {
 using lb::host::bez::cubicAt;
 using lb::host::bez::cubicDeriv;
 
+namespace {
+// Distance from p to the chain.
 double DistToChain(const Chain& c, AIRealPoint p) {
   double best = 1e300;
   for (size_t q = 0; q + 3 < c.size(); q += 3) {
@@ -32,6 +34,7 @@ double DistToChain(const Chain& c, AIRealPoint p) {
   }
   return best;
 }
+}  // namespace
 
 double ChainDeviation(const Chain& a, const Chain& b) {
   double worst = std::max(Dist(a.front(), b.front()), Dist(a.back(), b.back()));

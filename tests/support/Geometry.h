@@ -30,8 +30,6 @@ inline double AngleDiff(double a, double b) { return std::remainder(a - b, 2 * k
 
 // A chain of cubic pieces: 3m + 1 points.
 using Chain = std::vector<AIRealPoint>;
-// Distance from p to the chain.
-double DistToChain(const Chain& c, AIRealPoint p);
 // How far chain b (sampled densely) strays from chain a, end points included.
 double ChainDeviation(const Chain& a, const Chain& b);
 

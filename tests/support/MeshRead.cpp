@@ -64,7 +64,7 @@ MeshContent ReadMesh(const json& art) {
   }
   for (const json& r : art.value("runs", json::array())) {
     RunContent rc;
-    for (const json& p : r.at("points")) rc.points.emplace_back(p[0].get<double>(), p[1].get<double>());
+    rc.points = PointsOf(r.at("points"));
     for (const json& e : r.value("inner", json::array())) {
       InnerContent ic;
       ic.kind = e.at("kind");
@@ -154,12 +154,7 @@ MeshContent MapMesh(const MeshContent& old, int newI, int newJ, const NodeMap& m
     auto it = got.runs.find(key);
     if (it == got.runs.end()) return AssertionFailure() << at << " missing";
     const RunContent& g = it->second;
-    if (g.points.size() != w.points.size())
-      return AssertionFailure() << at << " has " << g.points.size() << " points, want " << w.points.size();
-    for (size_t k = 0; k < w.points.size(); ++k)
-      if (!Near(g.points[k].first, w.points[k].first, tol) || !Near(g.points[k].second, w.points[k].second, tol))
-        return AssertionFailure() << at << " point " << k << " (" << g.points[k].first << ", " << g.points[k].second
-                                  << ") vs (" << w.points[k].first << ", " << w.points[k].second << ")";
+    if (auto same = SamePoints(g.points, w.points, tol); !same) return AssertionFailure() << at << ": " << same.message();
     if (g.inner.size() < w.inner.size()) return AssertionFailure() << at << " lost inner vertices";
     for (size_t k = 0; k < w.inner.size(); ++k) {
       const InnerContent &gi = g.inner[k], &wi = w.inner[k];

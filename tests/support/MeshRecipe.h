@@ -1,11 +1,5 @@
-// Tests: the document builder — .lbdoc JSON of gradient meshes described by a few fields.
-//
-//   MeshRecipe m;                 // 2 x 2 cells of 10 x 10, straight runs, whole mesh selected
-//   m.I = 4; m.J = 3;
-//   m.selected = Rect(1, 2, 0, 1);            // node selection (flags written)
-//   m.inner[{1, 1, 'I'}] = true;               // a selected vertex in the middle of a run
-//   m.paint = Paint::Coded;                   // each node's gray and opacity name the node
-//   nlohmann::json doc = DocJson({m, other});  // one layer, first mesh on top
+// Tests: the document builder — .lbdoc JSON of gradient meshes described by a few fields
+// (usage: tests/support/README.md).
 //
 // Node (i, j) sits at (x0 + dx i, y0 + dy j) unless `moved` says otherwise
 // (`warped` adds a small wobble so that no two nodes share a coordinate).

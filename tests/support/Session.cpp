@@ -69,20 +69,10 @@ MeshContent Session::content(size_t k) { return ReadMesh(Children(written()).at(
 
 ArtObject* Session::art(size_t k) { return host_->document().layers().at(0)->children.at(k).get(); }
 size_t Session::artCount() { return host_->document().layers().at(0)->children.size(); }
-ArtObject* Session::art(const std::string& id) {
-  ArtObject* a = host_->document().findById(id);
-  if (!a) throw std::runtime_error("no art " + id);
-  return a;
-}
 
 lb::host::GradientMesh& Session::engine(size_t k) {
   ArtObject* a = art(k);
   if (!a->mesh) throw std::runtime_error("art " + std::to_string(k) + " is not a mesh");
-  return *a->mesh;
-}
-lb::host::GradientMesh& Session::engine(const std::string& id) {
-  ArtObject* a = art(id);
-  if (!a->mesh) throw std::runtime_error("art " + id + " is not a mesh");
   return *a->mesh;
 }
 

@@ -1,19 +1,7 @@
 // Tests: a document in the stand-in host with the plug-in running, driven command by command.
 //
-//   Session s(DocJson(recipe));          // loads the plug-in module
-//   s.run(CmdSelectRegion, alt, ctrl);  // as a click on the panel would
-//   MeshState m = s.mesh(0);           // the first mesh as written back
-//
-// run() expects every command to leave the host's live-object counters
-// (iterators, selections, suites, blocks ...) where they were; the
-// destructor expects the same for the whole session. One Session at a
-// time: the host's suites are process-wide. Modes:
-//   Module  the built plug-in module loaded as the host loads it;
-//   Linked  the plug-in's code linked into the test, its suite pointers
-//           acquired from the host as a command would; the mesh and vertex
-//           iterator tables point at editable copies (meshTable(),
-//           vertexTable()) so a test can make single calls fail;
-//   Bare    no plug-in at all, for tests of the host's engine and suites.
+// Usage, modes and the live-object checks: tests/support/README.md. One
+// Session at a time: the host's suites are process-wide.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -53,12 +41,10 @@ class Session {
   json runLayer(int id, bool alt = false, bool ctrl = false);
   MeshState mesh(size_t k);          // k-th art of the first layer, written
   MeshContent content(size_t k);
-  // The k-th art of the first layer (or the art with `id`) in the host.
+  // The k-th art of the first layer in the host.
   ArtObject* art(size_t k);
-  ArtObject* art(const std::string& id);
   size_t artCount();
   lb::host::GradientMesh& engine(size_t k = 0);
-  lb::host::GradientMesh& engine(const std::string& id);
   lb::host::Host& host() { return *host_; }
   // The host's counters are back at the session's start.
   bool balanced() const;
