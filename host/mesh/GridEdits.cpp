@@ -161,7 +161,7 @@ void GradientMesh::Impl::init(int i, int j) {
   col.resize(I + 1), colPos.resize(I + 1), row.resize(J + 1), rowPos.resize(J + 1);
   for (int k = 0; k <= I; ++k) col[k] = colPos[k] = k;
   for (int k = 0; k <= J; ++k) row[k] = rowPos[k] = k;
-  cells.assign(static_cast<size_t>(I + 1), std::vector<Cell>(static_cast<size_t>(J + 1)));
+  cells.assign(static_cast<size_t>(I + 1), CellColumn<Cell>(static_cast<size_t>(J + 1)));
   u.resize(I + 1), v.resize(J + 1);
   for (int k = 0; k <= I; ++k) u[k] = static_cast<double>(k) / I;
   for (int k = 0; k <= J; ++k) v[k] = static_cast<double>(k) / J;
@@ -188,7 +188,7 @@ int GradientMesh::Impl::deadSlots() const {
 
 void GradientMesh::Impl::compact() {
   const Restructuring restructuring(*this);
-  std::vector<std::vector<Cell>> fresh(static_cast<size_t>(I + 1));
+  std::vector<CellColumn<Cell>> fresh(static_cast<size_t>(I + 1));
   for (int i = 0; i <= I; ++i) {
     fresh[i].reserve(static_cast<size_t>(J + 1));
     for (int j = 0; j <= J; ++j) fresh[i].push_back(std::move(cellAt(i, j)));
@@ -318,7 +318,7 @@ void GradientMesh::Impl::deleteLine(int axis, int k) {
     colPos[cs] = -1;
     --I;
     for (int i = k; i <= I; ++i) colPos[col[i]] = i;
-    std::vector<Cell>().swap(cells[cs]);
+    cells[cs] = CellColumn<Cell>();
     u.erase(u.begin() + k);
   } else {
     const int32_t rs = row[k];

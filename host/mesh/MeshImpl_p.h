@@ -17,6 +17,7 @@
 
 #include "host/Color.h"
 #include "host/mesh/Bezier.h"
+#include "host/mesh/CellColumn.h"
 #include "host/mesh/GradientMesh.h"
 #include "host/mesh/InlineVec.h"
 
@@ -104,7 +105,7 @@ struct GradientMesh::Impl {
   std::vector<double> u{0, 1}, v{0, 1};
   std::vector<int32_t> col, row;        // logical index -> slot
   std::vector<int32_t> colPos, rowPos;  // slot -> logical index, -1 when deleted
-  std::vector<std::vector<Cell>> cells;  // [column slot][row slot]
+  std::vector<CellColumn<Cell>> cells;  // [column slot][row slot]
   std::vector<Loc> locs;                 // by vertex id
 
   // Colour field cache: per node in row order, the components of the mesh's
