@@ -1,21 +1,26 @@
-// CellColumn: the cells of one column slot of a mesh, grown by realloc.
+// CellColumn: the cells of one column slot of a mesh, grown without moving
+// the cells it already holds.
 //
 // Inserting a grid line across the columns appends one cell to every
-// column. With std::vector each growth moves the column cell by cell
-// (a move and a destruction per cell); here the block is handed to realloc,
-// which extends it in place when it can, copies it in one go otherwise, and
-// remaps the pages of a large block instead of copying them.
+// column. A std::vector would move each whole column on every doubling (a
+// move and a destruction per cell, and fresh pages for the new block).
+// Here a column is one block of the size it was made with, followed by
+// fixed-size chunks for the cells appended later: appending never moves a
+// cell. A short column grows its first block instead (by realloc, in one
+// copy), so small meshes keep one small block per column. Copying a column
+// gathers it into one block again.
 //
-// That is only valid for elements that may be moved by copying their bytes
-// and then forgetting the old ones: no element may hold its own address or
-// be registered elsewhere by address. Mesh cells qualify (plain values, and
-// InlineVec, which finds its inline buffer from its own address each time).
+// realloc moves elements by copying their bytes, which is valid only for
+// elements that hold no pointer to themselves and are not registered
+// elsewhere by address. Mesh cells qualify (plain values, and InlineVec,
+// which finds its inline buffer from its own address each time).
 #pragma once
 
 #include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <utility>
+#include <vector>
 
 namespace lb::host {
 
@@ -25,16 +30,13 @@ class CellColumn {
   CellColumn() = default;
   explicit CellColumn(size_t n) {
     reserve(n);
-    for (; size_ < n; ++size_) new (data_ + size_) T();
+    for (; size_ < n; ++size_) new (head_ + size_) T();
   }
   CellColumn(const CellColumn& o) {
     reserve(o.size_);
-    for (; size_ < o.size_; ++size_) new (data_ + size_) T(o.data_[size_]);
+    for (; size_ < o.size_; ++size_) new (head_ + size_) T(o[size_]);
   }
-  CellColumn(CellColumn&& o) noexcept : data_(o.data_), size_(o.size_), cap_(o.cap_) {
-    o.data_ = nullptr;
-    o.size_ = o.cap_ = 0;
-  }
+  CellColumn(CellColumn&& o) noexcept { take(o); }
   CellColumn& operator=(const CellColumn& o) {
     if (this != &o) *this = CellColumn(o);
     return *this;
@@ -42,47 +44,74 @@ class CellColumn {
   CellColumn& operator=(CellColumn&& o) noexcept {
     if (this != &o) {
       release();
-      std::swap(data_, o.data_);
-      std::swap(size_, o.size_);
-      std::swap(cap_, o.cap_);
+      take(o);
     }
     return *this;
   }
   ~CellColumn() { release(); }
 
   size_t size() const { return size_; }
-  T& operator[](size_t k) { return data_[k]; }
-  const T& operator[](size_t k) const { return data_[k]; }
+  T& operator[](size_t k) { return k < headCap_ ? head_[k] : chunk(k); }
+  const T& operator[](size_t k) const { return k < headCap_ ? head_[k] : chunk(k); }
 
+  // Room for n cells in the first block; only before cells go to chunks.
   void reserve(size_t n) {
-    if (n <= cap_) return;
+    if (n <= headCap_ || !chunks_.empty()) return;
     // (void*: the elements are relocatable by their bytes, see above.)
-    void* p = std::realloc(static_cast<void*>(data_), n * sizeof(T));
+    void* p = std::realloc(static_cast<void*>(head_), n * sizeof(T));
     if (!p) throw std::bad_alloc();
-    data_ = static_cast<T*>(p);
-    cap_ = n;
+    head_ = static_cast<T*>(p);
+    headCap_ = n;
   }
   T& emplace_back() {
-    if (size_ == cap_) reserve(cap_ ? 2 * cap_ : 4);
-    new (data_ + size_) T();
-    return data_[size_++];
+    T* at = slotForAppend();
+    new (at) T();
+    ++size_;
+    return *at;
   }
   void push_back(T&& v) {
-    if (size_ == cap_) reserve(cap_ ? 2 * cap_ : 4);
-    new (data_ + size_) T(std::move(v));
+    new (slotForAppend()) T(std::move(v));
     ++size_;
   }
 
  private:
+  static constexpr size_t kChunk = 64;
+
+  T& chunk(size_t k) const { return chunks_[(k - headCap_) / kChunk][(k - headCap_) % kChunk]; }
+
+  // Raw storage for cell size_.
+  T* slotForAppend() {
+    if (size_ < headCap_) return head_ + size_;
+    if (chunks_.empty() && headCap_ < kChunk) {
+      reserve(headCap_ ? 2 * headCap_ : 4);
+      return head_ + size_;
+    }
+    if ((size_ - headCap_) % kChunk == 0) {
+      void* p = std::malloc(kChunk * sizeof(T));
+      if (!p) throw std::bad_alloc();
+      chunks_.push_back(static_cast<T*>(p));
+    }
+    return &chunk(size_);
+  }
+  void take(CellColumn& o) {
+    head_ = std::exchange(o.head_, nullptr);
+    size_ = std::exchange(o.size_, 0);
+    headCap_ = std::exchange(o.headCap_, 0);
+    chunks_ = std::move(o.chunks_);
+    o.chunks_.clear();
+  }
   void release() {
-    for (size_t k = 0; k < size_; ++k) data_[k].~T();
-    std::free(data_);
-    data_ = nullptr;
-    size_ = cap_ = 0;
+    for (size_t k = 0; k < size_; ++k) (*this)[k].~T();
+    std::free(head_);
+    for (T* c : chunks_) std::free(c);
+    head_ = nullptr;
+    size_ = headCap_ = 0;
+    chunks_.clear();
   }
 
-  T* data_ = nullptr;
-  size_t size_ = 0, cap_ = 0;
+  T* head_ = nullptr;
+  size_t size_ = 0, headCap_ = 0;
+  std::vector<T*> chunks_;
 };
 
 }  // namespace lb::host
