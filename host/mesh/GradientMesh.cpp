@@ -259,39 +259,35 @@ void GradientMesh::setTangent(VertexId v, int dir, AIRealPoint h) {
   (sp.fwd ? r.pts[3 * sp.a0 + 1] : r.pts[3 * sp.a1 - 1]) = h;
 }
 
+// The smooth flag of a located vertex in direction dir, or null when the
+// vertex is gone or (a non-node vertex) has no flag across its line.
+bool* GradientMesh::Impl::smoothFlag(const Where& l, int dir) {
+  if (!l || dir < 0 || dir > 3) return nullptr;
+  if (l.kind == kNodeLoc) return &cellOf(l).node.smooth[dir];
+  if (dirAxis(dir) != l.axis) return nullptr;
+  return &cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0];
+}
+
 bool GradientMesh::smooth(VertexId v, int dir) const {
-  const Where l = impl_->loc(v);
-  if (!l || dir < 0 || dir > 3) return false;
-  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.smooth[dir];
-  if (dirAxis(dir) != l.axis) return false;
-  return impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0];
+  const bool* f = impl_->smoothFlag(impl_->loc(v), dir);
+  return f && *f;
 }
 void GradientMesh::setSmooth(VertexId v, int dir, bool on) {
-  const Where l = impl_->loc(v);
-  if (!l || dir < 0 || dir > 3) return;
-  if (l.kind == kNodeLoc) {
-    impl_->cellOf(l).node.smooth[dir] = on;
-  } else if (dirAxis(dir) == l.axis) {
-    impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0] = on;
-  }
+  if (bool* f = impl_->smoothFlag(impl_->loc(v), dir)) *f = on;
 }
 
 int GradientMesh::smoothAt(VertexId v, int index) const {
   const Where l = impl_->loc(v);
   const int dir = index >= 0 && index <= 3 ? kDirOfIndex[impl_->maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
-  if (dir < 0) return -1;
-  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.smooth[dir];
-  return impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0];
+  const bool* f = impl_->smoothFlag(l, dir);
+  return f ? *f : -1;
 }
 bool GradientMesh::setSmoothAt(VertexId v, int index, bool on) {
   const Where l = impl_->loc(v);
   const int dir = index >= 0 && index <= 3 ? kDirOfIndex[impl_->maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
-  if (dir < 0) return false;
-  if (l.kind == kNodeLoc)
-    impl_->cellOf(l).node.smooth[dir] = on;
-  else
-    impl_->cellOf(l).run[l.axis].joints[l.a - 1].smooth[dirForward(dir) ? 1 : 0] = on;
-  return true;
+  bool* f = impl_->smoothFlag(l, dir);
+  if (f) *f = on;
+  return f != nullptr;
 }
 
 AIColor GradientMesh::color(VertexId v) const {

@@ -241,6 +241,9 @@ struct GradientMesh::Impl {
     Restructuring& operator=(const Restructuring&) = delete;
   };
 
+  bool* smoothFlag(const Where& l, int dir);
+  const bool* smoothFlag(const Where& l, int dir) const { return const_cast<Impl*>(this)->smoothFlag(l, dir); }
+
   void setNodePoint(int i, int j, P p);
   void setRunPoint(int axis, int i, int j, int idx, P p);
 
