@@ -50,10 +50,13 @@ TEST_F(Cli, UsageErrorsAndBadCommandValuesExitWithTwoAndWriteNothing) {
            {"render", P("plain.lbdoc"), "-o", P("x.png"), "--scale", "0"}})
     EXPECT_EQ(Invoke(args).status, 2) << (args.empty() ? "" : args[0]);
   EXPECT_EQ(Invoke({"--help"}).status, 0);
-  for (const char* bad : {"abc", "138+shift", "138+alt+alt", "+ctrl", ""}) {
+  for (const char* bad : {"", "abc", "+alt", "+ctrl", "138+", "138+shift", "138+alt+alt", "138++alt", "138 +alt",
+                          "13 8", "99999999999", "138+ctrl+ctrl", "0x8a"}) {
     Result r = Invoke({"run", P("plain.lbdoc"), "-o", P("out.lbdoc"), "--command", bad});
     EXPECT_EQ(r.status, 2) << bad;
-    EXPECT_NE(r.err.find("--command"), std::string::npos) << r.err;
+    const size_t at = r.err.find("--command ");
+    ASSERT_NE(at, std::string::npos) << r.err;
+    EXPECT_GT(r.err.find('\n', at), at + 10) << r.err;  // the option, then why it was refused
     EXPECT_TRUE(r.out.empty());
   }
   Result r = Invoke({"run", P("plain.lbdoc"), "-o", P("out.lbdoc"), "--color", "maybe",

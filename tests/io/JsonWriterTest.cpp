@@ -19,7 +19,7 @@
 
 namespace {
 
-using iotest::Slurp;
+using lb::test::slurp;
 using iotest::SourcePath;
 
 std::string spell(double d) {
@@ -35,7 +35,7 @@ std::string spell(double d) {
 // established text, which reads back to itself (doubles exactly).
 TEST(JsonWriter, LayoutMatchesTheEstablishedFilesAndIsStable) {
   const auto doc = lb::io::readDocumentFile(SourcePath("tests/io/golden/layout-input.lbdoc"));
-  const std::string expected = Slurp(SourcePath("tests/io/golden/layout-expected.lbdoc"));
+  const std::string expected = slurp(SourcePath("tests/io/golden/layout-expected.lbdoc"));
   EXPECT_EQ(lb::io::writeDocument(*doc), expected);
   EXPECT_EQ(lb::io::writeDocument(*lb::io::readDocument(expected)), expected);
 }
@@ -93,7 +93,7 @@ TEST(JsonWriter, StreamedOutputEqualsTheText) {
   ASSERT_GE(fd, 0);
   lb::io::writeDocumentTo(fd, doc);
   ::close(fd);
-  const std::string streamed = Slurp(name);
+  const std::string streamed = slurp(name);
   std::remove(name);
   const std::string text = lb::io::writeDocument(doc);
   EXPECT_GT(text.size(), 3u << 20);

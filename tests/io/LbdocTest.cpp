@@ -23,7 +23,7 @@ using lb::io::FormatError;
 using lb::io::readDocument;
 using lb::io::writeDocument;
 using iotest::ReadError;
-using iotest::Slurp;
+using lb::test::slurp;
 
 namespace {
 
@@ -277,7 +277,7 @@ TEST(LbdocFiles, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
     out << "old contents";
   }
   lb::io::writeDocumentFileAtomic(*doc, path);
-  EXPECT_EQ(Slurp(path), writeDocument(*doc));
+  EXPECT_EQ(slurp(path), writeDocument(*doc));
   EXPECT_EQ(listDir(dir), (std::set<std::string>{"doc.lbdoc"}));
   auto back = lb::io::readDocumentFile(path);
   EXPECT_EQ(writeDocument(*back), writeDocument(*doc));
@@ -294,7 +294,7 @@ TEST(LbdocFiles, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
   // A directory that does not exist: nothing is created.
   EXPECT_THROW(lb::io::writeDocumentFileAtomic(*doc, dir + "/no/such/dir/x.lbdoc"), std::runtime_error);
   EXPECT_EQ(listDir(dir), (std::set<std::string>{"doc.lbdoc", "blocked"}));
-  EXPECT_EQ(Slurp(path), writeDocument(*doc));
+  EXPECT_EQ(slurp(path), writeDocument(*doc));
   rmdir(blocked.c_str());
   std::remove(path.c_str());
   rmdir(dir.c_str());
