@@ -29,8 +29,23 @@ Run straightRun(P a, P b) {
 // (startSel / endSel are the run's nodes).
 void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
   using Impl = GradientMesh::Impl;
-  out = SplitInfo{};
   const int m = r.pieces();
+  if (m == 1) {
+    // One piece (every run of a freshly built grid): the general steps
+    // below, without the anchor bookkeeping a single piece cannot need.
+    P L[4], R[4];
+    bez::split(r.pts.data(), std::clamp(f, 1e-12, 1 - 1e-12), L, R);
+    out.point = L[3];
+    out.reuse = kNoVertex;
+    out.selected = startSel && endSel;
+    out.smooth[0] = out.smooth[1] = true;
+    out.right.pts.assign(R, R + 4);
+    out.right.joints.clear();
+    out.left = std::move(r);
+    std::copy(L, L + 4, out.left.pts.begin());
+    return;
+  }
+  out = SplitInfo{};
   const double x = f * m;
   int q = std::min(static_cast<int>(x), m - 1);
   double t = x - q;
