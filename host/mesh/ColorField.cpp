@@ -131,16 +131,18 @@ void GradientMesh::Impl::edgePaint(int axis, int k, int b, double f, AIColor* co
   const int n = count(axis), m = count(1 - axis);
   const std::vector<double>& g = axis == 0 ? u : v;
   const int ob = b < m ? b + 1 : m - 1;
+  // Nodes k and k + 1 of cross line b, then of the neighbouring cross line.
+  const Node* corner[4] = {&cellOnAxis(axis, k, b).node, &cellOnAxis(axis, k + 1, b).node,
+                           &cellOnAxis(axis, k, ob).node, &cellOnAxis(axis, k + 1, ob).node};
   // Four corners with the very same paint in the mesh's kind (fresh and
   // flat-coloured meshes): the value is theirs, without converting or
   // comparing component by component. NaN components take the full path.
   {
-    const Node& c0 = cellOnAxis(axis, k, b).node;
-    const Node* rest[3] = {&cellOnAxis(axis, k + 1, b).node, &cellOnAxis(axis, k, ob).node,
-                           &cellOnAxis(axis, k + 1, ob).node};
+    const Node& c0 = *corner[0];
     bool same = mc > 0 && c0.color.kind == mk && c0.opacity == c0.opacity;
-    for (const Node* o : rest)
-      same = same && o->opacity == c0.opacity && std::memcmp(&o->color, &c0.color, sizeof(AIColor)) == 0;
+    for (int q = 1; q < 4; ++q)
+      same = same && corner[q]->opacity == c0.opacity &&
+             std::memcmp(&corner[q]->color, &c0.color, sizeof(AIColor)) == 0;
     double comps[5];
     if (same) {
       colorComponents(c0.color, comps);
@@ -155,10 +157,10 @@ void GradientMesh::Impl::edgePaint(int axis, int k, int b, double f, AIColor* co
   // Nodes k - 1 .. k + 2 of cross line b decide the slopes at k and k + 1;
   // nodes k and k + 1 of the neighbouring cross line bound the clamp.
   double line[4][5] = {}, other[2][5] = {};
-  nodeComponents(cellOnAxis(axis, k, b).node, mk, mc, line[1]);
-  nodeComponents(cellOnAxis(axis, k + 1, b).node, mk, mc, line[2]);
-  nodeComponents(cellOnAxis(axis, k, ob).node, mk, mc, other[0]);
-  nodeComponents(cellOnAxis(axis, k + 1, ob).node, mk, mc, other[1]);
+  nodeComponents(*corner[0], mk, mc, line[1]);
+  nodeComponents(*corner[1], mk, mc, line[2]);
+  nodeComponents(*corner[2], mk, mc, other[0]);
+  nodeComponents(*corner[3], mk, mc, other[1]);
   // Where both ends and the clamp's other corners agree, both slopes are 0
   // and the clamp pins the value: the result is that value exactly, and
   // the outer nodes need not be read (fresh and flat-coloured meshes).

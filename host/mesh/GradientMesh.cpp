@@ -214,6 +214,10 @@ constexpr auto kDirOfIndex = [] {
   }
   return t;
 }();
+// The direction of segment `index` at a located vertex, or -1.
+int dirAt(const GradientMesh::Impl& m, const Where& l, int index) {
+  return index >= 0 && index <= 3 ? kDirOfIndex[m.maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
+}
 }  // namespace
 
 bool GradientMesh::hasSegment(VertexId v, int dir) const {
@@ -226,10 +230,8 @@ int GradientMesh::segmentIndex(VertexId v, int dir) const {
   if (!((mask >> dir) & 1u)) return -1;
   return directionCount(mask & ((1u << dir) - 1u));
 }
-int GradientMesh::segmentDir(VertexId v, int index) const {
-  if (index < 0 || index > 3) return -1;
-  return kDirOfIndex[impl_->segmentMask(v) & 15u][static_cast<size_t>(index)];
-}
+
+int GradientMesh::segmentDir(VertexId v, int index) const { return dirAt(*impl_, impl_->loc(v), index); }
 
 AIRealPoint GradientMesh::point(VertexId v) const {
   const Where l = impl_->loc(v);
@@ -278,14 +280,12 @@ void GradientMesh::setSmooth(VertexId v, int dir, bool on) {
 
 int GradientMesh::smoothAt(VertexId v, int index) const {
   const Where l = impl_->loc(v);
-  const int dir = index >= 0 && index <= 3 ? kDirOfIndex[impl_->maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
-  const bool* f = impl_->smoothFlag(l, dir);
+  const bool* f = impl_->smoothFlag(l, dirAt(*impl_, l, index));
   return f ? *f : -1;
 }
 bool GradientMesh::setSmoothAt(VertexId v, int index, bool on) {
   const Where l = impl_->loc(v);
-  const int dir = index >= 0 && index <= 3 ? kDirOfIndex[impl_->maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
-  bool* f = impl_->smoothFlag(l, dir);
+  bool* f = impl_->smoothFlag(l, dirAt(*impl_, l, index));
   if (f) *f = on;
   return f != nullptr;
 }
@@ -476,8 +476,7 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
   // Run indices of the first and last point written; the points between
   // them lie inside the run, where no other run shares them.
   const int first = sp.fwd ? 3 * sp.a0 + start : 3 * sp.a1 - start;
-  const int step = sp.fwd ? 1 : -1;
-  const int final = first + step * (count - 1);
+  const int final = sp.fwd ? first + count - 1 : first - count + 1;
   P* d = r.pts.data();
   if (count > 2) {
     if (sp.fwd)
@@ -485,14 +484,16 @@ bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AI
     else
       for (int k = 1; k + 1 < count; ++k) d[first - k] = pts[k];
   }
-  for (const int k : {0, count - 1}) {
-    const int idx = k == 0 ? first : final;
+  // An end shared with other runs goes through the node, and only when it
+  // moves (a run's end always equals its node's point).
+  auto putEnd = [&](int idx, P p) {
     if (idx > 0 && idx < last)
-      d[idx] = pts[k];
-    else if (d[idx].h != pts[k].h || d[idx].v != pts[k].v)  // a run's end is its node's point
-      impl_->setRunPoint(sp.axis, sp.i, sp.j, idx, pts[k]);
-    if (count == 1) break;
-  }
+      d[idx] = p;
+    else if (d[idx].h != p.h || d[idx].v != p.v)
+      impl_->setRunPoint(sp.axis, sp.i, sp.j, idx, p);
+  };
+  putEnd(first, pts[0]);
+  if (count > 1) putEnd(final, pts[count - 1]);
   return true;
 }
 

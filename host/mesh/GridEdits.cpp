@@ -122,13 +122,14 @@ Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f) {
   if (m0 == m1) {
     // The same breakpoints on both sides (the usual case): no merge needed.
     for (int a = 0; a <= m0; ++a) cuts.push_back(static_cast<double>(a) / m0);
-  }
-  for (int a = 0, c = 0; m0 != m1 && (a <= m0 || c <= m1);) {
-    const double x0 = a <= m0 ? static_cast<double>(a) / m0 : 2.0;
-    const double x1 = c <= m1 ? static_cast<double>(c) / m1 : 2.0;
-    const double x = std::min(x0, x1);
-    (x0 <= x1 ? a : c)++;
-    if (cuts.empty() || x - cuts.back() > 1e-12) cuts.push_back(x);
+  } else {
+    for (int a = 0, c = 0; a <= m0 || c <= m1;) {
+      const double x0 = a <= m0 ? static_cast<double>(a) / m0 : 2.0;
+      const double x1 = c <= m1 ? static_cast<double>(c) / m1 : 2.0;
+      const double x = std::min(x0, x1);
+      (x0 <= x1 ? a : c)++;
+      if (cuts.empty() || x - cuts.back() > 1e-12) cuts.push_back(x);
+    }
   }
   cuts.back() = 1;
   auto sub = [](const Run& r, double t0, double t1, P* out) {
