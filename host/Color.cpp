@@ -5,45 +5,6 @@
 
 namespace lb::host {
 
-AIColor whiteColor() {
-  AIColor c{};
-  c.kind = kThreeColor;
-  c.c.rgb = {1, 1, 1};
-  return c;
-}
-
-int componentCount(AIColorTag kind) {
-  switch (kind) {
-    case kGrayColor: return 1;
-    case kThreeColor: return 3;
-    case kFourColor: return 4;
-    default: return 0;
-  }
-}
-
-void colorComponents(const AIColor& c, double* out) {
-  switch (c.kind) {
-    case kGrayColor: out[0] = c.c.g.gray; break;
-    case kThreeColor: out[0] = c.c.rgb.red, out[1] = c.c.rgb.green, out[2] = c.c.rgb.blue; break;
-    case kFourColor:
-      out[0] = c.c.f.cyan, out[1] = c.c.f.magenta, out[2] = c.c.f.yellow, out[3] = c.c.f.black;
-      break;
-    default: break;
-  }
-}
-
-AIColor colorFromComponents(AIColorTag kind, const double* v) {
-  AIColor c{};
-  c.kind = kind;
-  switch (kind) {
-    case kGrayColor: c.c.g.gray = v[0]; break;
-    case kThreeColor: c.c.rgb = {v[0], v[1], v[2]}; break;
-    case kFourColor: c.c.f = {v[0], v[1], v[2], v[3]}; break;
-    default: break;
-  }
-  return c;
-}
-
 void colorToRGB(const AIColor& c, double* r, double* g, double* b) {
   switch (c.kind) {
     case kGrayColor: *r = *g = *b = 1 - c.c.g.gray; break;

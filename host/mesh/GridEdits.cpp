@@ -101,22 +101,30 @@ void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
 //   (1 - f) S0(t) + f S1(t) + (1 - t) A + t C,
 //   A = C0(f) - (1 - f) C0(0) - f C0(1),  C = C1(f) - (1 - f) C1(0) - f C1(1),
 // which is a cubic on every piece between the side runs' breakpoints.
-Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f) {
-  using Impl = GradientMesh::Impl;
+//
+// cf0 and cf1 are C0(f) and C1(f): each crossing run borders two patches,
+// so the caller evaluates it once for both.
+Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f, P cf0, P cf1) {
   const int cross = 1 - axis;
   const Run& S0 = m.cellOnAxis(axis, k, b).run[cross];
   const Run& S1 = m.cellOnAxis(axis, k + 1, b).run[cross];
-  const Run& C0 = m.cellOnAxis(axis, k, b).run[axis];
-  const Run& C1 = m.cellOnAxis(axis, k, b + 1).run[axis];
   const P a0 = m.cellOnAxis(axis, k, b).node.p, b0 = m.cellOnAxis(axis, k + 1, b).node.p;
   const P a1 = m.cellOnAxis(axis, k, b + 1).node.p, b1 = m.cellOnAxis(axis, k + 1, b + 1).node.p;
-  P cf0, cf1;
-  Impl::chainEval(C0, f, &cf0, nullptr);
-  Impl::chainEval(C1, f, &cf1, nullptr);
   const P A = cf0 - (1 - f) * a0 - f * b0;
   const P Cc = cf1 - (1 - f) * a1 - f * b1;
-  // Breakpoints of both side runs, merged in order, near-duplicates once.
   const int m0 = S0.pieces(), m1 = S1.pieces();
+  Run out;
+  if (m0 == 1 && m1 == 1) {
+    // Both sides one cubic (every run of a freshly built grid): the general
+    // steps below over the one interval [0, 1], whose side pieces are the
+    // side runs themselves.
+    const P l0 = 1.0 * A + 0.0 * Cc, l1 = 0.0 * A + 1.0 * Cc;
+    const P lin[4] = {l0, lerp(l0, l1, 1.0 / 3.0), lerp(l0, l1, 2.0 / 3.0), l1};
+    out.pts.resize(4);
+    for (int q = 0; q < 4; ++q) out.pts[q] = (1 - f) * S0.pts[q] + f * S1.pts[q] + lin[q];
+    return out;
+  }
+  // Breakpoints of both side runs, merged in order, near-duplicates once.
   std::vector<double>& cuts = m.scratch.cuts;
   cuts.clear();
   if (m0 == m1) {
@@ -138,7 +146,6 @@ Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f) {
     const int q = std::min(static_cast<int>(mid), pieces - 1);
     subCurve(&r.pts[3 * q], std::clamp(t0 * pieces - q, 0.0, 1.0), std::clamp(t1 * pieces - q, 0.0, 1.0), out);
   };
-  Run out;
   out.pts.reserve(3 * (cuts.size() - 1) + 1);
   for (size_t c = 0; c + 1 < cuts.size(); ++c) {
     const double t0 = cuts[c], t1 = cuts[c + 1];
@@ -240,10 +247,15 @@ int GradientMesh::Impl::insertLine(int axis, double at) {
   ops.resize(static_cast<size_t>(m + 1));
   splits.resize(static_cast<size_t>(m + 1));
   iso.resize(static_cast<size_t>(m));
-  for (int b = 0; b <= m; ++b) edgePaint(axis, k, b, f, &cols[b], &ops[b]);
+  std::vector<P>& cross = scratch.cross;
+  cross.resize(static_cast<size_t>(m + 1));
+  for (int b = 0; b <= m; ++b) {
+    edgePaint(axis, k, b, f, &cols[b], &ops[b]);
+    chainEval(cellOnAxis(axis, k, b).run[axis], f, &cross[b], nullptr);
+  }
   // The iso-curves read the crossing runs whole, so they come first; their
   // ends are the split points, set once the runs are split.
-  for (int b = 0; b < m; ++b) iso[b] = isoCurve(*this, axis, k, b, f);
+  for (int b = 0; b < m; ++b) iso[b] = isoCurve(*this, axis, k, b, f, cross[b], cross[b + 1]);
   for (int b = 0; b <= m; ++b)
     splitRun(cellOnAxis(axis, k, b).run[axis], f, cellOnAxis(axis, k, b).node.selected,
              cellOnAxis(axis, k + 1, b).node.selected, splits[b]);

@@ -92,6 +92,7 @@ struct EditScratch {
   std::vector<SplitInfo> splits;
   std::vector<Run> iso;
   std::vector<double> cuts;
+  std::vector<P> cross;
   EditScratch() = default;
   EditScratch(const EditScratch&) {}
   EditScratch& operator=(const EditScratch&) { return *this; }
