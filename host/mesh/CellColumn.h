@@ -7,8 +7,8 @@
 // Here a column is one block of the size it was made with, followed by
 // fixed-size chunks for the cells appended later: appending never moves a
 // cell. A short column grows its first block instead (by realloc, in one
-// copy), so small meshes keep one small block per column. Copying a column
-// gathers it into one block again.
+// copy, up to a chunk's size), so small meshes keep one small block per
+// column. Copying a column gathers it into one block again.
 //
 // realloc moves elements by copying their bytes, which is valid only for
 // elements that hold no pointer to themselves and are not registered
@@ -16,6 +16,7 @@
 // which finds its inline buffer from its own address each time).
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -83,7 +84,9 @@ class CellColumn {
   T* slotForAppend() {
     if (size_ < headCap_) return head_ + size_;
     if (chunks_.empty() && headCap_ < kChunk) {
-      reserve(headCap_ ? 2 * headCap_ : 4);
+      // Four times at a step (up to one chunk's size): a column grown line
+      // by line from two cells is copied three times instead of five.
+      reserve(headCap_ ? std::min(4 * headCap_, kChunk) : 4);
       return head_ + size_;
     }
     if ((size_ - headCap_) % kChunk == 0) {

@@ -522,8 +522,7 @@ void GradientMesh::Impl::insertKnotsAt(const Span& sp, int m, int n) {
   P rest[4];
   std::copy(&r.pts[3 * piece], &r.pts[3 * piece] + 4, rest);
   const P end = rest[3];
-  r.pts.insert(static_cast<size_t>(3 * piece + 1), static_cast<size_t>(3 * n), P{});
-  P* out = &r.pts[3 * piece + 1];
+  P* out = r.pts.insertGap(static_cast<size_t>(3 * piece + 1), static_cast<size_t>(3 * n));
   for (int c = n + 1; c > 1; --c) {
     P L[4], R[4];
     bez::split(rest, 1.0 / c, L, R);

@@ -100,6 +100,12 @@ class InlineVec {
     open(k, n);
     if (n) std::memcpy(data() + k, first, n * sizeof(T));
   }
+  // Opens room for n elements before position k and returns it; the n
+  // elements are left unset, for the caller to write.
+  T* insertGap(size_t k, size_t n) {
+    open(k, n);
+    return data() + k;
+  }
   // Inserts n copies of v before position k.
   void insert(size_t k, size_t n, const T& v) {
     open(k, n);
