@@ -112,9 +112,10 @@ bool Document::ownsStyle(const GraphicStyle* style) const {
 
 bool Document::contains(const ArtObject* art) const {
   if (!art) return false;
-  if (art == lastFound_) return true;
+  if (art == lastFound_[0] || art == lastFound_[1]) return true;
   if (live_.count(art) == 0) return false;
-  lastFound_ = art;
+  lastFound_[1] = lastFound_[0];
+  lastFound_[0] = art;
   return true;
 }
 
@@ -135,7 +136,8 @@ void Document::registerTree(ArtObject* art) {
 
 void Document::unregisterTree(const ArtObject* art) {
   live_.erase(art);
-  if (art == lastFound_) lastFound_ = nullptr;
+  for (const ArtObject*& found : lastFound_)
+    if (art == found) found = nullptr;
   for (const auto& c : art->children) unregisterTree(c.get());
 }
 

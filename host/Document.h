@@ -186,9 +186,10 @@ class Document {
   std::vector<std::unique_ptr<ArtObject>> layers_;
   std::vector<std::unique_ptr<GraphicStyle>> styles_;
   std::unordered_set<const ArtObject*> live_;
-  // The art found by the last successful `contains`: suite calls ask about
-  // the same mesh over and over while a command walks it.
-  mutable const ArtObject* lastFound_ = nullptr;
+  // The two arts found last by `contains`, newest first: suite calls ask
+  // about the same mesh over and over while a command walks it, and a copy
+  // between two meshes alternates between them.
+  mutable const ArtObject* lastFound_[2] = {nullptr, nullptr};
 };
 
 }  // namespace lb::host
