@@ -437,7 +437,19 @@ SegmentRef GradientMesh::reversed(SegmentRef s) const {
 VertexId GradientMesh::segmentEnd(SegmentRef s) const {
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return kNoVertex;
-  return impl_->anchorId(sp.axis, sp.i, sp.j, sp.fwd ? sp.a1 : sp.a0);
+  // anchorId, reached through the span's slots: the run's start node, its
+  // end node (the next column's cell along I, the next row's along J) or
+  // an inner vertex.
+  const Impl& m = *impl_;
+  const int a = sp.fwd ? sp.a1 : sp.a0;
+  const Run& r = m.runOf(sp);
+  if (a == 0) return m.cells[sp.cs][sp.rs].node.id;
+  if (a == r.pieces()) {
+    const int32_t cs = sp.axis == 0 ? m.col[sp.i + 1] : sp.cs;
+    const int32_t rs = sp.axis == 0 ? sp.rs : m.row[sp.j + 1];
+    return m.cells[cs][rs].node.id;
+  }
+  return r.joints[a - 1].id;
 }
 int GradientMesh::knotCount(SegmentRef s) const {
   Impl::Span sp;

@@ -93,18 +93,18 @@ void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
   out.left.joints.resize(static_cast<size_t>(q));
 }
 
-// The iso-curve at fraction f of the patch between lines k and k + 1 of
-// `axis`, from cross line b to b + 1, exactly: a chain with breakpoints
-// wherever either side run has one. Writing S0, S1 for the side runs (on
-// lines k and k + 1) and C0, C1 for the crossing runs (on cross lines b and
-// b + 1), the Coons patch restricted to the line is
+// Writes to `out` the iso-curve at fraction f of the patch between lines k
+// and k + 1 of `axis`, from cross line b to b + 1, exactly: a chain with
+// breakpoints wherever either side run has one. Writing S0, S1 for the side
+// runs (on lines k and k + 1) and C0, C1 for the crossing runs (on cross
+// lines b and b + 1), the Coons patch restricted to the line is
 //   (1 - f) S0(t) + f S1(t) + (1 - t) A + t C,
 //   A = C0(f) - (1 - f) C0(0) - f C0(1),  C = C1(f) - (1 - f) C1(0) - f C1(1),
 // which is a cubic on every piece between the side runs' breakpoints.
 //
 // cf0 and cf1 are C0(f) and C1(f): each crossing run borders two patches,
 // so the caller evaluates it once for both.
-Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f, P cf0, P cf1) {
+void isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f, P cf0, P cf1, Run& out) {
   const int cross = 1 - axis;
   const Run& S0 = m.cellOnAxis(axis, k, b).run[cross];
   const Run& S1 = m.cellOnAxis(axis, k + 1, b).run[cross];
@@ -113,16 +113,18 @@ Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f, P cf
   const P A = cf0 - (1 - f) * a0 - f * b0;
   const P Cc = cf1 - (1 - f) * a1 - f * b1;
   const int m0 = S0.pieces(), m1 = S1.pieces();
-  Run out;
+  out.pts.clear();
+  out.joints.clear();
   if (m0 == 1 && m1 == 1) {
     // Both sides one cubic (every run of a freshly built grid): the general
     // steps below over the one interval [0, 1], whose side pieces are the
     // side runs themselves.
     const P l0 = 1.0 * A + 0.0 * Cc, l1 = 0.0 * A + 1.0 * Cc;
     const P lin[4] = {l0, lerp(l0, l1, 1.0 / 3.0), lerp(l0, l1, 2.0 / 3.0), l1};
-    out.pts.resize(4);
-    for (int q = 0; q < 4; ++q) out.pts[q] = (1 - f) * S0.pts[q] + f * S1.pts[q] + lin[q];
-    return out;
+    P pts[4];
+    for (int q = 0; q < 4; ++q) pts[q] = (1 - f) * S0.pts[q] + f * S1.pts[q] + lin[q];
+    out.pts.assign(pts, pts + 4);
+    return;
   }
   // Breakpoints of both side runs, merged in order, near-duplicates once.
   std::vector<double>& cuts = m.scratch.cuts;
@@ -157,7 +159,6 @@ Run isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f, P cf
     for (int q = (c == 0 ? 0 : 1); q < 4; ++q) out.pts.push_back((1 - f) * ls[q] + f * rs[q] + lin[q]);
   }
   out.joints.assign(static_cast<size_t>(out.pieces() - 1), Joint{});
-  return out;
 }
 
 }  // namespace
@@ -255,7 +256,7 @@ int GradientMesh::Impl::insertLine(int axis, double at) {
   }
   // The iso-curves read the crossing runs whole, so they come first; their
   // ends are the split points, set once the runs are split.
-  for (int b = 0; b < m; ++b) iso[b] = isoCurve(*this, axis, k, b, f, cross[b], cross[b + 1]);
+  for (int b = 0; b < m; ++b) isoCurve(*this, axis, k, b, f, cross[b], cross[b + 1], iso[b]);
   for (int b = 0; b <= m; ++b)
     splitRun(cellOnAxis(axis, k, b).run[axis], f, cellOnAxis(axis, k, b).node.selected,
              cellOnAxis(axis, k + 1, b).node.selected, splits[b]);
