@@ -101,17 +101,24 @@ TEST_F(Messages, FailedAllocationReturnsItsCodeAndAddsNothing) {
   ExpectNothingHeld();
 }
 
+// The first row, middle rows and the last of the frame and panel tables.
 TEST_F(Messages, AcquisitionFailureReleasesAndReturnsAtOnce) {
   Send("SP Interface", "Startup");
-  fake::host.failSuite = "AI Context Suite";
-  EXPECT_EQ(Send("SP Interface", "About"), kSPSuiteNotFoundError);
-  ExpectNothingHeld();
-  // The menu handler did not run.
-  fake::host.failSuite = "AI User Interface Theme Suite";
-  EXPECT_EQ(Menu("AI Update", g->menuItem), kSPSuiteNotFoundError);
-  EXPECT_EQ(fake::host.checkCalls, 0);
-  ExpectNothingHeld();
+  for (const char* suite : {"AI Notifier Suite", "AI User Suite", "AI Context Suite", "AI Data Filter Suite",
+                            "AI Panel Suite", "AI User Interface Theme Suite"}) {
+    SCOPED_TRACE(suite);
+    fake::host.failSuite = suite;
+    EXPECT_EQ(Send("SP Interface", "About"), kSPSuiteNotFoundError);
+    ExpectNothingHeld();
+    // The menu handler did not run.
+    EXPECT_EQ(Menu("AI Update", g->menuItem), kSPSuiteNotFoundError);
+    EXPECT_EQ(fake::host.checkCalls, 0);
+    ExpectNothingHeld();
+  }
+  // The plug-in still works afterwards.
   fake::host.failSuite.clear();
+  EXPECT_EQ(Send("SP Interface", "About"), kNoErr);
+  ExpectNothingHeld();
 }
 
 TEST_F(Messages, UnloadHandsOverTheRecordAndReloadResetsTheCount) {
