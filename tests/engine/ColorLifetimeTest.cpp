@@ -52,8 +52,7 @@ TEST_F(Colors, NonNodeVerticesReportTheSurfaceAndRefuseSetting) {
   AIMeshVertexIterator v = endOf(cut(0, 1, kAIMeshIAxis, 3));
   AIRealPoint uv{};
   s.vtx->GetUV(v, &uv);
-  EXPECT_DOUBLE_EQ(uv.h, 0.25);
-  EXPECT_EQ(uv.v, 1.0);
+  EXPECT_PT_NEAR(uv, (AIRealPoint{0.25, 1}), 1e-15);
   AIColor c{}, e{};
   s.vtx->GetColor(v, &c);
   s.mesh->EvalColor(art, uv, &e);
@@ -61,8 +60,7 @@ TEST_F(Colors, NonNodeVerticesReportTheSurfaceAndRefuseSetting) {
   AIRealPoint p{}, q{};
   s.vtx->GetPoint(v, &p);
   s.mesh->EvalPoint(art, uv, &q);
-  EXPECT_NEAR(p.h, q.h, 1e-12);
-  EXPECT_NEAR(p.v, q.v, 1e-12);
+  EXPECT_PT_NEAR(p, q, 1e-12);
   EXPECT_EQ(s.vtx->SetColor(v, &c), kBadParameterErr);
   EXPECT_EQ(s.vtx->SetOpacity(v, 0.5), kBadParameterErr);
 }
@@ -143,8 +141,7 @@ TEST_F(Colors, InvertPointFindsTheParameterOfEvaluatedPoints) {
       s.mesh->EvalPoint(art, AIRealPoint{u, v}, &p);
       ASSERT_EQ(s.mesh->InvertPoint(art, p, &uv, &on), kNoErr);
       EXPECT_TRUE(on);
-      EXPECT_NEAR(uv.h, u, 1e-7);
-      EXPECT_NEAR(uv.v, v, 1e-7);
+      EXPECT_PT_NEAR(uv, (AIRealPoint{u, v}), 1e-7);
     }
   AIRealPoint uv{};
   AIBoolean on = true;
