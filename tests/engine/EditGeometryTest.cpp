@@ -113,8 +113,7 @@ TEST_F(Knots, SetPointsMovesVerticesButSetPointLeavesHandles) {
   s.vtx->SetPoint(n, &moved);
   AIRealPoint h2{};
   s.vtx->GetTangent(n, 1, &h2);
-  EXPECT_EQ(h.h, h2.h);
-  EXPECT_EQ(h.v, h2.v);
+  EXPECT_PT_NEAR(h, h2, 0);
   EXPECT_EQ(s.seg->SetPoints(g, 2, 3, &moved), kBadParameterErr);
 }
 
@@ -197,8 +196,7 @@ TEST_F(GridLines, InsertThroughAVertexMakesItTheNode) {
   EXPECT_TRUE(s.vtx->IsNode(v));
   int32_t i = -1, j = -1;
   s.vtx->GetNodeIndex(v, &i, &j);
-  EXPECT_EQ(i, 1);
-  EXPECT_EQ(j, 0);
+  EXPECT_EQ(std::pair(i, j), std::pair(1, 0));
   EXPECT_TRUE(s.sel->ContainsVertex(sel, v));
   EXPECT_EQ(m().vertexCount(), 6u);
   s.sel->Release(sel);
@@ -246,8 +244,7 @@ TEST_F(GridLines, InsertOnAKnotUsesItAndNewNodesFollowTheSelection) {
   ASSERT_EQ(s.mesh->InsertU(art, 0.5, &ni), kNoErr);
   ASSERT_EQ(ni, 1);
   const auto n0 = g.nodeData(1, 0);
-  EXPECT_EQ(n0.p.h, knot.h);
-  EXPECT_EQ(n0.p.v, knot.v);
+  EXPECT_PT_NEAR(n0.p, knot, 0);
   EXPECT_EQ(g.runData(0, 0, 0).points.size(), 4u) << "the knot became the node, no piece is left over";
   EXPECT_FALSE(n0.selected);
   EXPECT_TRUE(g.nodeData(1, 1).selected) << "both ends of the cut segment were selected";
