@@ -79,10 +79,8 @@ TEST(MeshJson, UnlistedRunsAreStraightWithThirdHandlesAndDefaultsApply) {
   const auto m = lb::io::meshFromJson(art, "a");
   const auto pts = m->runData(1, 1, 0).points;
   ASSERT_EQ(pts.size(), 4u);
-  EXPECT_EQ(pts[1].v, 2);
-  EXPECT_EQ(pts[2].v, 4);
-  EXPECT_EQ(m->relativeU(1), 1);
-  EXPECT_EQ(m->nodeData(1, 1).opacity, 1);
+  EXPECT_EQ(std::vector<double>({pts[1].v, pts[2].v, m->relativeU(1), m->nodeData(1, 1).opacity}),
+            std::vector<double>({2, 4, 1, 1}));
   EXPECT_TRUE(m->isSelectionEmpty());
 }
 
