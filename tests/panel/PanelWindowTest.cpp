@@ -166,8 +166,6 @@ TEST_F(Panel, HostPanelAndWindow) {
   EXPECT_EQ(std::make_pair(rc.right, rc.bottom), std::make_pair(LONG(227), LONG(414)));
   EXPECT_NE(GetProp(hwnd, "TPNL"), nullptr);
   EXPECT_NE(GetWindowLongPtr(hwnd, GWLP_WNDPROC), reinterpret_cast<LONG_PTR>(&DefWindowProc));
-  // A bright interface gets the white logo.
-  EXPECT_EQ(info->icons, (std::vector<std::pair<int32_t, int32_t>>{{220, 220}}));
 }
 
 // Every picture button is raised with its picture inside; background
@@ -179,12 +177,9 @@ TEST_F(Panel, ButtonsAndBackground) {
     Rect r = ButtonRect(id);
     // The 32 x 32 picture sits at (X + 2, Y + 2): the ring just inside the
     // frame stays background.
-    for (int k = 1; k <= 34; ++k) {
-      EXPECT_EQ(At(r.x + 1, r.y + k), kGrey);
-      EXPECT_EQ(At(r.x + 34, r.y + k), kGrey);
-      EXPECT_EQ(At(r.x + k, r.y + 1), kGrey);
-      EXPECT_EQ(At(r.x + k, r.y + 34), kGrey);
-    }
+    for (int k = 1; k <= 34; ++k)
+      for (auto [x, y] : {std::pair{1, k}, {34, k}, {k, 1}, {k, 34}})
+        EXPECT_EQ(At(r.x + x, r.y + y), kGrey) << x << "," << y;
     int drawn = 0;
     for (int y = r.y + 2; y < r.y + 34; ++y)
       for (int x = r.x + 2; x < r.x + 34; ++x) drawn += At(x, y) != kGrey;
@@ -205,17 +200,15 @@ TEST_F(Panel, ButtonsAndBackground) {
 TEST_F(Panel, CheckboxFramesAndMarks) {
   for (int top : {4, 22}) {
     SCOPED_TRACE(top);
-    EXPECT_EQ(At(189, top), kShadow);            // left column and top row
-    EXPECT_EQ(At(189, top + 14), kShadow);       // the left column runs the full height
-    EXPECT_EQ(At(203, top), kShadow);            // the top row runs the full width
-    EXPECT_EQ(At(203, top + 7), kWhite);         // right column
-    EXPECT_EQ(At(195, top + 14), kWhite);        // bottom row
-    EXPECT_EQ(At(190, top + 1), RGB(64, 64, 64));
-    EXPECT_EQ(At(190, top + 13), RGB(64, 64, 64));  // inner left wins over inner bottom
-    EXPECT_EQ(At(202, top + 1), RGB(64, 64, 64));   // inner top wins over inner right
-    EXPECT_EQ(At(202, top + 7), RGB(212, 212, 212));
-    EXPECT_EQ(At(195, top + 13), RGB(212, 212, 212));
-    EXPECT_EQ(At(192, top + 6), kWhite);  // inside, left of the mark
+    // (x, y - top, colour): the outer frame, shadow on the left column and
+    // top row over their full length, white on the right and bottom; the
+    // inner frame, dark left and top (the left winning over the bottom, the
+    // top over the right), light right and bottom; white inside.
+    const COLORREF dark = RGB(64, 64, 64), light = RGB(212, 212, 212);
+    for (auto [x, dy, colour] : {std::tuple{189, 0, kShadow}, {189, 14, kShadow}, {203, 0, kShadow}, {203, 7, kWhite},
+                                 {195, 14, kWhite}, {190, 1, dark}, {190, 13, dark}, {202, 1, dark}, {202, 7, light},
+                                 {195, 13, light}, {192, 6, kWhite}})
+      EXPECT_EQ(At(x, top + dy), colour) << x << "," << dy;
 
     // The 7 x 7 check mark lands 4 pixels in from the box's corner.
     const int mx = 193, my = top + 4;
@@ -229,13 +222,10 @@ TEST_F(Panel, CheckboxFramesAndMarks) {
 }
 
 TEST_F(Panel, TextStripAndVersionText) {
-  EXPECT_EQ(At(3, 267), kStrip);
-  EXPECT_EQ(At(222, 409), kStrip);
-  EXPECT_EQ(At(2, 300), kGrey);
-  EXPECT_EQ(At(100, 266), kGrey);
   // Filled without an outline: the last column and row stay background.
-  EXPECT_EQ(At(223, 300), kGrey);
-  EXPECT_EQ(At(100, 410), kGrey);
+  for (auto [x, y, colour] : {std::tuple{3, 267, kStrip}, {222, 409, kStrip}, {2, 300, kGrey}, {100, 266, kGrey},
+                              {223, 300, kGrey}, {100, 410, kGrey}})
+    EXPECT_EQ(At(x, y), colour) << x << "," << y;
   // "Lattice Bender" over "0.41.4", each centred.
   auto [lo, hi] = TextColumns();
   ASSERT_LT(lo, hi);
@@ -432,8 +422,9 @@ INSTANTIATE_TEST_SUITE_P(Buttons, PanelKeys,
 // ---- Theme and lifetime ------------------------------------------------------------------
 
 TEST_F(Panel, BrightnessChangesSwapTheLogo) {
+  // A bright interface starts with the white logo.
   const auto& icons = lb::host::currentPanel()->icons;
-  ASSERT_EQ(icons.size(), 1u);
+  ASSERT_EQ(icons, (std::vector<std::pair<int32_t, int32_t>>{{220, 220}}));
   host->fireNotifier("AI UI Brightness Changed Notifier");
   ASSERT_EQ(icons.size(), 2u);  // the first notification always sets it
   EXPECT_EQ(icons.back(), std::make_pair(220, 220));
