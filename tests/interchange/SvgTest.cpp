@@ -190,14 +190,11 @@ TEST(InkscapeMesh, NodesColoursSidesAndThePathBeside) {
   // The path beside the mesh: every command, its style and transform.
   ArtObject* wave = doc->findById("wave");
   ASSERT_NE(wave, nullptr);
-  EXPECT_EQ(wave->name, "Wave");
-  EXPECT_DOUBLE_EQ(wave->opacity, 0.5);
-  EXPECT_TRUE(wave->closed);
-  EXPECT_TRUE(wave->style.fillPaint);
-  EXPECT_NEAR(wave->style.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
-  EXPECT_TRUE(wave->style.strokePaint);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.color.c.rgb.blue, 1);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.width, 2);
+  const AIPathStyle& ws = wave->style;
+  EXPECT_EQ(std::make_tuple(wave->name, wave->opacity, wave->closed, ws.fillPaint, ws.strokePaint,
+                            ws.stroke.color.c.rgb.blue, ws.stroke.width),
+            std::make_tuple("Wave", 0.5, true, 1, 1, 1.0, 2.0));
+  EXPECT_NEAR(ws.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
   // h v H V l c s q t (9 pieces), the half-circle arc in 4, the closing line.
   ASSERT_EQ(wave->segments.size(), 14u);
   struct {
@@ -466,8 +463,7 @@ TEST(Cli, BadSvgExitsWithThreeAndWritesNothing) {
     EXPECT_NE(r.err.find("bad.svg"), std::string::npos) << r.err;
     EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
   }
-  EXPECT_FALSE(fs::exists(dir / "out.lbdoc"));
-  EXPECT_FALSE(fs::exists(dir / "out.svg"));
+  for (const char* out : {"out.lbdoc", "out.svg"}) EXPECT_FALSE(fs::exists(dir / out)) << out;
   EXPECT_EQ(Invoke({"import", (dir / "bad.lbdoc").string(), "-o", (dir / "x.lbdoc").string()}).status, 2);
   EXPECT_EQ(Invoke({"export", (dir / "bad.svg").string(), "-o", (dir / "x.txt").string()}).status, 2);
 }
