@@ -15,6 +15,10 @@ ZS_COLOR Rgba(unsigned char r, unsigned char g, unsigned char b, unsigned char a
   return ZS_COLOR{b, g, r, a};
 }
 int FillAll(ZC_DIB& d, ZS_COLOR c) { return d.FillAll(&c); }
+// A bitmap filled with one colour.
+struct Filled : ZC_DIB {
+  Filled(int w, int h, int bpp, ZS_COLOR c) : ZC_DIB(w, h, bpp) { FillAll(&c); }
+};
 int FillReg(ZC_DIB& d, ZS_COLOR c, int x, int y, int w, int h) { return d.FillReg(&c, x, y, w, h); }
 
 // Bytes (b, g, r[, a]) of pixel (x, y), y from the top.
@@ -85,8 +89,7 @@ TEST(DibFill, FillAllLeavesRowPaddingAlone) {
 }
 
 TEST(DibStorage, TopRowIsTheLastStoredRow) {
-  ZC_DIB d(4, 3, 32);
-  FillAll(d, Rgba(0, 0, 0, 0));
+  Filled d(4, 3, 32, Rgba(0, 0, 0, 0));
   FillReg(d, Rgba(10, 20, 30, 40), 0, 0, -1, 1);
   const unsigned char* bits = d.Bits();
   // Stored row 2 (the last) is picture row 0.
@@ -112,10 +115,8 @@ TEST(DibCopy, RegionCodesInOrder) {
 }
 
 TEST(DibCopy, PictureAtTheRightEdgeIsCut) {
-  ZC_DIB d(227, 40, 24);
-  FillAll(d, Rgba(208, 208, 208));
-  ZC_DIB pic(32, 32, 32);
-  FillAll(pic, Rgba(255, 0, 0));
+  Filled d(227, 40, 24, Rgba(208, 208, 208));
+  Filled pic(32, 32, 32, Rgba(255, 0, 0));
   EXPECT_EQ(d.CopyRegRaw(220, 0, &pic, 0, 0, 32, 32), 0);
   for (int x = 220; x < 227; ++x) EXPECT_EQ(Px(d, x, 31), (std::vector<int>{0, 0, 255})) << x;
   EXPECT_EQ(Px(d, 219, 0), (std::vector<int>{208, 208, 208}));
@@ -123,11 +124,9 @@ TEST(DibCopy, PictureAtTheRightEdgeIsCut) {
 }
 
 TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
-  ZC_DIB src(4, 4, 24);
-  FillAll(src, Rgba(0, 0, 0));
+  Filled src(4, 4, 24, Rgba(0, 0, 0));
   FillReg(src, Rgba(255, 255, 255), 2, 2, 2, 2);  // bottom-right quarter
-  ZC_DIB d(10, 10, 24);
-  FillAll(d, Rgba(100, 100, 100));
+  Filled d(10, 10, 24, Rgba(100, 100, 100));
   // From (2, 2) of the source, asking for 5 x 5: only 2 x 2 exist.
   EXPECT_EQ(d.CopyRegRaw(5, 5, &src, 2, 2, 5, 5), 0);
   EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));
@@ -143,15 +142,12 @@ TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
 }
 
 TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
-  ZC_DIB src32(2, 2, 32);
-  FillAll(src32, Rgba(10, 20, 30, 77));
-  ZC_DIB d32(2, 2, 32);
-  FillAll(d32, Rgba(0, 0, 0, 255));
+  Filled src32(2, 2, 32, Rgba(10, 20, 30, 77));
+  Filled d32(2, 2, 32, Rgba(0, 0, 0, 255));
   ASSERT_EQ(d32.CopyRegRaw(0, 0, &src32, 0, 0, -1, -1), 0);
   EXPECT_EQ(Px(d32, 1, 1), (std::vector<int>{30, 20, 10, 77}));
 
-  ZC_DIB src24(2, 2, 24);
-  FillAll(src24, Rgba(10, 20, 30, 77));
+  Filled src24(2, 2, 24, Rgba(10, 20, 30, 77));
   FillAll(d32, Rgba(0, 0, 0, 255));
   ASSERT_EQ(d32.CopyRegRaw(0, 0, &src24, 0, 0, -1, -1), 0);
   EXPECT_EQ(Px(d32, 0, 0), (std::vector<int>{30, 20, 10, 255}));
@@ -162,8 +158,7 @@ TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
 }
 
 TEST(DibBlend, AlphaRule) {
-  ZC_DIB d(3, 1, 24);
-  FillAll(d, Rgba(208, 208, 208));
+  Filled d(3, 1, 24, Rgba(208, 208, 208));
   ZC_DIB src(3, 1, 32);
   FillReg(src, Rgba(0, 0, 0, 0), 0, 0, 1, 1);
   FillReg(src, Rgba(12, 34, 56, 255), 1, 0, 1, 1);
@@ -176,16 +171,13 @@ TEST(DibBlend, AlphaRule) {
 }
 
 TEST(DibBlend, DestinationAlphaKeptAndOpaqueSourceCopied) {
-  ZC_DIB d(1, 1, 32);
-  FillAll(d, Rgba(100, 100, 100, 9));
-  ZC_DIB src(1, 1, 32);
-  FillAll(src, Rgba(200, 0, 100, 51));  // a = 0.2
+  Filled d(1, 1, 32, Rgba(100, 100, 100, 9));
+  Filled src(1, 1, 32, Rgba(200, 0, 100, 51));  // a = 0.2
   ASSERT_EQ(d.CopyReg(0, 0, &src, 0, 0, 1, 1), 0);
   // 100 + 100 * 51 / 255 = 120; 100 - 100 * 0.2 = 80; 100 + 0 = 100.
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{100, 80, 120, 9}));
 
-  ZC_DIB src24(1, 1, 24);
-  FillAll(src24, Rgba(1, 2, 3));
+  Filled src24(1, 1, 24, Rgba(1, 2, 3));
   ASSERT_EQ(d.CopyReg(0, 0, &src24, 0, 0, 1, 1), 0);
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 2, 1, 9}));
 }
