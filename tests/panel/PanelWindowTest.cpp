@@ -3,7 +3,6 @@
 // document showing which command ran and with which keys and checkboxes.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <map>
 #include <memory>
 #include <set>
