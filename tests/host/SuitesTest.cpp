@@ -150,8 +150,7 @@ TEST_F(Suites, MatchingArtHandsOutCountedMemory) {
   ASSERT_EQ(matching->GetMatchingArt(&meshes, 1, &h, &n), kNoErr);
   ASSERT_EQ(n, 2);
   ASSERT_NE(h, nullptr);
-  EXPECT_EQ((*h)[0]->name, "m1");
-  EXPECT_EQ((*h)[1]->name, "m2");
+  EXPECT_EQ((Names{(*h)[0]->name, (*h)[1]->name}), (Names{"m1", "m2"}));
   EXPECT_EQ(host.counters().memoryHandles, before + 1);
   size_t size = 0;
   EXPECT_EQ(memory->MdMemoryGetSize(reinterpret_cast<AIMdMemoryHandle>(h), &size), kNoErr);
@@ -165,9 +164,7 @@ TEST_F(Suites, MatchingArtHandsOutCountedMemory) {
   h = reinterpret_cast<AIArtHandle**>(1);
   n = 7;
   ASSERT_EQ(matching->GetMatchingArt(&placedPattern, 1, &h, &n), kNoErr);
-  EXPECT_EQ(h, nullptr);
-  EXPECT_EQ(n, 0);
-  EXPECT_EQ(host.counters().memoryHandles, before);
+  EXPECT_EQ(std::make_tuple(h, n, host.counters().memoryHandles), std::make_tuple(nullptr, 0, before));
 
   const AIMatchingArtSpec two[2] = {{kRasterArt, kArtSelected, kArtSelected}, {kPlacedArt, kArtSelected, kArtSelected}};
   EXPECT_EQ(matchNames(two, 2), (Names{"r"}));
@@ -320,8 +317,7 @@ TEST_F(Suites, RealMathInterpolationAnglesLengthsAndMatrices) {
   math->AIRealPointSubtract(&up, &o, &r);
   EXPECT_EQ(r.v, 2);
   math->AIRealPointLengthAngle(2, M_PI / 2, &r);
-  EXPECT_NEAR(r.h, 0, 1e-15);
-  EXPECT_DOUBLE_EQ(r.v, 2);
+  EXPECT_PT_NEAR(r, (AIRealPoint{0, 2}), 1e-15);
   EXPECT_TRUE(math->AIRealPointClose(&o, &up, 2));
   EXPECT_FALSE(math->AIRealPointClose(&o, &up, 1.5));
   EXPECT_FALSE(math->AIRealPointEqual(&o, &up));
