@@ -58,8 +58,7 @@ class Messages : public ::testing::Test {
 TEST_F(Messages, StartupAllocatesTheRecordAddsMenuAndNotifiers) {
   EXPECT_EQ(Send("SP Interface", "Startup"), kNoErr);
   ASSERT_NE(g, nullptr);
-  EXPECT_EQ(fake::host.blocks, 1);
-  EXPECT_EQ(fake::host.menuItems, 1);
+  EXPECT_EQ(std::make_pair(fake::host.blocks, long(fake::host.menuItems)), std::make_pair(1L, 1L));
   EXPECT_NE(g->menuItem, nullptr);
   EXPECT_EQ(fake::host.notifierTypes,
             (std::vector<std::string>{"AI Application Started Notifier",
@@ -143,11 +142,9 @@ TEST_F(Messages, UnloadHandsOverTheRecordAndReloadResetsTheCount) {
 TEST_F(Messages, ApplicationStartedCreatesThePanelAndTakesAccessUnlessThePanelFails) {
   Send("SP Interface", "Startup");
   EXPECT_EQ(Notify(g->appStartedNotifier), kNoErr);
-  EXPECT_EQ(fake::panel.adds, 1);
-  EXPECT_EQ(fake::host.accesses, 1);
+  EXPECT_EQ(std::make_pair(fake::panel.adds, fake::host.accesses), std::make_pair(1, 1));
   EXPECT_EQ(Notify(g->appShutdownNotifier), kNoErr);
-  EXPECT_EQ(fake::panel.removes, 1);
-  EXPECT_EQ(fake::host.accesses, 0);
+  EXPECT_EQ(std::make_pair(fake::panel.removes, fake::host.accesses), std::make_pair(1, 0));
   ExpectNothingHeld();
   // A panel that fails takes no access.
   fake::panel.addResult = kNoPanelErr;
