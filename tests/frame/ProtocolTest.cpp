@@ -22,9 +22,8 @@ TEST_F(Loaded, StartupAddsMenuItemAndThreeNotifiersShutdownGivesEverythingBack) 
   ASSERT_TRUE(host.pluginLoaded());
   AIMenuItemHandle item = host.pluginMenuItem();
   ASSERT_NE(item, nullptr);
-  EXPECT_EQ(host.menuItemGroup(item), "Tool Palettes");
-  EXPECT_EQ(host.menuItemText(item), "Lattice Bender");
-  EXPECT_EQ(host.menuItemOptions(item), 1);
+  EXPECT_EQ(std::make_tuple(host.menuItemGroup(item), host.menuItemText(item), host.menuItemOptions(item)),
+            std::make_tuple("Tool Palettes", "Lattice Bender", 1));
   // (Their types and order: dispatch's MessageTest, on the same start-up code.)
   EXPECT_EQ(host.notifierTypes().size(), 3u);
   for (size_t i = 0; i < 3; ++i) EXPECT_EQ(host.notifierOwner(i), "LatticeBender");
