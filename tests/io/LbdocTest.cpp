@@ -97,15 +97,13 @@ TEST(LbdocRead, EveryKeyLandsInTheModelAndItsDescription) {
             std::vector<int>({kSegmentInAndOutSelected, kSegmentNotSelected}));
 
   const ArtObject* c = g->children[1].get();
-  EXPECT_EQ(c->type, kCompoundPathArt);
-  EXPECT_EQ(c->blendMode, kAISoftLightBlendingMode);
+  EXPECT_EQ(std::make_tuple(c->type, c->blendMode), std::make_tuple(kCompoundPathArt, kAISoftLightBlendingMode));
   ASSERT_EQ(c->children.size(), 1u);
 
   const ArtObject* r = top->children[1].get();
   EXPECT_EQ(std::make_pair(r->image.matrix.b, r->image.matrix.ty), std::make_pair(0.5, 200.0));
   EXPECT_EQ(r->image.pixels, (std::vector<uint8_t>{0, 1, 2, 3, 4, 5, 6, 7}));
-  EXPECT_TRUE(r->style.fillPaint);
-  EXPECT_EQ(r->style.fill.color.c.rgb.green, 0.5);
+  EXPECT_EQ(std::make_tuple(r->style.fillPaint, r->style.fill.color.c.rgb.green), std::make_tuple(1, 0.5));
   EXPECT_EQ(top->children[2]->image.matrix.a, 1);  // identity by default
   const ArtObject* m = top->children[3].get();
   EXPECT_TRUE(doc->contains(m) && doc->contains(p) && doc->contains(c->children[0].get()));
@@ -158,14 +156,11 @@ TEST(LbdocRoundTrip, ModelEditsSurvive) {
   m->mesh->initCartesian(4, 1);
   auto back = readDocument(writeDocument(d));
   const ArtObject* p2 = back->layers()[0]->children[0].get();
-  EXPECT_EQ(p2->segments[0].p.h, 1.0 / 3);
-  EXPECT_EQ(p2->segments[0].out.v, -M_E);
-  EXPECT_EQ(back->anchorSelection(p2, 0), kSegmentOutSelected);
-  EXPECT_EQ(p2->opacity, 0.123456789012345678);
-  EXPECT_EQ(p2->blendMode, kAIColorDodgeBlendingMode);
+  EXPECT_EQ(std::make_tuple(p2->segments[0].p.h, p2->segments[0].out.v, back->anchorSelection(p2, 0), p2->opacity,
+                            p2->blendMode),
+            std::make_tuple(1.0 / 3, -M_E, kSegmentOutSelected, 0.123456789012345678, kAIColorDodgeBlendingMode));
   // A new path's look (stroked black) is written and read back.
-  EXPECT_TRUE(p2->style.strokePaint);
-  EXPECT_EQ(p2->style.stroke.color.c.g.gray, 1);
+  EXPECT_EQ(std::make_tuple(p2->style.strokePaint, p2->style.stroke.color.c.g.gray), std::make_tuple(1, 1.0));
   const ArtObject* m2 = back->layers()[0]->children[1].get();
   EXPECT_EQ(std::make_pair(m2->mesh->sizeI(), m2->mesh->sizeJ()), std::make_pair(4, 1));
   EXPECT_EQ(writeDocument(*back), writeDocument(d));
