@@ -248,12 +248,9 @@ TEST_F(Panel, PrintClientDrawsTheCompositeAlone) {
   ReleaseDC(other, dc);
   // The composite holds pictures, checkboxes and marks, but neither the
   // buttons' frames nor the text strip.
-  EXPECT_EQ(lbwinGetPixel(other, 3, 3), kGrey);
-  EXPECT_EQ(lbwinGetPixel(other, 38, 38), kGrey);
-  EXPECT_EQ(lbwinGetPixel(other, 199, 8), kBlack);
-  EXPECT_EQ(lbwinGetPixel(other, 189, 4), kShadow);
-  EXPECT_EQ(lbwinGetPixel(other, 100, 300), kGrey);
-  EXPECT_EQ(lbwinGetPixel(other, 30, 20), At(30, 20));
+  for (auto [x, y, colour] : {std::tuple{3, 3, kGrey}, {38, 38, kGrey}, {199, 8, kBlack}, {189, 4, kShadow},
+                              {100, 300, kGrey}, {30, 20, At(30, 20)}})
+    EXPECT_EQ(lbwinGetPixel(other, x, y), colour) << x << "," << y;
   DestroyWindow(other);
 }
 
