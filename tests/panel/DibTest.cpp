@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 #include "BmpBytes.h"
@@ -28,6 +29,11 @@ std::vector<int> Px(const ZC_DIB& d, int x, int y) {
   if (d.GetBitCount() == 32) return {p[0], p[1], p[2], p[3]};
   return {p[0], p[1], p[2]};
 }
+// Expects each pixel (x, y) of d to hold the bytes given with it.
+void ExpectPixels(const ZC_DIB& d, std::initializer_list<std::tuple<int, int, std::vector<int>>> want) {
+  for (const auto& [x, y, bytes] : want) EXPECT_EQ(Px(d, x, y), bytes) << x << "," << y;
+}
+const std::vector<int> kBlack3{0, 0, 0}, kWhite3{255, 255, 255};
 
 TEST(DibMake, EmptyAndSizedBitmaps) {
   ZC_DIB eight(10, 10, 8);  // only 24 and 32 bits are made
@@ -74,10 +80,7 @@ TEST(DibFill, WholeBitmapAndClipping) {
   // A rectangle running past the right and bottom edges is cut there.
   ASSERT_EQ(FillAll(d, Rgba(0, 0, 0)), 0);
   EXPECT_EQ(FillReg(d, Rgba(0, 0, 255), 7, 6, 100, 100), 0);
-  EXPECT_EQ(Px(d, 7, 6), (std::vector<int>{255, 0, 0}));
-  EXPECT_EQ(Px(d, 9, 7), (std::vector<int>{255, 0, 0}));
-  EXPECT_EQ(Px(d, 6, 6), (std::vector<int>{0, 0, 0}));
-  EXPECT_EQ(Px(d, 7, 5), (std::vector<int>{0, 0, 0}));
+  ExpectPixels(d, {{7, 6, {255, 0, 0}}, {9, 7, {255, 0, 0}}, {6, 6, kBlack3}, {7, 5, kBlack3}});
 }
 
 TEST(DibFill, FillAllLeavesRowPaddingAlone) {
@@ -119,8 +122,7 @@ TEST(DibCopy, PictureAtTheRightEdgeIsCut) {
   Filled pic(32, 32, 32, Rgba(255, 0, 0));
   EXPECT_EQ(d.CopyRegRaw(220, 0, &pic, 0, 0, 32, 32), 0);
   for (int x = 220; x < 227; ++x) EXPECT_EQ(Px(d, x, 31), (std::vector<int>{0, 0, 255})) << x;
-  EXPECT_EQ(Px(d, 219, 0), (std::vector<int>{208, 208, 208}));
-  EXPECT_EQ(Px(d, 226, 32), (std::vector<int>{208, 208, 208}));
+  ExpectPixels(d, {{219, 0, {208, 208, 208}}, {226, 32, {208, 208, 208}}});
 }
 
 TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
@@ -129,16 +131,11 @@ TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
   Filled d(10, 10, 24, Rgba(100, 100, 100));
   // From (2, 2) of the source, asking for 5 x 5: only 2 x 2 exist.
   EXPECT_EQ(d.CopyRegRaw(5, 5, &src, 2, 2, 5, 5), 0);
-  EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));
-  EXPECT_EQ(Px(d, 6, 6), (std::vector<int>{255, 255, 255}));
-  EXPECT_EQ(Px(d, 7, 5), (std::vector<int>{100, 100, 100}));
-  EXPECT_EQ(Px(d, 5, 7), (std::vector<int>{100, 100, 100}));
+  const std::vector<int> grey{100, 100, 100};
+  ExpectPixels(d, {{5, 5, kWhite3}, {6, 6, kWhite3}, {7, 5, grey}, {5, 7, grey}});
   // Negative sizes take the source's whole width and height.
   EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, -1, -1), 0);
-  EXPECT_EQ(Px(d, 3, 3), (std::vector<int>{255, 255, 255}));
-  EXPECT_EQ(Px(d, 1, 1), (std::vector<int>{0, 0, 0}));
-  EXPECT_EQ(Px(d, 4, 4), (std::vector<int>{100, 100, 100}));
-  EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));  // from the first copy
+  ExpectPixels(d, {{3, 3, kWhite3}, {1, 1, kBlack3}, {4, 4, grey}, {5, 5, kWhite3}});  // (5, 5) from the first copy
 }
 
 TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
@@ -193,15 +190,12 @@ TEST(DibLoad, BottomUpPixelsFromThePixelOffset) {
   ASSERT_EQ(d.GetH(), 2);
   const uint32_t offset = d.FileHeader().bfOffBits;  // a packed field: read it by value
   EXPECT_EQ(offset, 58u);
-  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 3, 3, 255}));
-  EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{4, 4, 4, 128}));
-  EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{1, 1, 1, 255}));
+  ExpectPixels(d, {{0, 0, {3, 3, 3, 255}}, {1, 0, {4, 4, 4, 128}}, {0, 1, {1, 1, 1, 255}}});
   // 1 x 2, 24 bits: 3 bytes of pixel and 1 of padding per row.
   buf = Bmp(1, 2, 24, 54, {9, 8, 7, 0, 6, 5, 4, 0});
   d.LoadFromBuff(buf.data());
   ASSERT_EQ(d.GetH(), 2);
-  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{6, 5, 4}));
-  EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{9, 8, 7}));
+  ExpectPixels(d, {{0, 0, {6, 5, 4}}, {0, 1, {9, 8, 7}}});
 }
 
 TEST(DibLoad, OtherBitCountsLeaveTheBitmapEmpty) {
