@@ -101,8 +101,7 @@ TEST_F(LoadBitmap, ReadsInKilobytePiecesUntilAShortRead) {
     EXPECT_EQ(LoadBitmapResource("PIC", d), kNoErr);
     EXPECT_EQ(script.requests, std::vector<size_t>(c.returned.size(), 1024));
     EXPECT_EQ(script.returned, c.returned);
-    EXPECT_EQ(script.lastType, AIFourCC("BMPP"));
-    EXPECT_EQ(script.lastPlugin, gPluginRef);
+    EXPECT_EQ(std::make_pair(script.lastType, script.lastPlugin), std::make_pair(AIFourCC("BMPP"), gPluginRef));
     EXPECT_EQ(std::make_pair(script.links, script.unlinks), std::make_pair(1, 1));
     EXPECT_EQ(d.GetW(), c.width);
     if (c.width != 32) continue;
