@@ -158,8 +158,7 @@ TEST(PngWriter, EveryPixelSurvivesTheRoundTrip) {
     ASSERT_EQ(lb::render::writePng(path, rows.data(), 3, 2, 4), "") << c.name;
     int w = 0, h = 0;
     const std::vector<uint32_t> back = lb::test::readArgb(path, &w, &h);
-    ASSERT_EQ(w, 3) << c.name;
-    ASSERT_EQ(h, 2) << c.name;
+    ASSERT_EQ(std::make_pair(w, h), std::make_pair(3, 2)) << c.name;
     for (size_t k = 0; k < 6; ++k)
       for (int shift : {0, 8, 16, 24})
         EXPECT_NEAR(static_cast<int>((back[k] >> shift) & 255), static_cast<int>((c.pixels[k] >> shift) & 255), 1)
