@@ -55,8 +55,7 @@ TEST_F(Render, MeshPixelsMatchEvaluatedColours) {
   const GradientMesh& m = *a->mesh;
   const double scale = 2;
   const Image img = lb::render::renderDocument(doc, RenderOptions{scale, false});
-  ASSERT_EQ(img.width, 200);
-  ASSERT_EQ(img.height, 200);
+  ASSERT_EQ(std::make_pair(img.width, img.height), std::make_pair(200, 200));
   int worst = 0, n = 0;
   for (double u = 0.03; u < 1; u += 0.047)
     for (double v = 0.03; v < 1; v += 0.047) {
