@@ -432,8 +432,7 @@ TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
 
   auto doc = lb::io::readDocument(lbtest::DocJson(mesh).dump());
   const lb::render::Image picture = lb::render::renderDocument(*doc, {std::stod(state["view"][4]), true});
-  const int cx = std::stoi(state["canvas"][0]) + static_cast<int>(std::round(std::stod(state["view"][0])));
-  const int cy = std::stoi(state["canvas"][1]) + static_cast<int>(std::round(std::stod(state["view"][1])));
+  const auto [cx, cy] = DocToWindow(AIRealPoint{std::stod(state["view"][2]), std::stod(state["view"][3])});
   XImage* shot = XGetImage(display, win, 0, 0, attrs.width, attrs.height, AllPlanes, ZPixmap);
   ASSERT_NE(shot, nullptr);
   int canvasDiffs = 0, compared = 0;
