@@ -342,8 +342,7 @@ TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   Down(kShiftX, kShiftY);
   Move(kReflectX, kReflectY, MK_LBUTTON);
   Up(kReflectX, kReflectY);
-  EXPECT_EQ(ColorFrom(0, 0), 0);
-  EXPECT_EQ(ColorFrom(2, 1), 5);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), ColorFrom(2, 1)), std::make_pair(0, 5));
   Down(kEmptyX, kEmptyY);
   Up(kShiftX, kShiftY);
   EXPECT_EQ(ColorFrom(0, 0), 0);
@@ -365,22 +364,18 @@ TEST_F(Panel, CheckboxTogglesOnPressAndTheNextCommandSeesIt) {
   EXPECT_EQ(At(199, 8), kWhite);
   // Colour off, opacity on: only the opacities shift.
   Click(kShiftX, kShiftY);
-  EXPECT_EQ(ColorFrom(0, 0), 0);
-  EXPECT_EQ(OpacityFrom(0, 0), 2);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), OpacityFrom(0, 0)), std::make_pair(0, 2));
   // Pressing again checks it again; a release elsewhere does not matter.
   Down(kColorBoxX, kColorBoxY);
   EXPECT_EQ(At(199, 8), kBlack);
   Up(kEmptyX, kEmptyY);
   Click(kShiftX, kShiftY);
-  EXPECT_EQ(ColorFrom(0, 0), 2);
-  EXPECT_EQ(OpacityFrom(0, 0), 1);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), OpacityFrom(0, 0)), std::make_pair(2, 1));
   // Opacity off, colour on: only the colours shift (a second time).
   Click(kOpacityBoxX, kOpacityBoxY);
-  EXPECT_EQ(At(199, 26), kWhite);
-  EXPECT_EQ(At(199, 8), kBlack);
+  EXPECT_EQ(std::make_pair(At(199, 26), At(199, 8)), std::make_pair(kWhite, kBlack));
   Click(kShiftX, kShiftY);
-  EXPECT_EQ(ColorFrom(0, 0), 1);
-  EXPECT_EQ(OpacityFrom(0, 0), 1);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), OpacityFrom(0, 0)), std::make_pair(1, 1));
 }
 
 struct KeyCase {
@@ -402,8 +397,7 @@ TEST_P(PanelKeys, KeysAreReadAtTheRelease) {
   lbwinSetKeyState(VK_MENU, k.alt);
   lbwinSetKeyState(VK_CONTROL, k.ctrl);
   Up(k.x, k.y);
-  EXPECT_EQ(ColorFrom(0, 0), k.expected);
-  EXPECT_EQ(ColorFrom(2, 0), k.expected20);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), ColorFrom(2, 0)), std::make_pair(k.expected, k.expected20));
 }
 
 // Shift colours moves each node's paint one node towards the higher index
