@@ -38,10 +38,8 @@ TEST(Table, GridHoldsEveryCommandOnceAndNoCellTwice) {
 }
 
 TEST(Table, OutOfRangeIndexesYieldNothing) {
-  EXPECT_EQ(BtnGetTooltip(37), nullptr);
-  EXPECT_EQ(BtnGetPicStr(37), nullptr);
-  EXPECT_EQ(BtnGetFuncID(37), 0);
-  EXPECT_EQ(BtnGetPicID(1000), 0);
+  EXPECT_EQ(std::make_tuple(BtnGetTooltip(37), BtnGetPicStr(37), BtnGetFuncID(37), BtnGetPicID(1000)),
+            std::make_tuple(nullptr, nullptr, 0, 0));
   int x = -5, y = -6, w = -7, h = -8;
   BtnGetDimentions(37, &x, &y, &w, &h);
   EXPECT_EQ(std::make_tuple(x, y, w, h), std::make_tuple(-5, -6, -7, -8));
