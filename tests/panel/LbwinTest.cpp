@@ -97,12 +97,11 @@ TEST(Lbwin, BottomUpAndTopDownBitmaps) {
   bi.bmiHeader.biPlanes = 1;
   bi.bmiHeader.biBitCount = 32;
   EXPECT_EQ(SetDIBitsToDevice(dc, 0, 0, 1, 2, 0, 0, 0, 2, bits, &bi, DIB_RGB_COLORS), 2);
-  EXPECT_EQ(lbwinGetPixel(w, 0, 0), RGB(0, 255, 0));
-  EXPECT_EQ(lbwinGetPixel(w, 0, 1), RGB(255, 0, 0));
+  const COLORREF red = RGB(255, 0, 0), green = RGB(0, 255, 0);
+  EXPECT_EQ(std::make_pair(lbwinGetPixel(w, 0, 0), lbwinGetPixel(w, 0, 1)), std::make_pair(green, red));
   bi.bmiHeader.biHeight = -2;  // top-down
   SetDIBitsToDevice(dc, 1, 0, 1, 2, 0, 0, 0, 2, bits, &bi, DIB_RGB_COLORS);
-  EXPECT_EQ(lbwinGetPixel(w, 1, 0), RGB(255, 0, 0));
-  EXPECT_EQ(lbwinGetPixel(w, 1, 1), RGB(0, 255, 0));
+  EXPECT_EQ(std::make_pair(lbwinGetPixel(w, 1, 0), lbwinGetPixel(w, 1, 1)), std::make_pair(red, green));
   ReleaseDC(w, dc);
   DestroyWindow(w);
 }
