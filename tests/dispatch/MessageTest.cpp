@@ -167,8 +167,7 @@ TEST_F(Messages, AlertAcquiresOnlyWhatIsMissing) {
   // Outside any message: both suites are taken for the call and given back.
   PluginAlert("first");
   EXPECT_EQ(fake::host.alerts, std::vector<std::string>{"first"});
-  EXPECT_EQ(sAIUser, nullptr);
-  EXPECT_EQ(sAIUnicodeString, nullptr);
+  EXPECT_EQ(std::make_tuple(sAIUser, sAIUnicodeString), std::make_tuple(nullptr, nullptr));
   EXPECT_TRUE(fake::host.acquired.empty());
 
   // Inside an acquisition the frame's pointers are used and kept.
