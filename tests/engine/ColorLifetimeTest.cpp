@@ -187,8 +187,7 @@ TEST_F(Lifetimes, IteratorsOnAVanishedMeshAreAtEndAndFailSafely) {
   AIMeshSelection sel = nullptr;
   s.mesh->GetSelection(art, &sel);
   ASSERT_EQ(session->host().document().disposeArt(art), kNoErr);
-  EXPECT_TRUE(s.vtx->AtEnd(v));
-  EXPECT_TRUE(s.seg->AtEnd(g));
+  EXPECT_EQ(std::make_pair(s.vtx->AtEnd(v), s.seg->AtEnd(g)), std::make_pair(AIBoolean(1), AIBoolean(1)));
   AIRealPoint p{};
   EXPECT_EQ(s.vtx->GetPoint(v, &p), kIterAtEndErr);
   EXPECT_EQ(s.seg->Next(g), kIterAtEndErr);
@@ -217,12 +216,10 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   s.mesh->GetSelection(art, &vis);
   s.mesh->NewSelection(art, false, &mine);
   s.mesh->NewSelection(art, true, &full);
-  EXPECT_TRUE(s.sel->IsFull(full));
-  EXPECT_TRUE(s.sel->IsEmpty(vis));
+  EXPECT_EQ(std::make_pair(s.sel->IsFull(full), s.sel->IsEmpty(vis)), std::make_pair(AIBoolean(1), AIBoolean(1)));
   AIMeshVertexIterator v = node(1, 0);
   s.sel->SelectVertex(mine, v, true);
-  EXPECT_FALSE(m().selected(m().node(1, 0)));
-  EXPECT_FALSE(art->selected());
+  EXPECT_EQ(std::make_pair(m().selected(m().node(1, 0)), art->selected()), std::make_pair(false, false));
   s.sel->SelectVertex(vis, v, true);
   EXPECT_TRUE(m().selected(m().node(1, 0)));
   EXPECT_TRUE(art->selected()) << "a visibly selected vertex selects its mesh art";
@@ -238,8 +235,7 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   // selection stays full; the detached one does not know the new vertex.
   s.seg->InsertKnots(g, 0, 2);
   s.seg->Split(g, 0);
-  EXPECT_TRUE(s.sel->IsFull(vis));
-  EXPECT_FALSE(s.sel->IsFull(full));
+  EXPECT_EQ(std::make_pair(s.sel->IsFull(vis), s.sel->IsFull(full)), std::make_pair(AIBoolean(1), AIBoolean(0)));
   // One end unselected: the next vertex cut there is not selected.
   s.sel->SelectVertex(vis, v, false);
   s.seg->InsertKnots(g, 0, 1);  // g runs from (1, 0) to the first new vertex
@@ -247,8 +243,7 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   EXPECT_FALSE(s.sel->IsFull(vis));
   EXPECT_EQ(m().selectedCount(), 4u);
   m().clearSelection();
-  EXPECT_TRUE(s.sel->IsEmpty(vis));
-  EXPECT_FALSE(s.sel->IsEmpty(mine));
+  EXPECT_EQ(std::make_pair(s.sel->IsEmpty(vis), s.sel->IsEmpty(mine)), std::make_pair(AIBoolean(1), AIBoolean(0)));
   for (auto* x : {vis, mine, full}) s.sel->Release(x);
 }
 
