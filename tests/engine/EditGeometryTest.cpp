@@ -73,8 +73,7 @@ TEST_F(Knots, DeleteKeepsTheMergedPiecesOuterHandles) {
   ASSERT_EQ(q.size(), 10u);
   // Knot 0 stays, then the merged piece from knot 0 to old knot 3.
   for (int k = 0; k <= 4; ++k) EXPECT_EQ(q[k].h, p[k].h);
-  EXPECT_EQ(q[5].h, p[11].h);
-  EXPECT_EQ(q[6].h, p[12].h);
+  EXPECT_EQ(std::make_pair(q[5].h, q[6].h), std::make_pair(p[11].h, p[12].h));
   EXPECT_EQ(s.seg->DeleteKnots(g, 1, 5), kBadParameterErr);
 }
 
