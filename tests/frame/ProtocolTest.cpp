@@ -57,8 +57,7 @@ TEST_F(Loaded, MenuGoTogglesThePanelUpdateCheckMarksItForeignItemsDoNothing) {
   EXPECT_EQ(host.menuItemChecked(item), first);
   // The application-started notification created the panel, hidden until
   // the menu item first shows it.
-  EXPECT_FALSE(first);
-  EXPECT_TRUE(second);
+  EXPECT_EQ(std::make_pair(first, second), std::make_pair(false, true));
 
   // Foreign items and notifiers do nothing.
   const Counters now = host.counters();
