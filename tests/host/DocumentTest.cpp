@@ -109,8 +109,7 @@ TEST(PaintOrder, AboveAllGoesToTopmostUnlockedVisibleLayerOrANewOne) {
   ArtObject* inHidden = nullptr;
   ASSERT_EQ(d.newArt(kGroupArt, kPlaceInsideOnTop, hidden, &inHidden), kNoErr);
   ArtObject* b = make(d, kPathArt, kPlaceBelowAll, inHidden, "b");
-  EXPECT_EQ(b->parent, hidden);
-  EXPECT_EQ(hidden->children.back().get(), b);
+  EXPECT_EQ(std::make_pair(b->parent, hidden->children.back().get()), std::make_pair(hidden, b));
   // A document without layers gets one.
   Document empty;
   ArtObject* first = make(empty, kPathArt, kPlaceAboveAll, nullptr, "first");
@@ -158,8 +157,7 @@ TEST_F(Doc, ReorderMovesWithinAndAcrossContainers) {
   ASSERT_EQ(d.reorderArt(b, kPlaceInsideOnBottom, g), kNoErr);
   EXPECT_EQ(walkDown(d, g), (Names{"c", "b"}));
   EXPECT_EQ(walkDown(d, layer), (Names{"g", "a"}));
-  EXPECT_EQ(c->parent, g);
-  EXPECT_TRUE(d.contains(c));
+  EXPECT_EQ(std::make_pair(c->parent, d.contains(c)), std::make_pair(g, true));
 }
 
 TEST_F(Doc, DuplicateDeepCopyWithoutIdPlacedRelative) {
@@ -211,8 +209,7 @@ TEST_F(Doc, DisposeRemovesWholeSubtreeAndInvalidatesHandles) {
   EXPECT_FALSE(d.contains(g) || d.contains(inner) || d.contains(leaf));
   EXPECT_TRUE(d.contains(keep));
   EXPECT_EQ(walkDown(d, layer), (Names{"keep"}));
-  EXPECT_EQ(d.keyArt(), nullptr);
-  EXPECT_EQ(d.findById("leaf"), nullptr);
+  EXPECT_EQ(std::make_tuple(d.keyArt(), d.findById("leaf")), std::make_tuple(nullptr, nullptr));
   EXPECT_EQ(d.disposeArt(g), kNoSuchArtErr);
   EXPECT_EQ(d.matchingArt(nullptr, 0).size(), 0u);
   const AIMatchingArtSpec any{kAnyArt, 0, 0};
