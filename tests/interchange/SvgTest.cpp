@@ -225,13 +225,12 @@ TEST(InkscapeMesh, BoundingBoxUnitsAndElementTransform) {
   const ArtObject* art = doc->findById("e");
   ASSERT_NE(art, nullptr);
   ASSERT_EQ(art->type, kMeshArt);
-  EXPECT_TRUE(art->selected());
-  EXPECT_TRUE(art->mesh->isSelectionFull());
+  EXPECT_EQ(std::make_pair(art->selected(), art->mesh->isSelectionFull()), std::make_pair(true, true));
   // Bounds 10..30 x 25..35, doubled: corners at x 20 and 60, y 50 and 70.
   EXPECT_PT_NEAR(art->mesh->nodeData(0, 1).p, (AIRealPoint{20, -50}), 1e-9);
   EXPECT_PT_NEAR(art->mesh->nodeData(1, 0).p, (AIRealPoint{60, -70}), 1e-9);
-  EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).opacity, 0.25);
-  EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).color.c.rgb.green, 1);
+  EXPECT_EQ(std::make_pair(art->mesh->nodeData(1, 1).opacity, art->mesh->nodeData(1, 1).color.c.rgb.green),
+            std::make_pair(0.25, 1.0));
   EXPECT_NE(losses.text().find("bicubic"), std::string::npos);
 }
 
@@ -377,8 +376,7 @@ TEST(ReadSvg, HiddenGroupsAndFillOpacity) {
       "<svg><g id='g' style='display:none'><rect id='r' width='2' height='2' fill='red' fill-opacity='0.5' "
       "opacity='0.5'/></g><rect id='s' width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>",
       {}, &losses);
-  EXPECT_TRUE(doc->findById("g")->hidden());
-  EXPECT_FALSE(doc->findById("r")->hidden());
+  EXPECT_EQ(std::make_pair(doc->findById("g")->hidden(), doc->findById("r")->hidden()), std::make_pair(true, false));
   EXPECT_DOUBLE_EQ(doc->findById("r")->opacity, 0.25);
   EXPECT_NE(losses.text().find("fill and stroke opacity"), std::string::npos);
 }
@@ -438,9 +436,8 @@ TEST(Cli, ImportExportAndSelection) {
   auto doc = lb::io::readDocumentFile((dir / "m.lbdoc").string());
   const ArtObject* mesh = doc->findById("rect1298");
   ASSERT_NE(mesh, nullptr);
-  EXPECT_TRUE(mesh->selected());
-  EXPECT_TRUE(mesh->mesh->isSelectionFull());
-  EXPECT_TRUE(doc->findById("wave")->selected());
+  EXPECT_EQ(std::make_tuple(mesh->selected(), mesh->mesh->isSelectionFull(), doc->findById("wave")->selected()),
+            std::make_tuple(true, true, true));
 
   for (const char* ext : {".svg", ".pdf", ".png"}) {
     const fs::path out = dir / (std::string("m") + ext);
