@@ -37,12 +37,10 @@ const std::vector<int> kBlack3{0, 0, 0}, kWhite3{255, 255, 255};
 
 TEST(DibMake, EmptyAndSizedBitmaps) {
   ZC_DIB eight(10, 10, 8);  // only 24 and 32 bits are made
-  EXPECT_TRUE(eight.IsEmpty());
-  EXPECT_EQ(eight.GetW(), 0);
+  EXPECT_EQ(std::make_pair(eight.IsEmpty(), eight.GetW()), std::make_pair(true, 0));
 
   ZC_DIB d(5, 3, 24);
-  EXPECT_EQ(d.GetW(), 5);
-  EXPECT_EQ(d.GetH(), 3);
+  EXPECT_EQ(std::make_pair(d.GetW(), d.GetH()), std::make_pair(5, 3));
   const auto header = Bmp(5, 3, 24, 54, {}, 0, 1);
   EXPECT_EQ(std::memcmp(&d.InfoHeader(), header.data() + 14, 40), 0);
   // 24-bit rows are padded to 4 bytes: 15 -> 16.
@@ -186,8 +184,7 @@ TEST(DibLoad, BottomUpPixelsFromThePixelOffset) {
   auto buf = Bmp(2, 2, 32, 58, px);  // four spare bytes before the pixels
   ZC_DIB d;
   EXPECT_EQ(d.LoadFromBuff(buf.data()), 1);
-  ASSERT_EQ(d.GetW(), 2);
-  ASSERT_EQ(d.GetH(), 2);
+  ASSERT_EQ(std::make_pair(d.GetW(), d.GetH()), std::make_pair(2, 2));
   const uint32_t offset = d.FileHeader().bfOffBits;  // a packed field: read it by value
   EXPECT_EQ(offset, 58u);
   ExpectPixels(d, {{0, 0, {3, 3, 3, 255}}, {1, 0, {4, 4, 4, 128}}, {0, 1, {1, 1, 1, 255}}});
@@ -202,8 +199,7 @@ TEST(DibLoad, OtherBitCountsLeaveTheBitmapEmpty) {
   auto buf = Bmp(4, 4, 8, 54, std::vector<unsigned char>(16, 0));
   ZC_DIB d(3, 3, 24);
   EXPECT_EQ(d.LoadFromBuff(buf.data()), 1);
-  EXPECT_TRUE(d.IsEmpty());
-  EXPECT_EQ(d.GetW(), 0);
+  EXPECT_EQ(std::make_pair(d.IsEmpty(), d.GetW()), std::make_pair(true, 0));
 }
 
 TEST(DibDraw, WholeAndSubRectangles) {
