@@ -325,8 +325,9 @@ TEST_F(Panel, LeavingClearsOutlinesAndRestoresTheVersion) {
 // ---- Pressing and releasing -----------------------------------------------------------
 
 // Released away from the pressed button (over nothing, over another
-// button) nothing runs; a press outside every button runs nothing either.
-TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
+// button) nothing runs; a press outside every button runs nothing either;
+// released over it after leaving and returning, it runs.
+TEST_F(Panel, PressedButtonSinksRisesAndRunsOnlyWhenReleasedOverIt) {
   Down(kShiftX, kShiftY);
   EXPECT_TRUE(Framed(kCmdColorShift, kShadow, kWhite));
   EXPECT_EQ(GetCapture(), hwnd);
@@ -346,9 +347,6 @@ TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   Down(kEmptyX, kEmptyY);
   Up(kShiftX, kShiftY);
   EXPECT_EQ(ColorFrom(0, 0), 0);
-}
-
-TEST_F(Panel, ReleaseAfterLeavingAndReturningRunsTheCommand) {
   Down(kShiftX, kShiftY);
   Move(kEmptyX, kEmptyY, MK_LBUTTON);
   Move(kShiftX + 3, kShiftY - 3, MK_LBUTTON);
