@@ -43,8 +43,7 @@ TEST_P(PictureLimits, RendersABoundedPicture) {
   c.build(doc, layer);
   Image img;
   ASSERT_NO_THROW(img = lb::render::renderDocument(doc, RenderOptions{c.scale, c.selection}));
-  EXPECT_EQ(img.width, c.width);
-  EXPECT_EQ(img.height, c.height);
+  EXPECT_EQ(std::make_pair(img.width, img.height), std::make_pair(c.width, c.height));
   EXPECT_LE(static_cast<double>(img.width) * img.height, 64.0 * 1024 * 1024);
   ASSERT_EQ(img.pixels.size(), static_cast<size_t>(img.width) * img.height);
   EXPECT_EQ(img.at(c.probeX, c.probeY), c.probeBlack ? 0xff000000u : 0xffffffffu);
