@@ -85,6 +85,8 @@ TEST_F(Cli, UnreadableOrInvalidInputExitsWithThreeNamingTheFile) {
   EXPECT_NE(r.err.find("segments[0].p"), std::string::npos) << r.err;
 }
 
+// (The reader's refusals of each hostile file: HostileTest; how run and info
+// report them: UnreadableOrInvalidInputExitsWithThreeNamingTheFile.)
 TEST_F(Cli, HostileInputIsRefusedWithThreeAndEmptyOutputNameWithTwo) {
   const char* src = std::getenv("LB_SOURCE_DIR");
   const fs::path hostile = fs::path(src ? src : ".") / "tests/io/hostile";
@@ -94,11 +96,7 @@ TEST_F(Cli, HostileInputIsRefusedWithThreeAndEmptyOutputNameWithTwo) {
     const char* words;  // in the message on standard error
   };
   const Case cases[] = {
-      {{"run", (hostile / "mesh-size-lie.lbdoc").string(), "-o", P("out.lbdoc")}, 3, "mesh-size-lie.lbdoc"},
-      {{"info", (hostile / "duplicate-key.lbdoc").string()}, 3, "layers[0].name: duplicate key"},
       {{"render", (hostile / "singular-matrix.lbdoc").string(), "-o", P("x.png")}, 3, "matrix is singular"},
-      {{"info", (hostile / "trailing-nul.lbdoc").string()}, 3, "after the document"},
-      {{"run", dir.string(), "-o", P("out.lbdoc")}, 3, "is a directory"},
       {{"run", P("plain.lbdoc"), "-o", ""}, 2, "-o needs a file name"},
       {{"render", P("plain.lbdoc"), "-o", ""}, 2, "-o needs a file name"},
   };
@@ -125,8 +123,7 @@ TEST_F(Cli, RunWritesTheOutputAtomicallyAndNothingElseToStdout) {
   // Without -o the document goes to standard output.
   Result toStdout = Invoke({"run", P("plain.lbdoc"), "--command", "168"});
   ASSERT_EQ(toStdout.status, 0) << toStdout.err;
-  EXPECT_EQ(toStdout.out.substr(0, toStdout.out.size()),
-            written + (written.back() == '\n' ? "" : "\n"));
+  EXPECT_EQ(toStdout.out, written + (written.back() == '\n' ? "" : "\n"));
 }
 
 TEST_F(Cli, AnOutputThatCannotBeWrittenFailsWithFourAndLeavesNoFile) {

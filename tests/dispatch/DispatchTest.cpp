@@ -113,8 +113,7 @@ TEST_F(Dispatch, SwitchesAreSetBeforeTheOperationRuns) {
       fake::calls.clear();
       RunLBFunc(kCmdColorShift, false, false, color, opacity);
       ASSERT_EQ(fake::calls.size(), 1u);
-      EXPECT_EQ(fake::calls[0].useColor, color);
-      EXPECT_EQ(fake::calls[0].useOpacity, opacity);
+      EXPECT_EQ(std::make_pair(fake::calls[0].useColor, fake::calls[0].useOpacity), std::make_pair(color, opacity));
       EXPECT_EQ(CColorOpacity::sm_bUseAll, 0);  // never the dispatcher's business
     }
   }
@@ -126,11 +125,10 @@ TEST_F(Dispatch, IdsThatRunNothingStillRecordTheSwitchesAndCycleTheSuites) {
     CColorOpacity::sm_bUseOpacity = 1;
     fake::host.acquireLog.clear();
     RunLBFunc(id, false, false, false, false);
-    EXPECT_EQ(CColorOpacity::sm_bUseColor, 0);
-    EXPECT_EQ(CColorOpacity::sm_bUseOpacity, 0);
+    EXPECT_EQ(std::make_pair(CColorOpacity::sm_bUseColor, CColorOpacity::sm_bUseOpacity), std::make_pair(0, 0));
     ASSERT_EQ(fake::host.acquireLog.size(), 18u);  // the whole command table
-    EXPECT_EQ(fake::host.acquireLog.front(), "AI Real Math Suite");
-    EXPECT_EQ(fake::host.acquireLog.back(), "AI Matching Art Suite");
+    EXPECT_EQ(std::make_tuple(fake::host.acquireLog.front(), fake::host.acquireLog.back()),
+              std::make_tuple("AI Real Math Suite", "AI Matching Art Suite"));
   }
   EXPECT_TRUE(fake::calls.empty());
 }

@@ -58,8 +58,7 @@ class Messages : public ::testing::Test {
 TEST_F(Messages, StartupAllocatesTheRecordAddsMenuAndNotifiers) {
   EXPECT_EQ(Send("SP Interface", "Startup"), kNoErr);
   ASSERT_NE(g, nullptr);
-  EXPECT_EQ(fake::host.blocks, 1);
-  EXPECT_EQ(fake::host.menuItems, 1);
+  EXPECT_EQ(std::make_pair(fake::host.blocks, long(fake::host.menuItems)), std::make_pair(1L, 1L));
   EXPECT_NE(g->menuItem, nullptr);
   EXPECT_EQ(fake::host.notifierTypes,
             (std::vector<std::string>{"AI Application Started Notifier",
@@ -101,17 +100,24 @@ TEST_F(Messages, FailedAllocationReturnsItsCodeAndAddsNothing) {
   ExpectNothingHeld();
 }
 
+// The first row, middle rows and the last of the frame and panel tables.
 TEST_F(Messages, AcquisitionFailureReleasesAndReturnsAtOnce) {
   Send("SP Interface", "Startup");
-  fake::host.failSuite = "AI Context Suite";
-  EXPECT_EQ(Send("SP Interface", "About"), kSPSuiteNotFoundError);
-  ExpectNothingHeld();
-  // The menu handler did not run.
-  fake::host.failSuite = "AI User Interface Theme Suite";
-  EXPECT_EQ(Menu("AI Update", g->menuItem), kSPSuiteNotFoundError);
-  EXPECT_EQ(fake::host.checkCalls, 0);
-  ExpectNothingHeld();
+  for (const char* suite : {"AI Notifier Suite", "AI User Suite", "AI Context Suite", "AI Data Filter Suite",
+                            "AI Panel Suite", "AI User Interface Theme Suite"}) {
+    SCOPED_TRACE(suite);
+    fake::host.failSuite = suite;
+    EXPECT_EQ(Send("SP Interface", "About"), kSPSuiteNotFoundError);
+    ExpectNothingHeld();
+    // The menu handler did not run.
+    EXPECT_EQ(Menu("AI Update", g->menuItem), kSPSuiteNotFoundError);
+    EXPECT_EQ(fake::host.checkCalls, 0);
+    ExpectNothingHeld();
+  }
+  // The plug-in still works afterwards.
   fake::host.failSuite.clear();
+  EXPECT_EQ(Send("SP Interface", "About"), kNoErr);
+  ExpectNothingHeld();
 }
 
 TEST_F(Messages, UnloadHandsOverTheRecordAndReloadResetsTheCount) {
@@ -136,11 +142,9 @@ TEST_F(Messages, UnloadHandsOverTheRecordAndReloadResetsTheCount) {
 TEST_F(Messages, ApplicationStartedCreatesThePanelAndTakesAccessUnlessThePanelFails) {
   Send("SP Interface", "Startup");
   EXPECT_EQ(Notify(g->appStartedNotifier), kNoErr);
-  EXPECT_EQ(fake::panel.adds, 1);
-  EXPECT_EQ(fake::host.accesses, 1);
+  EXPECT_EQ(std::make_pair(fake::panel.adds, fake::host.accesses), std::make_pair(1, 1));
   EXPECT_EQ(Notify(g->appShutdownNotifier), kNoErr);
-  EXPECT_EQ(fake::panel.removes, 1);
-  EXPECT_EQ(fake::host.accesses, 0);
+  EXPECT_EQ(std::make_pair(fake::panel.removes, fake::host.accesses), std::make_pair(1, 0));
   ExpectNothingHeld();
   // A panel that fails takes no access.
   fake::panel.addResult = kNoPanelErr;
@@ -163,8 +167,7 @@ TEST_F(Messages, AlertAcquiresOnlyWhatIsMissing) {
   // Outside any message: both suites are taken for the call and given back.
   PluginAlert("first");
   EXPECT_EQ(fake::host.alerts, std::vector<std::string>{"first"});
-  EXPECT_EQ(sAIUser, nullptr);
-  EXPECT_EQ(sAIUnicodeString, nullptr);
+  EXPECT_EQ(std::make_tuple(sAIUser, sAIUnicodeString), std::make_tuple(nullptr, nullptr));
   EXPECT_TRUE(fake::host.acquired.empty());
 
   // Inside an acquisition the frame's pointers are used and kept.

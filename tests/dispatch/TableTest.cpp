@@ -12,8 +12,7 @@ namespace {
 TEST(Table, AreaCoversTheGrid) {
   int w = 0, h = 0;
   BtnsGetArea(&w, &h);
-  EXPECT_EQ(w, 227);
-  EXPECT_EQ(h, 264);
+  EXPECT_EQ(std::make_pair(w, h), std::make_pair(227, 264));
   BtnsGetArea(nullptr, &h);  // null outputs are skipped
   BtnsGetArea(&w, nullptr);
   EXPECT_EQ(BtnsGetCount(), 37u);
@@ -30,22 +29,17 @@ TEST(Table, GridHoldsEveryCommandOnceAndNoCellTwice) {
     pictures.insert(BtnGetPicStr(i));
     pictureIds.insert(BtnGetPicID(i));
   }
-  EXPECT_EQ(ids.size(), 37u);
-  EXPECT_EQ(*ids.begin(), kCmdSetOfPaths);
-  EXPECT_EQ(*ids.rbegin(), kCmdDirRotate);
-  EXPECT_EQ(cells.size(), 37u);
-  EXPECT_EQ(cells.count({0, 5}), 0u);  // the checkboxes' cell
-  EXPECT_EQ(pictures.size(), 37u);
-  EXPECT_EQ(pictureIds.size(), 37u);  // 129..165, each once
-  EXPECT_EQ(*pictureIds.begin(), 129);
-  EXPECT_EQ(*pictureIds.rbegin(), 165);
+  // Every id, cell, picture name and picture id (129..165) once; the checkboxes' cell (0, 5) stays free.
+  EXPECT_EQ(std::vector<size_t>({ids.size(), cells.size(), pictures.size(), pictureIds.size()}),
+            std::vector<size_t>(4, 37));
+  EXPECT_EQ(std::make_tuple(*ids.begin(), *ids.rbegin(), *pictureIds.begin(), *pictureIds.rbegin()),
+            std::make_tuple(int(kCmdSetOfPaths), int(kCmdDirRotate), 129, 165));
+  EXPECT_EQ(cells.count({0, 5}), 0u);
 }
 
 TEST(Table, OutOfRangeIndexesYieldNothing) {
-  EXPECT_EQ(BtnGetTooltip(37), nullptr);
-  EXPECT_EQ(BtnGetPicStr(37), nullptr);
-  EXPECT_EQ(BtnGetFuncID(37), 0);
-  EXPECT_EQ(BtnGetPicID(1000), 0);
+  EXPECT_EQ(std::make_tuple(BtnGetTooltip(37), BtnGetPicStr(37), BtnGetFuncID(37), BtnGetPicID(1000)),
+            std::make_tuple(nullptr, nullptr, 0, 0));
   int x = -5, y = -6, w = -7, h = -8;
   BtnGetDimentions(37, &x, &y, &w, &h);
   EXPECT_EQ(std::make_tuple(x, y, w, h), std::make_tuple(-5, -6, -7, -8));
@@ -78,8 +72,7 @@ TEST(Table, CheckboxPlacesCentreInTheirBoxes) {
   EXPECT_EQ(std::make_pair(x, y), std::make_pair(-1 + 206, -1 + 21));
   EXPECT_STREQ(BtnImgColorGetPicStr(), "IMG_CB_COLOR");
   EXPECT_STREQ(BtnImgOpacityGetPicStr(), "IMG_CB_OPACITY");
-  EXPECT_EQ(BtnImgColorGetPicID(), 100);
-  EXPECT_EQ(BtnImgOpacityGetPicID(), 101);
+  EXPECT_EQ(std::make_pair(BtnImgColorGetPicID(), BtnImgOpacityGetPicID()), std::make_pair(100, 101));
 }
 
 }  // namespace

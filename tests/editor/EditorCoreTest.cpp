@@ -6,13 +6,15 @@
 #include "app/editor/EditorCore.h"
 #include "render/Render.h"
 #include "io/Lbdoc.h"
-#include "support/Geometry.h"
+#include "support/Engine.h"
 #include "support/MeshRecipe.h"
 
 namespace {
 using lb::editor::Hit;
 using lb::host::Document;
 using lb::host::GradientMesh;
+using lbtest::NodeSet;
+using lbtest::SelectedNodes;
 
 // A 2 x 1 mesh of 100-unit cells at (0, 0), nothing selected, and a square
 // path beside it.
@@ -101,15 +103,13 @@ TEST_F(Editor, HitTestFindsWhatLiesUnderThePoint) {
 TEST_F(Editor, ClickShiftClickAndEmptyClick) {
   EXPECT_TRUE(lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), false));
   EXPECT_TRUE(mesh->selected());
-  EXPECT_EQ(m.selectedCount(), 1u);
-  EXPECT_TRUE(m.selected(m.node(0, 0)));
+  EXPECT_EQ(SelectedNodes(m), (NodeSet{{0, 0}}));
   // The same click again changes nothing.
   EXPECT_FALSE(lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), false));
   lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {100, 0}, 5), true);
-  EXPECT_EQ(m.selectedCount(), 2u);
+  EXPECT_EQ(SelectedNodes(m), (NodeSet{{0, 0}, {1, 0}}));
   lb::editor::clickSelect(*doc, lb::editor::hitTest(*doc, {0, 0}, 5), true);  // toggles off
-  EXPECT_EQ(m.selectedCount(), 1u);
-  EXPECT_TRUE(m.selected(m.node(1, 0)));
+  EXPECT_EQ(SelectedNodes(m), (NodeSet{{1, 0}}));
   // The handles of selected vertices are hit before anything else.
   const Hit handle = lb::editor::hitTest(*doc, m.tangent(m.node(1, 0), lb::host::kDirIFwd), 2);
   EXPECT_EQ(handle.kind, Hit::kHandle);
@@ -125,14 +125,12 @@ TEST_F(Editor, ClickShiftClickAndEmptyClick) {
 TEST_F(Editor, RectangleSelectsTheVerticesInside) {
   EXPECT_TRUE(lb::editor::rectSelect(*doc, AIRealRect{-10, 110, 150, 90}, false));
   EXPECT_TRUE(mesh->selected());
-  EXPECT_EQ(m.selectedCount(), 2u);
-  EXPECT_TRUE(m.selected(m.node(0, 1)));
-  EXPECT_TRUE(m.selected(m.node(1, 1)));
+  EXPECT_EQ(SelectedNodes(m), (NodeSet{{0, 1}, {1, 1}}));
   // With Shift the earlier selection stays.
   lb::editor::rectSelect(*doc, AIRealRect{190, 10, 210, -10}, true);
-  EXPECT_EQ(m.selectedCount(), 3u);
+  EXPECT_EQ(SelectedNodes(m), (NodeSet{{0, 1}, {1, 1}, {2, 0}}));
   lb::editor::rectSelect(*doc, AIRealRect{190, 10, 210, -10}, false);
-  EXPECT_EQ(m.selectedCount(), 1u);
+  EXPECT_EQ(SelectedNodes(m), (NodeSet{{2, 0}}));
 }
 
 TEST_F(Editor, DraggingAVertexTakesItsHandles) {

@@ -27,6 +27,7 @@
 #include "io/Lbdoc.h"
 #include "render/Render.h"
 #include "interchange/Pictures.h"
+#include "support/Geometry.h"
 #include "support/MeshRecipe.h"
 
 // Last: Xlib's macros (None, Bool, ...) clash with names above.
@@ -199,8 +200,10 @@ class EditorWindow : public ::testing::Test {
         " sleep 0.1 " + MoveTo(b) + " sleep 0.1 mouseup 1");
   }
 
+  // Once the history shows the change (undo and redo counts, modified),
   // Ctrl+S, then the saved file.
   std::string Save(int undo, int redo) {
+    WaitHistory(undo, redo, true);
     Key("ctrl+s");
     WaitHistory(undo, redo, false);
     return Slurp(dir / "work.lbdoc");
@@ -264,25 +267,21 @@ TEST_F(EditorWindow, ClicksPanelButtonsUndoRedoAndSaveMatchTheCommandLine) {
   WaitFor([&](const State& s) { return s.count("panelxid") && s.at("panelxid")[0] == xid && s.at("panel").size() == 4; },
           "the panel docked");
   ClickAt(PanelToWindow(PanelButtonCentre(kCmdColorShift)), "alt");
-  WaitHistory(5, 0, true);
   const std::string both = Save(5, 0);
   EXPECT_NE(both, selected);
   EXPECT_EQ(both, Run(dir / "selected.lbdoc", {"137", "136+alt"}));
 
   Key("ctrl+z");
-  WaitHistory(4, 1, true);
   const std::string one = Save(4, 1);
   EXPECT_EQ(one, Run(dir / "selected.lbdoc", {"137"}));
   EXPECT_NE(one, both);
   EXPECT_NE(one, selected);
 
   Key("ctrl+shift+z");
-  WaitHistory(5, 0, true);
   EXPECT_EQ(Save(5, 0), both);
 
   // Undo back to the opened document.
   for (int k = 0; k < 5; ++k) Key("ctrl+z");
-  WaitHistory(0, 5, true);
   EXPECT_EQ(Save(0, 5), Original());
 }
 
@@ -294,27 +293,22 @@ TEST_F(EditorWindow, RectangleClickDragAndQuit) {
   Start();
   Drag(DocToWindow(AIRealPoint{mesh.P(0, 1).h - 4, mesh.P(0, 1).v + 4}),
        DocToWindow(AIRealPoint{mesh.P(2, 1).h + 4, mesh.P(2, 1).v - 20}));
-  WaitHistory(1, 0, true);
   EXPECT_EQ(Selected(Save(1, 0)), "art 0,1 1,1 2,1 ");
   ClickAt(DocToWindow(AIRealPoint{50, 50}));
-  WaitHistory(2, 0, true);
   EXPECT_EQ(Selected(Save(2, 0)), "");
 
   const auto from = DocToWindow(mesh.P(1, 1));
   Drag(from, {from.first + 40, from.second + 20});
-  WaitHistory(3, 0, true);  // selecting and moving are one change
-  auto doc = lb::io::readDocument(Save(3, 0));
+  auto doc = lb::io::readDocument(Save(3, 0));  // selecting and moving are one change
   const double zoom = std::stod(state["view"][4]);
   for (ArtObject* art : doc->allArt()) {
     if (art->type != kMeshArt) continue;
     const auto& m = *art->mesh;
     const auto v = m.node(1, 1);
     EXPECT_TRUE(m.selected(v));
-    EXPECT_NEAR(m.point(v).h, 100 + 40 / zoom, 1.01 / zoom);
-    EXPECT_NEAR(m.point(v).v, 100 - 20 / zoom, 1.01 / zoom);
+    EXPECT_PT_NEAR(m.point(v), (AIRealPoint{100 + 40 / zoom, 100 - 20 / zoom}), 1.01 / zoom);
     // The handle along I keeps its offset from the node.
-    EXPECT_NEAR(m.tangent(v, lb::host::kDirIFwd).h - m.point(v).h, 100 / 3.0, 1e-6);
-    EXPECT_NEAR(m.tangent(v, lb::host::kDirIFwd).v - m.point(v).v, 0, 1e-6);
+    EXPECT_PT_NEAR(m.tangent(v, lb::host::kDirIFwd), (AIRealPoint{m.point(v).h + 100 / 3.0, m.point(v).v}), 1e-6);
   }
   Key("ctrl+z");
   WaitHistory(2, 1, true);  // differs from what was saved
@@ -376,7 +370,6 @@ TEST_F(EditorWindow, ExportAndImportMatchTheCommandLine) {
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
   EXPECT_EQ(Save(1, 0), Slurp(dir / "imported.lbdoc"));
   Key("ctrl+z");
-  WaitHistory(0, 1, true);
   EXPECT_EQ(Save(0, 1), Original());
 }
 
@@ -438,8 +431,7 @@ TEST_F(EditorWindow, ScreenshotShowsPanelCanvasAndHover) {
 
   auto doc = lb::io::readDocument(lbtest::DocJson(mesh).dump());
   const lb::render::Image picture = lb::render::renderDocument(*doc, {std::stod(state["view"][4]), true});
-  const int cx = std::stoi(state["canvas"][0]) + static_cast<int>(std::round(std::stod(state["view"][0])));
-  const int cy = std::stoi(state["canvas"][1]) + static_cast<int>(std::round(std::stod(state["view"][1])));
+  const auto [cx, cy] = DocToWindow(AIRealPoint{std::stod(state["view"][2]), std::stod(state["view"][3])});
   XImage* shot = XGetImage(display, win, 0, 0, attrs.width, attrs.height, AllPlanes, ZPixmap);
   ASSERT_NE(shot, nullptr);
   int canvasDiffs = 0, compared = 0;

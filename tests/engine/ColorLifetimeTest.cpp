@@ -52,8 +52,7 @@ TEST_F(Colors, NonNodeVerticesReportTheSurfaceAndRefuseSetting) {
   AIMeshVertexIterator v = endOf(cut(0, 1, kAIMeshIAxis, 3));
   AIRealPoint uv{};
   s.vtx->GetUV(v, &uv);
-  EXPECT_DOUBLE_EQ(uv.h, 0.25);
-  EXPECT_EQ(uv.v, 1.0);
+  EXPECT_PT_NEAR(uv, (AIRealPoint{0.25, 1}), 1e-15);
   AIColor c{}, e{};
   s.vtx->GetColor(v, &c);
   s.mesh->EvalColor(art, uv, &e);
@@ -61,8 +60,7 @@ TEST_F(Colors, NonNodeVerticesReportTheSurfaceAndRefuseSetting) {
   AIRealPoint p{}, q{};
   s.vtx->GetPoint(v, &p);
   s.mesh->EvalPoint(art, uv, &q);
-  EXPECT_NEAR(p.h, q.h, 1e-12);
-  EXPECT_NEAR(p.v, q.v, 1e-12);
+  EXPECT_PT_NEAR(p, q, 1e-12);
   EXPECT_EQ(s.vtx->SetColor(v, &c), kBadParameterErr);
   EXPECT_EQ(s.vtx->SetOpacity(v, 0.5), kBadParameterErr);
 }
@@ -143,8 +141,7 @@ TEST_F(Colors, InvertPointFindsTheParameterOfEvaluatedPoints) {
       s.mesh->EvalPoint(art, AIRealPoint{u, v}, &p);
       ASSERT_EQ(s.mesh->InvertPoint(art, p, &uv, &on), kNoErr);
       EXPECT_TRUE(on);
-      EXPECT_NEAR(uv.h, u, 1e-7);
-      EXPECT_NEAR(uv.v, v, 1e-7);
+      EXPECT_PT_NEAR(uv, (AIRealPoint{u, v}), 1e-7);
     }
   AIRealPoint uv{};
   AIBoolean on = true;
@@ -174,13 +171,11 @@ TEST_F(Lifetimes, CountersFollowCopiesAddRefsAndReleases) {
   AIMeshPatchIterator p = nullptr;
   s.mesh->GetStartPatch(art, &p);
   const auto mid = lb::host::liveCounters();
-  EXPECT_EQ(mid.segmentIterators, base.segmentIterators + 2);
-  EXPECT_EQ(mid.selections, base.selections + 2);
-  EXPECT_EQ(mid.patchIterators, base.patchIterators + 1);
-  s.seg->Release(g);
-  s.seg->Release(g2);
-  s.sel->Release(a);
-  s.sel->Release(b);
+  EXPECT_EQ(std::vector<long>({mid.segmentIterators - base.segmentIterators, mid.selections - base.selections,
+                               mid.patchIterators - base.patchIterators}),
+            std::vector<long>({2, 2, 1}));
+  for (auto* x : {g, g2}) s.seg->Release(x);
+  for (auto* x : {a, b}) s.sel->Release(x);
   s.patch->Release(p);
   EXPECT_EQ(lb::host::liveCounters(), base);
 }
@@ -192,8 +187,7 @@ TEST_F(Lifetimes, IteratorsOnAVanishedMeshAreAtEndAndFailSafely) {
   AIMeshSelection sel = nullptr;
   s.mesh->GetSelection(art, &sel);
   ASSERT_EQ(session->host().document().disposeArt(art), kNoErr);
-  EXPECT_TRUE(s.vtx->AtEnd(v));
-  EXPECT_TRUE(s.seg->AtEnd(g));
+  EXPECT_EQ(std::make_pair(s.vtx->AtEnd(v), s.seg->AtEnd(g)), std::make_pair(AIBoolean(1), AIBoolean(1)));
   AIRealPoint p{};
   EXPECT_EQ(s.vtx->GetPoint(v, &p), kIterAtEndErr);
   EXPECT_EQ(s.seg->Next(g), kIterAtEndErr);
@@ -222,12 +216,10 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   s.mesh->GetSelection(art, &vis);
   s.mesh->NewSelection(art, false, &mine);
   s.mesh->NewSelection(art, true, &full);
-  EXPECT_TRUE(s.sel->IsFull(full));
-  EXPECT_TRUE(s.sel->IsEmpty(vis));
+  EXPECT_EQ(std::make_pair(s.sel->IsFull(full), s.sel->IsEmpty(vis)), std::make_pair(AIBoolean(1), AIBoolean(1)));
   AIMeshVertexIterator v = node(1, 0);
   s.sel->SelectVertex(mine, v, true);
-  EXPECT_FALSE(m().selected(m().node(1, 0)));
-  EXPECT_FALSE(art->selected());
+  EXPECT_EQ(std::make_pair(m().selected(m().node(1, 0)), art->selected()), std::make_pair(false, false));
   s.sel->SelectVertex(vis, v, true);
   EXPECT_TRUE(m().selected(m().node(1, 0)));
   EXPECT_TRUE(art->selected()) << "a visibly selected vertex selects its mesh art";
@@ -243,8 +235,7 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   // selection stays full; the detached one does not know the new vertex.
   s.seg->InsertKnots(g, 0, 2);
   s.seg->Split(g, 0);
-  EXPECT_TRUE(s.sel->IsFull(vis));
-  EXPECT_FALSE(s.sel->IsFull(full));
+  EXPECT_EQ(std::make_pair(s.sel->IsFull(vis), s.sel->IsFull(full)), std::make_pair(AIBoolean(1), AIBoolean(0)));
   // One end unselected: the next vertex cut there is not selected.
   s.sel->SelectVertex(vis, v, false);
   s.seg->InsertKnots(g, 0, 1);  // g runs from (1, 0) to the first new vertex
@@ -252,8 +243,7 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   EXPECT_FALSE(s.sel->IsFull(vis));
   EXPECT_EQ(m().selectedCount(), 4u);
   m().clearSelection();
-  EXPECT_TRUE(s.sel->IsEmpty(vis));
-  EXPECT_FALSE(s.sel->IsEmpty(mine));
+  EXPECT_EQ(std::make_pair(s.sel->IsEmpty(vis), s.sel->IsEmpty(mine)), std::make_pair(AIBoolean(1), AIBoolean(0)));
   for (auto* x : {vis, mine, full}) s.sel->Release(x);
 }
 

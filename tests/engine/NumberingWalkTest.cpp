@@ -72,8 +72,7 @@ TEST_F(Numbering, NonNodeVerticesHaveBackwardThenForwardOnTheirLine) {
       AIRealPoint tan{}, pts[2];
       s.vtx->GetTangent(v, k, &tan);
       s.seg->GetPoints(segment(v, k), 0, 2, pts);
-      EXPECT_EQ(tan.h, pts[1].h);
-      EXPECT_EQ(tan.v, pts[1].v);
+      EXPECT_PT_NEAR(tan, pts[1], 0);
     }
   }
 }
@@ -89,10 +88,7 @@ TEST_F(Numbering, BackwardSegmentListsPointsFromItsStart) {
   auto pf = points(fwd), pb = points(back);
   ASSERT_EQ(pf.size(), 10u);
   ASSERT_EQ(pb.size(), 10u);
-  for (size_t k = 0; k < pf.size(); ++k) {
-    EXPECT_EQ(pf[k].h, pb[pf.size() - 1 - k].h);
-    EXPECT_EQ(pf[k].v, pb[pf.size() - 1 - k].v);
-  }
+  for (size_t k = 0; k < pf.size(); ++k) EXPECT_PT_NEAR(pf[k], pb[pf.size() - 1 - k], 0) << k;
   EXPECT_TRUE(s.seg->IsEqual(fwd, back)) << "same segment in either orientation";
   s.seg->Reverse(back);
   EXPECT_EQ(s.seg->GetSense(back), kAIMeshForward);
@@ -110,8 +106,7 @@ TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   int32_t ni = -1, nj = -1;
   ASSERT_EQ(s.mesh->InsertU(art, 1.5, &ni), kNoErr);
   ASSERT_EQ(s.mesh->InsertV(art, 0.25, &nj), kNoErr);
-  EXPECT_EQ(ni, 2);
-  EXPECT_EQ(nj, 1);
+  EXPECT_EQ(std::pair(ni, nj), std::pair(2, 1));
   // Two vertices on run I (1, 0) and one on run J (3, 2).
   auto addVertices = [&](int i, int j, int axis, int count) {
     AIMeshSegmentIterator g = along(node(i, j), axis);
@@ -138,9 +133,8 @@ TEST_F(Walks, EditedMeshKeepsRunOrderAndVisitsEveryVertexOnce) {
   for (size_t k = 0; k < nodes.size(); ++k)
     EXPECT_EQ(nodes[k], std::tuple(static_cast<int>(k % 4), static_cast<int>(k / 4), true));
   // The vertices of run I (1, 0) come right after node (1, 0).
-  EXPECT_EQ(walk[2], std::tuple(1, 0, false));
-  EXPECT_EQ(walk[3], std::tuple(1, 0, false));
-  EXPECT_EQ(walk[4], std::tuple(2, 0, true));
+  EXPECT_EQ(std::vector(walk.begin() + 1, walk.begin() + 5),
+            (std::vector<std::tuple<int, int, bool>>{{1, 0, true}, {1, 0, false}, {1, 0, false}, {2, 0, true}}));
   // Runs in walk order, each forward, with their segment counts: every run
   // along I (i fastest), then every run along J (j fastest).
   std::vector<std::pair<std::string, int>> runs, expected;

@@ -109,8 +109,7 @@ TEST(PaintOrder, AboveAllGoesToTopmostUnlockedVisibleLayerOrANewOne) {
   ArtObject* inHidden = nullptr;
   ASSERT_EQ(d.newArt(kGroupArt, kPlaceInsideOnTop, hidden, &inHidden), kNoErr);
   ArtObject* b = make(d, kPathArt, kPlaceBelowAll, inHidden, "b");
-  EXPECT_EQ(b->parent, hidden);
-  EXPECT_EQ(hidden->children.back().get(), b);
+  EXPECT_EQ(std::make_pair(b->parent, hidden->children.back().get()), std::make_pair(hidden, b));
   // A document without layers gets one.
   Document empty;
   ArtObject* first = make(empty, kPathArt, kPlaceAboveAll, nullptr, "first");
@@ -158,8 +157,7 @@ TEST_F(Doc, ReorderMovesWithinAndAcrossContainers) {
   ASSERT_EQ(d.reorderArt(b, kPlaceInsideOnBottom, g), kNoErr);
   EXPECT_EQ(walkDown(d, g), (Names{"c", "b"}));
   EXPECT_EQ(walkDown(d, layer), (Names{"g", "a"}));
-  EXPECT_EQ(c->parent, g);
-  EXPECT_TRUE(d.contains(c));
+  EXPECT_EQ(std::make_pair(c->parent, d.contains(c)), std::make_pair(g, true));
 }
 
 TEST_F(Doc, DuplicateDeepCopyWithoutIdPlacedRelative) {
@@ -178,9 +176,8 @@ TEST_F(Doc, DuplicateDeepCopyWithoutIdPlacedRelative) {
   ASSERT_EQ(d.duplicateArt(g, kPlaceAbove, g, &copy), kNoErr);
   EXPECT_EQ(walkDown(d, layer), (Names{"g", "g"}));
   EXPECT_EQ(layer->children[0].get(), copy);
-  EXPECT_TRUE(copy->id.empty());
-  EXPECT_EQ(copy->opacity, 0.25);
-  EXPECT_EQ(copy->blendMode, kAIScreenBlendingMode);
+  EXPECT_EQ(std::make_tuple(copy->id, copy->opacity, copy->blendMode),
+            std::make_tuple("", 0.25, kAIScreenBlendingMode));
   ASSERT_EQ(copy->children.size(), 2u);
   ArtObject* p2 = copy->children[0].get();
   ArtObject* m2 = copy->children[1].get();
@@ -212,8 +209,7 @@ TEST_F(Doc, DisposeRemovesWholeSubtreeAndInvalidatesHandles) {
   EXPECT_FALSE(d.contains(g) || d.contains(inner) || d.contains(leaf));
   EXPECT_TRUE(d.contains(keep));
   EXPECT_EQ(walkDown(d, layer), (Names{"keep"}));
-  EXPECT_EQ(d.keyArt(), nullptr);
-  EXPECT_EQ(d.findById("leaf"), nullptr);
+  EXPECT_EQ(std::make_tuple(d.keyArt(), d.findById("leaf")), std::make_tuple(nullptr, nullptr));
   EXPECT_EQ(d.disposeArt(g), kNoSuchArtErr);
   EXPECT_EQ(d.matchingArt(nullptr, 0).size(), 0u);
   const AIMatchingArtSpec any{kAnyArt, 0, 0};
@@ -284,8 +280,7 @@ TEST_F(Doc, SelectionPathAnchorStates) {
   d.setSelected(p, true);
   EXPECT_EQ(d.anchorSelection(p, 0), kSegmentPointSelected);
   // Out of range reads as not selected.
-  EXPECT_EQ(d.anchorSelection(p, 3), kSegmentNotSelected);
-  EXPECT_EQ(d.anchorSelection(p, -1), kSegmentNotSelected);
+  for (int k : {3, -1}) EXPECT_EQ(d.anchorSelection(p, k), kSegmentNotSelected) << k;
 }
 
 // A group selects its contents; a mesh's attribute drives its vertex selection.
@@ -351,9 +346,8 @@ TEST(Image, SixteenBitSamplesAndOutside) {
   im.space = kGrayColorSpace;
   EXPECT_EQ(im.expectedBytes(), 4u);
   im.pixels = {0xFF, 0xFF, 0x80, 0x00};
-  EXPECT_DOUBLE_EQ(im.channel(0, 0, 0), 1.0);
-  EXPECT_DOUBLE_EQ(im.channel(1, 0, 0), 0x8000 / 65535.0);
-  EXPECT_EQ(im.channel(2, 0, 0), 0);  // outside
+  EXPECT_EQ(std::vector<double>({im.channel(0, 0, 0), im.channel(1, 0, 0), im.channel(2, 0, 0)}),
+            std::vector<double>({1.0, 0x8000 / 65535.0, 0}));  // the last one outside
 }
 
 // Lookup by name and foreign handles: the suites' NewPathLookAndGraphicStyles.

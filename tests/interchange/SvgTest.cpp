@@ -190,14 +190,11 @@ TEST(InkscapeMesh, NodesColoursSidesAndThePathBeside) {
   // The path beside the mesh: every command, its style and transform.
   ArtObject* wave = doc->findById("wave");
   ASSERT_NE(wave, nullptr);
-  EXPECT_EQ(wave->name, "Wave");
-  EXPECT_DOUBLE_EQ(wave->opacity, 0.5);
-  EXPECT_TRUE(wave->closed);
-  EXPECT_TRUE(wave->style.fillPaint);
-  EXPECT_NEAR(wave->style.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
-  EXPECT_TRUE(wave->style.strokePaint);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.color.c.rgb.blue, 1);
-  EXPECT_DOUBLE_EQ(wave->style.stroke.width, 2);
+  const AIPathStyle& ws = wave->style;
+  EXPECT_EQ(std::make_tuple(wave->name, wave->opacity, wave->closed, ws.fillPaint, ws.strokePaint,
+                            ws.stroke.color.c.rgb.blue, ws.stroke.width),
+            std::make_tuple("Wave", 0.5, true, 1, 1, 1.0, 2.0));
+  EXPECT_NEAR(ws.fill.color.c.rgb.green, 0x66 / 255.0, 1e-12);
   // h v H V l c s q t (9 pieces), the half-circle arc in 4, the closing line.
   ASSERT_EQ(wave->segments.size(), 14u);
   struct {
@@ -228,13 +225,12 @@ TEST(InkscapeMesh, BoundingBoxUnitsAndElementTransform) {
   const ArtObject* art = doc->findById("e");
   ASSERT_NE(art, nullptr);
   ASSERT_EQ(art->type, kMeshArt);
-  EXPECT_TRUE(art->selected());
-  EXPECT_TRUE(art->mesh->isSelectionFull());
+  EXPECT_EQ(std::make_pair(art->selected(), art->mesh->isSelectionFull()), std::make_pair(true, true));
   // Bounds 10..30 x 25..35, doubled: corners at x 20 and 60, y 50 and 70.
   EXPECT_PT_NEAR(art->mesh->nodeData(0, 1).p, (AIRealPoint{20, -50}), 1e-9);
   EXPECT_PT_NEAR(art->mesh->nodeData(1, 0).p, (AIRealPoint{60, -70}), 1e-9);
-  EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).opacity, 0.25);
-  EXPECT_DOUBLE_EQ(art->mesh->nodeData(1, 1).color.c.rgb.green, 1);
+  EXPECT_EQ(std::make_pair(art->mesh->nodeData(1, 1).opacity, art->mesh->nodeData(1, 1).color.c.rgb.green),
+            std::make_pair(0.25, 1.0));
   EXPECT_NE(losses.text().find("bicubic"), std::string::npos);
 }
 
@@ -380,8 +376,7 @@ TEST(ReadSvg, HiddenGroupsAndFillOpacity) {
       "<svg><g id='g' style='display:none'><rect id='r' width='2' height='2' fill='red' fill-opacity='0.5' "
       "opacity='0.5'/></g><rect id='s' width='1' height='1' fill='red' stroke='blue' fill-opacity='0.5'/></svg>",
       {}, &losses);
-  EXPECT_TRUE(doc->findById("g")->hidden());
-  EXPECT_FALSE(doc->findById("r")->hidden());
+  EXPECT_EQ(std::make_pair(doc->findById("g")->hidden(), doc->findById("r")->hidden()), std::make_pair(true, false));
   EXPECT_DOUBLE_EQ(doc->findById("r")->opacity, 0.25);
   EXPECT_NE(losses.text().find("fill and stroke opacity"), std::string::npos);
 }
@@ -441,9 +436,8 @@ TEST(Cli, ImportExportAndSelection) {
   auto doc = lb::io::readDocumentFile((dir / "m.lbdoc").string());
   const ArtObject* mesh = doc->findById("rect1298");
   ASSERT_NE(mesh, nullptr);
-  EXPECT_TRUE(mesh->selected());
-  EXPECT_TRUE(mesh->mesh->isSelectionFull());
-  EXPECT_TRUE(doc->findById("wave")->selected());
+  EXPECT_EQ(std::make_tuple(mesh->selected(), mesh->mesh->isSelectionFull(), doc->findById("wave")->selected()),
+            std::make_tuple(true, true, true));
 
   for (const char* ext : {".svg", ".pdf", ".png"}) {
     const fs::path out = dir / (std::string("m") + ext);
@@ -466,8 +460,7 @@ TEST(Cli, BadSvgExitsWithThreeAndWritesNothing) {
     EXPECT_NE(r.err.find("bad.svg"), std::string::npos) << r.err;
     EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
   }
-  EXPECT_FALSE(fs::exists(dir / "out.lbdoc"));
-  EXPECT_FALSE(fs::exists(dir / "out.svg"));
+  for (const char* out : {"out.lbdoc", "out.svg"}) EXPECT_FALSE(fs::exists(dir / out)) << out;
   EXPECT_EQ(Invoke({"import", (dir / "bad.lbdoc").string(), "-o", (dir / "x.lbdoc").string()}).status, 2);
   EXPECT_EQ(Invoke({"export", (dir / "bad.svg").string(), "-o", (dir / "x.txt").string()}).status, 2);
 }

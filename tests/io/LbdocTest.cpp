@@ -71,9 +71,8 @@ TEST(LbdocRead, EveryKeyLandsInTheModelAndItsDescription) {
   EXPECT_EQ(std::vector<double>({ab.left, ab.bottom, ab.right, ab.top}), std::vector<double>({-10, -20, 110.5, 220.25}));
   const auto* axis = doc->styleByName("[LB][Axis]");
   ASSERT_NE(axis, nullptr);
-  EXPECT_FALSE(axis->paint.fillPaint);
-  EXPECT_TRUE(axis->paint.strokePaint);
-  EXPECT_EQ(axis->paint.stroke.width, 3);
+  EXPECT_EQ(std::make_tuple(axis->paint.fillPaint, axis->paint.strokePaint, axis->paint.stroke.width),
+            std::make_tuple(0, 1, 3.0));
   EXPECT_EQ(doc->styleByName("[LB][Node]")->paint.fill.color.c.f.black, 0.4);
   EXPECT_EQ(doc->styleByName("[LB][Node]")->opacity, 0.5);
 
@@ -84,32 +83,27 @@ TEST(LbdocRead, EveryKeyLandsInTheModelAndItsDescription) {
   ASSERT_EQ(g->children.size(), 2u);
   const ArtObject* p = g->children[0].get();
   ASSERT_EQ(p->segments.size(), 2u);
-  EXPECT_TRUE(p->style.fillPaint);
-  EXPECT_EQ(p->style.fill.color.kind, kGrayColor);
-  EXPECT_EQ(p->style.fill.color.c.g.gray, 0.3);
-  EXPECT_TRUE(p->style.strokePaint);
-  EXPECT_EQ(p->style.stroke.color.kind, kNoneColor);
-  EXPECT_EQ(p->style.stroke.width, 0.1);
+  const AIPathStyle& ps = p->style;
+  EXPECT_EQ(std::make_tuple(ps.fillPaint, ps.fill.color.kind, ps.fill.color.c.g.gray, ps.strokePaint,
+                            ps.stroke.color.kind, ps.stroke.width),
+            std::make_tuple(1, kGrayColor, 0.3, 1, kNoneColor, 0.1));
   const AIPathSegment &s0 = p->segments[0], &s1 = p->segments[1];
   EXPECT_EQ(std::vector<double>({s0.in.h, s0.in.v, s0.out.h, double(s0.corner)}),
             std::vector<double>({0.30000000000000004, 1e-300, -5, 0}));
   // Retracted handles default to the anchor; corner defaults to true.
   EXPECT_EQ(std::vector<double>({s1.in.h, s1.out.v, double(s1.corner)}), std::vector<double>({1, 2, 1}));
   // An anchor selection selects the path.
-  EXPECT_EQ(doc->anchorSelection(p, 0), kSegmentInAndOutSelected);
-  EXPECT_EQ(doc->anchorSelection(p, 1), kSegmentNotSelected);
+  EXPECT_EQ(std::vector<int>({doc->anchorSelection(p, 0), doc->anchorSelection(p, 1)}),
+            std::vector<int>({kSegmentInAndOutSelected, kSegmentNotSelected}));
 
   const ArtObject* c = g->children[1].get();
-  EXPECT_EQ(c->type, kCompoundPathArt);
-  EXPECT_EQ(c->blendMode, kAISoftLightBlendingMode);
+  EXPECT_EQ(std::make_tuple(c->type, c->blendMode), std::make_tuple(kCompoundPathArt, kAISoftLightBlendingMode));
   ASSERT_EQ(c->children.size(), 1u);
 
   const ArtObject* r = top->children[1].get();
-  EXPECT_EQ(r->image.matrix.b, 0.5);
-  EXPECT_EQ(r->image.matrix.ty, 200);
+  EXPECT_EQ(std::make_pair(r->image.matrix.b, r->image.matrix.ty), std::make_pair(0.5, 200.0));
   EXPECT_EQ(r->image.pixels, (std::vector<uint8_t>{0, 1, 2, 3, 4, 5, 6, 7}));
-  EXPECT_TRUE(r->style.fillPaint);
-  EXPECT_EQ(r->style.fill.color.c.rgb.green, 0.5);
+  EXPECT_EQ(std::make_tuple(r->style.fillPaint, r->style.fill.color.c.rgb.green), std::make_tuple(1, 0.5));
   EXPECT_EQ(top->children[2]->image.matrix.a, 1);  // identity by default
   const ArtObject* m = top->children[3].get();
   EXPECT_TRUE(doc->contains(m) && doc->contains(p) && doc->contains(c->children[0].get()));
@@ -120,27 +114,20 @@ TEST(LbdocRead, DefaultsOfOptionalKeys) {
   EXPECT_FALSE(doc->artboard);
   EXPECT_TRUE(doc->keyArtId.empty());
   const ArtObject* p = doc->layers()[0]->children[0].get();
-  EXPECT_TRUE(p->id.empty());
-  EXPECT_EQ(p->name, "");
-  EXPECT_EQ(p->userAttr, 0);
-  EXPECT_EQ(p->opacity, 1);
-  EXPECT_EQ(p->blendMode, kAINormalBlendingMode);
-  EXPECT_FALSE(p->closed);
-  EXPECT_FALSE(p->style.fillPaint);
-  EXPECT_FALSE(p->style.strokePaint);
+  EXPECT_EQ(std::make_tuple(p->id, p->name, p->userAttr, p->opacity, p->blendMode, p->closed, p->style.fillPaint,
+                            p->style.strokePaint),
+            std::make_tuple("", "", 0, 1.0, kAINormalBlendingMode, false, 0, 0));
   auto r = readDocument(withArt(R"({"type": "raster", "width": 1, "height": 1, "pixels": "AA=="})"));
   const ArtImage& im = r->layers()[0]->children[0]->image;
-  EXPECT_EQ(im.space, kGrayColorSpace);
-  EXPECT_FALSE(im.alpha);
-  EXPECT_EQ(im.bits, 8);
+  EXPECT_EQ(std::make_tuple(im.space, im.alpha, im.bits), std::make_tuple(kGrayColorSpace, false, 8));
   // Stroke width defaults to 1.
   auto s = readDocument(withArt(R"({"type": "path", "stroke": {"color": {"gray": 1}}, "segments": []})"));
   EXPECT_EQ(s->layers()[0]->children[0]->style.stroke.width, 1);
   // A bool per anchor reads as 0 or 1.
   auto b = readDocument(withArt(R"({"type": "path", "segments": [{"p": [0, 0], "selected": true}, {"p": [1, 0], "selected": false}]})"));
   const ArtObject* q = b->layers()[0]->children[0].get();
-  EXPECT_EQ(b->anchorSelection(q, 0), kSegmentPointSelected);
-  EXPECT_EQ(b->anchorSelection(q, 1), kSegmentNotSelected);
+  EXPECT_EQ(std::vector<int>({b->anchorSelection(q, 0), b->anchorSelection(q, 1)}),
+            std::vector<int>({kSegmentPointSelected, kSegmentNotSelected}));
 }
 
 // A selected path without anchor states has every anchor selected, and
@@ -149,8 +136,7 @@ TEST(LbdocRead, DefaultsOfOptionalKeys) {
 TEST(LbdocRoundTrip, ImplicitAnchorSelectionIsWrittenPerAnchor) {
   auto doc = readDocument(withArt(R"({"type": "path", "selected": true, "segments": [{"p": [0, 0]}, {"p": [1, 0]}]})"));
   const ArtObject* path = doc->layers()[0]->children[0].get();
-  EXPECT_EQ(doc->anchorSelection(path, 0), kSegmentPointSelected);
-  EXPECT_EQ(doc->anchorSelection(path, 1), kSegmentPointSelected);
+  for (int k : {0, 1}) EXPECT_EQ(doc->anchorSelection(path, k), kSegmentPointSelected) << k;
   const auto j = nlohmann::json::parse(writeDocument(*doc));
   for (const auto& s : j["layers"][0]["children"][0]["segments"]) EXPECT_EQ(s["selected"], 1);
 }
@@ -170,14 +156,11 @@ TEST(LbdocRoundTrip, ModelEditsSurvive) {
   m->mesh->initCartesian(4, 1);
   auto back = readDocument(writeDocument(d));
   const ArtObject* p2 = back->layers()[0]->children[0].get();
-  EXPECT_EQ(p2->segments[0].p.h, 1.0 / 3);
-  EXPECT_EQ(p2->segments[0].out.v, -M_E);
-  EXPECT_EQ(back->anchorSelection(p2, 0), kSegmentOutSelected);
-  EXPECT_EQ(p2->opacity, 0.123456789012345678);
-  EXPECT_EQ(p2->blendMode, kAIColorDodgeBlendingMode);
+  EXPECT_EQ(std::make_tuple(p2->segments[0].p.h, p2->segments[0].out.v, back->anchorSelection(p2, 0), p2->opacity,
+                            p2->blendMode),
+            std::make_tuple(1.0 / 3, -M_E, kSegmentOutSelected, 0.123456789012345678, kAIColorDodgeBlendingMode));
   // A new path's look (stroked black) is written and read back.
-  EXPECT_TRUE(p2->style.strokePaint);
-  EXPECT_EQ(p2->style.stroke.color.c.g.gray, 1);
+  EXPECT_EQ(std::make_tuple(p2->style.strokePaint, p2->style.stroke.color.c.g.gray), std::make_tuple(1, 1.0));
   const ArtObject* m2 = back->layers()[0]->children[1].get();
   EXPECT_EQ(std::make_pair(m2->mesh->sizeI(), m2->mesh->sizeJ()), std::make_pair(4, 1));
   EXPECT_EQ(writeDocument(*back), writeDocument(d));
@@ -306,8 +289,7 @@ TEST(LbdocMesh, SelectionRulesBetweenArtAndVertices) {
   r.I = 2, r.J = 1, r.selected = {{1, 1}}, r.artSelected = false;
   auto partial = readDocument(lbtest::DocJson(r).dump());
   const ArtObject* p = partial->layers()[0]->children[0].get();
-  EXPECT_TRUE(p->selected());
-  EXPECT_EQ(p->mesh->selectedCount(), 1u);
+  EXPECT_EQ(std::make_pair(p->selected(), p->mesh->selectedCount()), std::make_pair(true, size_t(1)));
   // A selected mesh whose vertices were all deselected stays that way
   // through a write and a read.
   auto again = readDocument(writeDocument(*partial));

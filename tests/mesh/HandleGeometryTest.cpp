@@ -39,21 +39,17 @@ TEST_F(DirectTest, StraightPathPiecesGetSinglePrecisionThirds) {
   const double t = 0.3333333432674408;
   AIPathSegment s[3] = {Seg(0, 0), Seg(30, 0), Seg(90, 0)};
   ZF_AIPathSegment_0h_to_0p33h(s, 3, 0);
-  // Each new handle lies a (single-precision) third from its own anchor.
-  EXPECT_EQ(s[0].out.h, t * 30);
-  EXPECT_EQ(s[1].in.h, 30 - t * 30);
-  EXPECT_EQ(s[1].out.h, 30 + t * 60);
-  EXPECT_EQ(s[2].in.h, 90 - t * 60);
-  EXPECT_EQ(s[0].in.h, 0);  // open: outer handles stay retracted
-  EXPECT_EQ(s[2].out.h, 90);
+  // Each new handle lies a (single-precision) third from its own anchor;
+  // the path is open, so the outer handles stay retracted.
+  EXPECT_EQ(std::vector<double>({s[0].in.h, s[0].out.h, s[1].in.h, s[1].out.h, s[2].in.h, s[2].out.h}),
+            std::vector<double>({0, t * 30, 30 - t * 30, 30 + t * 60, 90 - t * 60, 90}));
 
   AIPathSegment c[3] = {Seg(0, 0), Seg(30, 0), Seg(30, 60)};
   c[1].in = {25, 5};  // piece 0-1 is bent: left alone
   ZF_AIPathSegment_0h_to_0p33h(c, 3, 1);
-  EXPECT_EQ(c[0].out.h, 0);
-  EXPECT_EQ(c[1].in.h, 25);
-  EXPECT_EQ(c[2].out.v, 60 - t * 60);  // the closing piece
-  EXPECT_EQ(c[0].in.v, t * 60);
+  // Piece 2-0 closes the path.
+  EXPECT_EQ(std::vector<double>({c[0].out.h, c[1].in.h, c[2].out.v, c[0].in.v}),
+            std::vector<double>({0, 25, 60 - t * 60, t * 60}));
 }
 
 TEST_F(DirectTest, PathCornerFlagsFollowTheHandleLine) {
@@ -84,9 +80,8 @@ TEST_F(DirectTest, MeshSmoothCheckUsesItsToleranceAndSkipsMissingAxes) {
   Load(d);
   ZF_MeshNodes_CheckSmooth(Mesh(0));
   const GradientMesh& m = *Mesh(0)->mesh;
-  EXPECT_TRUE(SmoothAt(m, 1, 1, IF));
-  EXPECT_FALSE(SmoothAt(m, 1, 1, JF));
-  EXPECT_TRUE(SmoothAt(m, 0, 1, IF));
+  EXPECT_EQ(std::vector<bool>({SmoothAt(m, 1, 1, IF), SmoothAt(m, 1, 1, JF), SmoothAt(m, 0, 1, IF)}),
+            std::vector<bool>({true, false, true}));
 }
 
 TEST_F(DirectTest, ZeroRowWalkCrossesNonNodeVertices) {

@@ -101,8 +101,7 @@ TEST_F(LoadBitmap, ReadsInKilobytePiecesUntilAShortRead) {
     EXPECT_EQ(LoadBitmapResource("PIC", d), kNoErr);
     EXPECT_EQ(script.requests, std::vector<size_t>(c.returned.size(), 1024));
     EXPECT_EQ(script.returned, c.returned);
-    EXPECT_EQ(script.lastType, AIFourCC("BMPP"));
-    EXPECT_EQ(script.lastPlugin, gPluginRef);
+    EXPECT_EQ(std::make_pair(script.lastType, script.lastPlugin), std::make_pair(AIFourCC("BMPP"), gPluginRef));
     EXPECT_EQ(std::make_pair(script.links, script.unlinks), std::make_pair(1, 1));
     EXPECT_EQ(d.GetW(), c.width);
     if (c.width != 32) continue;
@@ -112,30 +111,24 @@ TEST_F(LoadBitmap, ReadsInKilobytePiecesUntilAShortRead) {
   }
 }
 
-TEST_F(LoadBitmap, MissingResourceLeavesTheTargetAndReturnsTheUnlinkCode) {
-  script.unlinkCode = AIFourCC("UNLK");
-  ZC_DIB d(3, 3, 24);
-  EXPECT_EQ(LoadBitmapResource("NOPE", d), AIFourCC("UNLK"));
-  EXPECT_EQ(d.GetW(), 3);
-  EXPECT_TRUE(script.requests.empty());
-  EXPECT_EQ(script.unlinks, 1);
-  EXPECT_EQ(script.links, 0);
-
-  script.returnNullFilter = true;
-  script.unlinks = 0;
-  EXPECT_EQ(LoadBitmapResource("NOPE", d), AIFourCC("UNLK"));
-  EXPECT_EQ(script.unlinks, 1);
-}
-
-TEST_F(LoadBitmap, ReadErrorUnlinksAndKeepsTheTarget) {
-  script.resources["PIC"] = Bmp32(32, 32);
-  script.failReadAt = 2;
-  script.unlinkCode = AIFourCC("UNLK");
-  ZC_DIB d(5, 5, 24);
-  EXPECT_EQ(LoadBitmapResource("PIC", d), AIFourCC("UNLK"));
-  EXPECT_EQ(script.requests.size(), 3u);
-  EXPECT_EQ(script.unlinks, 1);
-  EXPECT_EQ(d.GetW(), 5);
+// A missing resource, a null filter and a failed third read: the filter is
+// unlinked, the target kept and the unlink code returned.
+TEST_F(LoadBitmap, FailuresUnlinkKeepTheTargetAndReturnTheUnlinkCode) {
+  const struct { const char* name; bool nullFilter; int failReadAt; size_t requests; int links; } cases[] = {
+      {"NOPE", false, -1, 0, 0}, {"NOPE", true, -1, 0, 0}, {"PIC", false, 2, 3, 1}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.name << " " << c.nullFilter);
+    script = Script{};
+    script.resources["PIC"] = Bmp32(32, 32);
+    script.returnNullFilter = c.nullFilter;
+    script.failReadAt = c.failReadAt;
+    script.unlinkCode = AIFourCC("UNLK");
+    ZC_DIB d(5, 5, 24);
+    EXPECT_EQ(LoadBitmapResource(c.name, d), AIFourCC("UNLK"));
+    EXPECT_EQ(d.GetW(), 5);
+    EXPECT_EQ(script.requests.size(), c.requests);
+    EXPECT_EQ(std::make_pair(script.links, script.unlinks), std::make_pair(c.links, 1));
+  }
 }
 
 TEST_F(LoadBitmap, TruncatedPictureLoadsWithoutReadingPastItsEnd) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 #include "BmpBytes.h"
@@ -15,6 +16,10 @@ ZS_COLOR Rgba(unsigned char r, unsigned char g, unsigned char b, unsigned char a
   return ZS_COLOR{b, g, r, a};
 }
 int FillAll(ZC_DIB& d, ZS_COLOR c) { return d.FillAll(&c); }
+// A bitmap filled with one colour.
+struct Filled : ZC_DIB {
+  Filled(int w, int h, int bpp, ZS_COLOR c) : ZC_DIB(w, h, bpp) { FillAll(&c); }
+};
 int FillReg(ZC_DIB& d, ZS_COLOR c, int x, int y, int w, int h) { return d.FillReg(&c, x, y, w, h); }
 
 // Bytes (b, g, r[, a]) of pixel (x, y), y from the top.
@@ -24,15 +29,18 @@ std::vector<int> Px(const ZC_DIB& d, int x, int y) {
   if (d.GetBitCount() == 32) return {p[0], p[1], p[2], p[3]};
   return {p[0], p[1], p[2]};
 }
+// Expects each pixel (x, y) of d to hold the bytes given with it.
+void ExpectPixels(const ZC_DIB& d, std::initializer_list<std::tuple<int, int, std::vector<int>>> want) {
+  for (const auto& [x, y, bytes] : want) EXPECT_EQ(Px(d, x, y), bytes) << x << "," << y;
+}
+const std::vector<int> kBlack3{0, 0, 0}, kWhite3{255, 255, 255};
 
 TEST(DibMake, EmptyAndSizedBitmaps) {
   ZC_DIB eight(10, 10, 8);  // only 24 and 32 bits are made
-  EXPECT_TRUE(eight.IsEmpty());
-  EXPECT_EQ(eight.GetW(), 0);
+  EXPECT_EQ(std::make_pair(eight.IsEmpty(), eight.GetW()), std::make_pair(true, 0));
 
   ZC_DIB d(5, 3, 24);
-  EXPECT_EQ(d.GetW(), 5);
-  EXPECT_EQ(d.GetH(), 3);
+  EXPECT_EQ(std::make_pair(d.GetW(), d.GetH()), std::make_pair(5, 3));
   const auto header = Bmp(5, 3, 24, 54, {}, 0, 1);
   EXPECT_EQ(std::memcmp(&d.InfoHeader(), header.data() + 14, 40), 0);
   // 24-bit rows are padded to 4 bytes: 15 -> 16.
@@ -70,10 +78,7 @@ TEST(DibFill, WholeBitmapAndClipping) {
   // A rectangle running past the right and bottom edges is cut there.
   ASSERT_EQ(FillAll(d, Rgba(0, 0, 0)), 0);
   EXPECT_EQ(FillReg(d, Rgba(0, 0, 255), 7, 6, 100, 100), 0);
-  EXPECT_EQ(Px(d, 7, 6), (std::vector<int>{255, 0, 0}));
-  EXPECT_EQ(Px(d, 9, 7), (std::vector<int>{255, 0, 0}));
-  EXPECT_EQ(Px(d, 6, 6), (std::vector<int>{0, 0, 0}));
-  EXPECT_EQ(Px(d, 7, 5), (std::vector<int>{0, 0, 0}));
+  ExpectPixels(d, {{7, 6, {255, 0, 0}}, {9, 7, {255, 0, 0}}, {6, 6, kBlack3}, {7, 5, kBlack3}});
 }
 
 TEST(DibFill, FillAllLeavesRowPaddingAlone) {
@@ -85,8 +90,7 @@ TEST(DibFill, FillAllLeavesRowPaddingAlone) {
 }
 
 TEST(DibStorage, TopRowIsTheLastStoredRow) {
-  ZC_DIB d(4, 3, 32);
-  FillAll(d, Rgba(0, 0, 0, 0));
+  Filled d(4, 3, 32, Rgba(0, 0, 0, 0));
   FillReg(d, Rgba(10, 20, 30, 40), 0, 0, -1, 1);
   const unsigned char* bits = d.Bits();
   // Stored row 2 (the last) is picture row 0.
@@ -112,46 +116,33 @@ TEST(DibCopy, RegionCodesInOrder) {
 }
 
 TEST(DibCopy, PictureAtTheRightEdgeIsCut) {
-  ZC_DIB d(227, 40, 24);
-  FillAll(d, Rgba(208, 208, 208));
-  ZC_DIB pic(32, 32, 32);
-  FillAll(pic, Rgba(255, 0, 0));
+  Filled d(227, 40, 24, Rgba(208, 208, 208));
+  Filled pic(32, 32, 32, Rgba(255, 0, 0));
   EXPECT_EQ(d.CopyRegRaw(220, 0, &pic, 0, 0, 32, 32), 0);
   for (int x = 220; x < 227; ++x) EXPECT_EQ(Px(d, x, 31), (std::vector<int>{0, 0, 255})) << x;
-  EXPECT_EQ(Px(d, 219, 0), (std::vector<int>{208, 208, 208}));
-  EXPECT_EQ(Px(d, 226, 32), (std::vector<int>{208, 208, 208}));
+  ExpectPixels(d, {{219, 0, {208, 208, 208}}, {226, 32, {208, 208, 208}}});
 }
 
 TEST(DibCopy, SourceRectangleIsCutAtTheSourceEdge) {
-  ZC_DIB src(4, 4, 24);
-  FillAll(src, Rgba(0, 0, 0));
+  Filled src(4, 4, 24, Rgba(0, 0, 0));
   FillReg(src, Rgba(255, 255, 255), 2, 2, 2, 2);  // bottom-right quarter
-  ZC_DIB d(10, 10, 24);
-  FillAll(d, Rgba(100, 100, 100));
+  Filled d(10, 10, 24, Rgba(100, 100, 100));
   // From (2, 2) of the source, asking for 5 x 5: only 2 x 2 exist.
   EXPECT_EQ(d.CopyRegRaw(5, 5, &src, 2, 2, 5, 5), 0);
-  EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));
-  EXPECT_EQ(Px(d, 6, 6), (std::vector<int>{255, 255, 255}));
-  EXPECT_EQ(Px(d, 7, 5), (std::vector<int>{100, 100, 100}));
-  EXPECT_EQ(Px(d, 5, 7), (std::vector<int>{100, 100, 100}));
+  const std::vector<int> grey{100, 100, 100};
+  ExpectPixels(d, {{5, 5, kWhite3}, {6, 6, kWhite3}, {7, 5, grey}, {5, 7, grey}});
   // Negative sizes take the source's whole width and height.
   EXPECT_EQ(d.CopyRegRaw(0, 0, &src, 0, 0, -1, -1), 0);
-  EXPECT_EQ(Px(d, 3, 3), (std::vector<int>{255, 255, 255}));
-  EXPECT_EQ(Px(d, 1, 1), (std::vector<int>{0, 0, 0}));
-  EXPECT_EQ(Px(d, 4, 4), (std::vector<int>{100, 100, 100}));
-  EXPECT_EQ(Px(d, 5, 5), (std::vector<int>{255, 255, 255}));  // from the first copy
+  ExpectPixels(d, {{3, 3, kWhite3}, {1, 1, kBlack3}, {4, 4, grey}, {5, 5, kWhite3}});  // (5, 5) from the first copy
 }
 
 TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
-  ZC_DIB src32(2, 2, 32);
-  FillAll(src32, Rgba(10, 20, 30, 77));
-  ZC_DIB d32(2, 2, 32);
-  FillAll(d32, Rgba(0, 0, 0, 255));
+  Filled src32(2, 2, 32, Rgba(10, 20, 30, 77));
+  Filled d32(2, 2, 32, Rgba(0, 0, 0, 255));
   ASSERT_EQ(d32.CopyRegRaw(0, 0, &src32, 0, 0, -1, -1), 0);
   EXPECT_EQ(Px(d32, 1, 1), (std::vector<int>{30, 20, 10, 77}));
 
-  ZC_DIB src24(2, 2, 24);
-  FillAll(src24, Rgba(10, 20, 30, 77));
+  Filled src24(2, 2, 24, Rgba(10, 20, 30, 77));
   FillAll(d32, Rgba(0, 0, 0, 255));
   ASSERT_EQ(d32.CopyRegRaw(0, 0, &src24, 0, 0, -1, -1), 0);
   EXPECT_EQ(Px(d32, 0, 0), (std::vector<int>{30, 20, 10, 255}));
@@ -162,8 +153,7 @@ TEST(DibCopy, RawCopyTakesAlphaOnlyBetweenThirtyTwoBitBitmaps) {
 }
 
 TEST(DibBlend, AlphaRule) {
-  ZC_DIB d(3, 1, 24);
-  FillAll(d, Rgba(208, 208, 208));
+  Filled d(3, 1, 24, Rgba(208, 208, 208));
   ZC_DIB src(3, 1, 32);
   FillReg(src, Rgba(0, 0, 0, 0), 0, 0, 1, 1);
   FillReg(src, Rgba(12, 34, 56, 255), 1, 0, 1, 1);
@@ -176,16 +166,13 @@ TEST(DibBlend, AlphaRule) {
 }
 
 TEST(DibBlend, DestinationAlphaKeptAndOpaqueSourceCopied) {
-  ZC_DIB d(1, 1, 32);
-  FillAll(d, Rgba(100, 100, 100, 9));
-  ZC_DIB src(1, 1, 32);
-  FillAll(src, Rgba(200, 0, 100, 51));  // a = 0.2
+  Filled d(1, 1, 32, Rgba(100, 100, 100, 9));
+  Filled src(1, 1, 32, Rgba(200, 0, 100, 51));  // a = 0.2
   ASSERT_EQ(d.CopyReg(0, 0, &src, 0, 0, 1, 1), 0);
   // 100 + 100 * 51 / 255 = 120; 100 - 100 * 0.2 = 80; 100 + 0 = 100.
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{100, 80, 120, 9}));
 
-  ZC_DIB src24(1, 1, 24);
-  FillAll(src24, Rgba(1, 2, 3));
+  Filled src24(1, 1, 24, Rgba(1, 2, 3));
   ASSERT_EQ(d.CopyReg(0, 0, &src24, 0, 0, 1, 1), 0);
   EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 2, 1, 9}));
 }
@@ -197,27 +184,22 @@ TEST(DibLoad, BottomUpPixelsFromThePixelOffset) {
   auto buf = Bmp(2, 2, 32, 58, px);  // four spare bytes before the pixels
   ZC_DIB d;
   EXPECT_EQ(d.LoadFromBuff(buf.data()), 1);
-  ASSERT_EQ(d.GetW(), 2);
-  ASSERT_EQ(d.GetH(), 2);
+  ASSERT_EQ(std::make_pair(d.GetW(), d.GetH()), std::make_pair(2, 2));
   const uint32_t offset = d.FileHeader().bfOffBits;  // a packed field: read it by value
   EXPECT_EQ(offset, 58u);
-  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{3, 3, 3, 255}));
-  EXPECT_EQ(Px(d, 1, 0), (std::vector<int>{4, 4, 4, 128}));
-  EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{1, 1, 1, 255}));
+  ExpectPixels(d, {{0, 0, {3, 3, 3, 255}}, {1, 0, {4, 4, 4, 128}}, {0, 1, {1, 1, 1, 255}}});
   // 1 x 2, 24 bits: 3 bytes of pixel and 1 of padding per row.
   buf = Bmp(1, 2, 24, 54, {9, 8, 7, 0, 6, 5, 4, 0});
   d.LoadFromBuff(buf.data());
   ASSERT_EQ(d.GetH(), 2);
-  EXPECT_EQ(Px(d, 0, 0), (std::vector<int>{6, 5, 4}));
-  EXPECT_EQ(Px(d, 0, 1), (std::vector<int>{9, 8, 7}));
+  ExpectPixels(d, {{0, 0, {6, 5, 4}}, {0, 1, {9, 8, 7}}});
 }
 
 TEST(DibLoad, OtherBitCountsLeaveTheBitmapEmpty) {
   auto buf = Bmp(4, 4, 8, 54, std::vector<unsigned char>(16, 0));
   ZC_DIB d(3, 3, 24);
   EXPECT_EQ(d.LoadFromBuff(buf.data()), 1);
-  EXPECT_TRUE(d.IsEmpty());
-  EXPECT_EQ(d.GetW(), 0);
+  EXPECT_EQ(std::make_pair(d.IsEmpty(), d.GetW()), std::make_pair(true, 0));
 }
 
 TEST(DibDraw, WholeAndSubRectangles) {

@@ -27,12 +27,10 @@ TEST(Lbwin, LinesAndRectanglesExcludeTheirEnds) {
   MoveToEx(dc, 2, 2, nullptr);
   LineTo(dc, 6, 2);
   LineTo(dc, 6, 5);
-  EXPECT_EQ(lbwinGetPixel(w, 2, 2), RGB(1, 2, 3));
-  EXPECT_EQ(lbwinGetPixel(w, 5, 2), RGB(1, 2, 3));
-  EXPECT_EQ(lbwinGetPixel(w, 6, 2), RGB(1, 2, 3));  // start of the second line
-  EXPECT_EQ(lbwinGetPixel(w, 6, 4), RGB(1, 2, 3));
-  EXPECT_EQ(lbwinGetPixel(w, 6, 5), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(w, 1, 2), RGB(255, 255, 255));
+  // (6, 2) is the start of the second line.
+  const COLORREF red = RGB(1, 2, 3), white = RGB(255, 255, 255);
+  for (auto [x, y, c] : {std::tuple{2, 2, red}, {5, 2, red}, {6, 2, red}, {6, 4, red}, {6, 5, white}, {1, 2, white}})
+    EXPECT_EQ(lbwinGetPixel(w, x, y), c) << x << "," << y;
   // A selected pen cannot be deleted; after deselecting it can.
   EXPECT_FALSE(DeleteObject(pen));
   SelectObject(dc, old);
@@ -41,10 +39,8 @@ TEST(Lbwin, LinesAndRectanglesExcludeTheirEnds) {
   HGDIOBJ oldBrush = SelectObject(dc, brush);
   HGDIOBJ oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
   Rectangle(dc, 2, 3, 6, 8);
-  EXPECT_EQ(lbwinGetPixel(w, 2, 3), RGB(9, 9, 9));
-  EXPECT_EQ(lbwinGetPixel(w, 4, 6), RGB(9, 9, 9));
-  EXPECT_EQ(lbwinGetPixel(w, 5, 6), RGB(255, 255, 255));
-  EXPECT_EQ(lbwinGetPixel(w, 4, 7), RGB(255, 255, 255));
+  for (auto [x, y, c] : {std::tuple{2, 3, RGB(9, 9, 9)}, {4, 6, RGB(9, 9, 9)}, {5, 6, white}, {4, 7, white}})
+    EXPECT_EQ(lbwinGetPixel(w, x, y), c) << x << "," << y;
   SelectObject(dc, oldPen);
   SelectObject(dc, oldBrush);
   EXPECT_TRUE(DeleteObject(brush));
@@ -101,12 +97,11 @@ TEST(Lbwin, BottomUpAndTopDownBitmaps) {
   bi.bmiHeader.biPlanes = 1;
   bi.bmiHeader.biBitCount = 32;
   EXPECT_EQ(SetDIBitsToDevice(dc, 0, 0, 1, 2, 0, 0, 0, 2, bits, &bi, DIB_RGB_COLORS), 2);
-  EXPECT_EQ(lbwinGetPixel(w, 0, 0), RGB(0, 255, 0));
-  EXPECT_EQ(lbwinGetPixel(w, 0, 1), RGB(255, 0, 0));
+  const COLORREF red = RGB(255, 0, 0), green = RGB(0, 255, 0);
+  EXPECT_EQ(std::make_pair(lbwinGetPixel(w, 0, 0), lbwinGetPixel(w, 0, 1)), std::make_pair(green, red));
   bi.bmiHeader.biHeight = -2;  // top-down
   SetDIBitsToDevice(dc, 1, 0, 1, 2, 0, 0, 0, 2, bits, &bi, DIB_RGB_COLORS);
-  EXPECT_EQ(lbwinGetPixel(w, 1, 0), RGB(255, 0, 0));
-  EXPECT_EQ(lbwinGetPixel(w, 1, 1), RGB(0, 255, 0));
+  EXPECT_EQ(std::make_pair(lbwinGetPixel(w, 1, 0), lbwinGetPixel(w, 1, 1)), std::make_pair(red, green));
   ReleaseDC(w, dc);
   DestroyWindow(w);
 }

@@ -98,10 +98,9 @@ TEST_F(ModuleResources, LogosAreRgbaPngsOfThreeSizes) {
     ASSERT_GT(it->second->size, 33u);
     EXPECT_EQ(std::memcmp(p, "\x89PNG\r\n\x1a\n", 8), 0) << name;
     EXPECT_EQ(std::memcmp(p + 12, "IHDR", 4), 0) << name;
-    EXPECT_EQ(BigU32(p + 16), size) << name;
-    EXPECT_EQ(BigU32(p + 20), size) << name;
-    EXPECT_EQ(p[24], 8) << name;  // bits per channel
-    EXPECT_EQ(p[25], 6) << name;  // RGBA
+    // Width, height, 8 bits per channel, RGBA.
+    EXPECT_EQ(std::vector<uint32_t>({BigU32(p + 16), BigU32(p + 20), p[24], p[25]}),
+              std::vector<uint32_t>({size, size, 8, 6})) << name;
   }
 }
 

@@ -3,7 +3,6 @@
 // document showing which command ran and with which keys and checkboxes.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <map>
 #include <memory>
 #include <set>
@@ -166,8 +165,6 @@ TEST_F(Panel, HostPanelAndWindow) {
   EXPECT_EQ(std::make_pair(rc.right, rc.bottom), std::make_pair(LONG(227), LONG(414)));
   EXPECT_NE(GetProp(hwnd, "TPNL"), nullptr);
   EXPECT_NE(GetWindowLongPtr(hwnd, GWLP_WNDPROC), reinterpret_cast<LONG_PTR>(&DefWindowProc));
-  // A bright interface gets the white logo.
-  EXPECT_EQ(info->icons, (std::vector<std::pair<int32_t, int32_t>>{{220, 220}}));
 }
 
 // Every picture button is raised with its picture inside; background
@@ -179,12 +176,9 @@ TEST_F(Panel, ButtonsAndBackground) {
     Rect r = ButtonRect(id);
     // The 32 x 32 picture sits at (X + 2, Y + 2): the ring just inside the
     // frame stays background.
-    for (int k = 1; k <= 34; ++k) {
-      EXPECT_EQ(At(r.x + 1, r.y + k), kGrey);
-      EXPECT_EQ(At(r.x + 34, r.y + k), kGrey);
-      EXPECT_EQ(At(r.x + k, r.y + 1), kGrey);
-      EXPECT_EQ(At(r.x + k, r.y + 34), kGrey);
-    }
+    for (int k = 1; k <= 34; ++k)
+      for (auto [x, y] : {std::pair{1, k}, {34, k}, {k, 1}, {k, 34}})
+        EXPECT_EQ(At(r.x + x, r.y + y), kGrey) << x << "," << y;
     int drawn = 0;
     for (int y = r.y + 2; y < r.y + 34; ++y)
       for (int x = r.x + 2; x < r.x + 34; ++x) drawn += At(x, y) != kGrey;
@@ -205,17 +199,15 @@ TEST_F(Panel, ButtonsAndBackground) {
 TEST_F(Panel, CheckboxFramesAndMarks) {
   for (int top : {4, 22}) {
     SCOPED_TRACE(top);
-    EXPECT_EQ(At(189, top), kShadow);            // left column and top row
-    EXPECT_EQ(At(189, top + 14), kShadow);       // the left column runs the full height
-    EXPECT_EQ(At(203, top), kShadow);            // the top row runs the full width
-    EXPECT_EQ(At(203, top + 7), kWhite);         // right column
-    EXPECT_EQ(At(195, top + 14), kWhite);        // bottom row
-    EXPECT_EQ(At(190, top + 1), RGB(64, 64, 64));
-    EXPECT_EQ(At(190, top + 13), RGB(64, 64, 64));  // inner left wins over inner bottom
-    EXPECT_EQ(At(202, top + 1), RGB(64, 64, 64));   // inner top wins over inner right
-    EXPECT_EQ(At(202, top + 7), RGB(212, 212, 212));
-    EXPECT_EQ(At(195, top + 13), RGB(212, 212, 212));
-    EXPECT_EQ(At(192, top + 6), kWhite);  // inside, left of the mark
+    // (x, y - top, colour): the outer frame, shadow on the left column and
+    // top row over their full length, white on the right and bottom; the
+    // inner frame, dark left and top (the left winning over the bottom, the
+    // top over the right), light right and bottom; white inside.
+    const COLORREF dark = RGB(64, 64, 64), light = RGB(212, 212, 212);
+    for (auto [x, dy, colour] : {std::tuple{189, 0, kShadow}, {189, 14, kShadow}, {203, 0, kShadow}, {203, 7, kWhite},
+                                 {195, 14, kWhite}, {190, 1, dark}, {190, 13, dark}, {202, 1, dark}, {202, 7, light},
+                                 {195, 13, light}, {192, 6, kWhite}})
+      EXPECT_EQ(At(x, top + dy), colour) << x << "," << dy;
 
     // The 7 x 7 check mark lands 4 pixels in from the box's corner.
     const int mx = 193, my = top + 4;
@@ -229,13 +221,10 @@ TEST_F(Panel, CheckboxFramesAndMarks) {
 }
 
 TEST_F(Panel, TextStripAndVersionText) {
-  EXPECT_EQ(At(3, 267), kStrip);
-  EXPECT_EQ(At(222, 409), kStrip);
-  EXPECT_EQ(At(2, 300), kGrey);
-  EXPECT_EQ(At(100, 266), kGrey);
   // Filled without an outline: the last column and row stay background.
-  EXPECT_EQ(At(223, 300), kGrey);
-  EXPECT_EQ(At(100, 410), kGrey);
+  for (auto [x, y, colour] : {std::tuple{3, 267, kStrip}, {222, 409, kStrip}, {2, 300, kGrey}, {100, 266, kGrey},
+                              {223, 300, kGrey}, {100, 410, kGrey}})
+    EXPECT_EQ(At(x, y), colour) << x << "," << y;
   // "Lattice Bender" over "0.41.4", each centred.
   auto [lo, hi] = TextColumns();
   ASSERT_LT(lo, hi);
@@ -259,12 +248,9 @@ TEST_F(Panel, PrintClientDrawsTheCompositeAlone) {
   ReleaseDC(other, dc);
   // The composite holds pictures, checkboxes and marks, but neither the
   // buttons' frames nor the text strip.
-  EXPECT_EQ(lbwinGetPixel(other, 3, 3), kGrey);
-  EXPECT_EQ(lbwinGetPixel(other, 38, 38), kGrey);
-  EXPECT_EQ(lbwinGetPixel(other, 199, 8), kBlack);
-  EXPECT_EQ(lbwinGetPixel(other, 189, 4), kShadow);
-  EXPECT_EQ(lbwinGetPixel(other, 100, 300), kGrey);
-  EXPECT_EQ(lbwinGetPixel(other, 30, 20), At(30, 20));
+  for (auto [x, y, colour] : {std::tuple{3, 3, kGrey}, {38, 38, kGrey}, {199, 8, kBlack}, {189, 4, kShadow},
+                              {100, 300, kGrey}, {30, 20, At(30, 20)}})
+    EXPECT_EQ(lbwinGetPixel(other, x, y), colour) << x << "," << y;
   DestroyWindow(other);
 }
 
@@ -339,8 +325,9 @@ TEST_F(Panel, LeavingClearsOutlinesAndRestoresTheVersion) {
 // ---- Pressing and releasing -----------------------------------------------------------
 
 // Released away from the pressed button (over nothing, over another
-// button) nothing runs; a press outside every button runs nothing either.
-TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
+// button) nothing runs; a press outside every button runs nothing either;
+// released over it after leaving and returning, it runs.
+TEST_F(Panel, PressedButtonSinksRisesAndRunsOnlyWhenReleasedOverIt) {
   Down(kShiftX, kShiftY);
   EXPECT_TRUE(Framed(kCmdColorShift, kShadow, kWhite));
   EXPECT_EQ(GetCapture(), hwnd);
@@ -356,14 +343,10 @@ TEST_F(Panel, PressedButtonSinksAndRisesAsTheCursorLeavesAndReturns) {
   Down(kShiftX, kShiftY);
   Move(kReflectX, kReflectY, MK_LBUTTON);
   Up(kReflectX, kReflectY);
-  EXPECT_EQ(ColorFrom(0, 0), 0);
-  EXPECT_EQ(ColorFrom(2, 1), 5);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), ColorFrom(2, 1)), std::make_pair(0, 5));
   Down(kEmptyX, kEmptyY);
   Up(kShiftX, kShiftY);
   EXPECT_EQ(ColorFrom(0, 0), 0);
-}
-
-TEST_F(Panel, ReleaseAfterLeavingAndReturningRunsTheCommand) {
   Down(kShiftX, kShiftY);
   Move(kEmptyX, kEmptyY, MK_LBUTTON);
   Move(kShiftX + 3, kShiftY - 3, MK_LBUTTON);
@@ -379,22 +362,18 @@ TEST_F(Panel, CheckboxTogglesOnPressAndTheNextCommandSeesIt) {
   EXPECT_EQ(At(199, 8), kWhite);
   // Colour off, opacity on: only the opacities shift.
   Click(kShiftX, kShiftY);
-  EXPECT_EQ(ColorFrom(0, 0), 0);
-  EXPECT_EQ(OpacityFrom(0, 0), 2);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), OpacityFrom(0, 0)), std::make_pair(0, 2));
   // Pressing again checks it again; a release elsewhere does not matter.
   Down(kColorBoxX, kColorBoxY);
   EXPECT_EQ(At(199, 8), kBlack);
   Up(kEmptyX, kEmptyY);
   Click(kShiftX, kShiftY);
-  EXPECT_EQ(ColorFrom(0, 0), 2);
-  EXPECT_EQ(OpacityFrom(0, 0), 1);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), OpacityFrom(0, 0)), std::make_pair(2, 1));
   // Opacity off, colour on: only the colours shift (a second time).
   Click(kOpacityBoxX, kOpacityBoxY);
-  EXPECT_EQ(At(199, 26), kWhite);
-  EXPECT_EQ(At(199, 8), kBlack);
+  EXPECT_EQ(std::make_pair(At(199, 26), At(199, 8)), std::make_pair(kWhite, kBlack));
   Click(kShiftX, kShiftY);
-  EXPECT_EQ(ColorFrom(0, 0), 1);
-  EXPECT_EQ(OpacityFrom(0, 0), 1);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), OpacityFrom(0, 0)), std::make_pair(1, 1));
 }
 
 struct KeyCase {
@@ -416,8 +395,7 @@ TEST_P(PanelKeys, KeysAreReadAtTheRelease) {
   lbwinSetKeyState(VK_MENU, k.alt);
   lbwinSetKeyState(VK_CONTROL, k.ctrl);
   Up(k.x, k.y);
-  EXPECT_EQ(ColorFrom(0, 0), k.expected);
-  EXPECT_EQ(ColorFrom(2, 0), k.expected20);
+  EXPECT_EQ(std::make_pair(ColorFrom(0, 0), ColorFrom(2, 0)), std::make_pair(k.expected, k.expected20));
 }
 
 // Shift colours moves each node's paint one node towards the higher index
@@ -432,8 +410,9 @@ INSTANTIATE_TEST_SUITE_P(Buttons, PanelKeys,
 // ---- Theme and lifetime ------------------------------------------------------------------
 
 TEST_F(Panel, BrightnessChangesSwapTheLogo) {
+  // A bright interface starts with the white logo.
   const auto& icons = lb::host::currentPanel()->icons;
-  ASSERT_EQ(icons.size(), 1u);
+  ASSERT_EQ(icons, (std::vector<std::pair<int32_t, int32_t>>{{220, 220}}));
   host->fireNotifier("AI UI Brightness Changed Notifier");
   ASSERT_EQ(icons.size(), 2u);  // the first notification always sets it
   EXPECT_EQ(icons.back(), std::make_pair(220, 220));

@@ -92,8 +92,7 @@ TEST(MeshCoverage, MatchesAPathFillOfTheOutline) {
     }
     const Image meshPic = lb::render::renderDocument(meshDoc, RenderOptions{c.scale, false});
     const Image pathPic = lb::render::renderDocument(pathDoc, RenderOptions{c.scale, false});
-    ASSERT_EQ(meshPic.width, pathPic.width);
-    ASSERT_EQ(meshPic.height, pathPic.height);
+    ASSERT_EQ(std::make_pair(meshPic.width, meshPic.height), std::make_pair(pathPic.width, pathPic.height));
     int where = 0;
     const int gap = worstGap(meshPic, pathPic, &where);
     EXPECT_LE(gap, 3) << "at pixel (" << where % meshPic.width << ", " << where / meshPic.width << ")";

@@ -43,8 +43,7 @@ TEST_P(PictureLimits, RendersABoundedPicture) {
   c.build(doc, layer);
   Image img;
   ASSERT_NO_THROW(img = lb::render::renderDocument(doc, RenderOptions{c.scale, c.selection}));
-  EXPECT_EQ(img.width, c.width);
-  EXPECT_EQ(img.height, c.height);
+  EXPECT_EQ(std::make_pair(img.width, img.height), std::make_pair(c.width, c.height));
   EXPECT_LE(static_cast<double>(img.width) * img.height, 64.0 * 1024 * 1024);
   ASSERT_EQ(img.pixels.size(), static_cast<size_t>(img.width) * img.height);
   EXPECT_EQ(img.at(c.probeX, c.probeY), c.probeBlack ? 0xff000000u : 0xffffffffu);
@@ -158,8 +157,7 @@ TEST(PngWriter, EveryPixelSurvivesTheRoundTrip) {
     ASSERT_EQ(lb::render::writePng(path, rows.data(), 3, 2, 4), "") << c.name;
     int w = 0, h = 0;
     const std::vector<uint32_t> back = lb::test::readArgb(path, &w, &h);
-    ASSERT_EQ(w, 3) << c.name;
-    ASSERT_EQ(h, 2) << c.name;
+    ASSERT_EQ(std::make_pair(w, h), std::make_pair(3, 2)) << c.name;
     for (size_t k = 0; k < 6; ++k)
       for (int shift : {0, 8, 16, 24})
         EXPECT_NEAR(static_cast<int>((back[k] >> shift) & 255), static_cast<int>((c.pixels[k] >> shift) & 255), 1)

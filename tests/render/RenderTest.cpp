@@ -55,8 +55,7 @@ TEST_F(Render, MeshPixelsMatchEvaluatedColours) {
   const GradientMesh& m = *a->mesh;
   const double scale = 2;
   const Image img = lb::render::renderDocument(doc, RenderOptions{scale, false});
-  ASSERT_EQ(img.width, 200);
-  ASSERT_EQ(img.height, 200);
+  ASSERT_EQ(std::make_pair(img.width, img.height), std::make_pair(200, 200));
   int worst = 0, n = 0;
   for (double u = 0.03; u < 1; u += 0.047)
     for (double v = 0.03; v < 1; v += 0.047) {
@@ -95,13 +94,11 @@ TEST_F(Render, NodeOpacityArtOpacityAndBlendingAreHonoured) {
   a->blendMode = kAIMultiplyBlendingMode;
   const Rgba multiplied = at(mid), red = at({5, 5});
   EXPECT_LT(multiplied.r + multiplied.g + multiplied.b, 6);
-  EXPECT_EQ(red.r, 255);
-  EXPECT_EQ(red.g, 0);
+  EXPECT_EQ(std::make_pair(red.r, red.g), std::make_pair(255, 0));
   // Hidden art is left out.
   a->userAttr |= kArtHidden;
   const Rgba hidden = at(mid);
-  EXPECT_EQ(hidden.r, 255);
-  EXPECT_EQ(hidden.b, 0);
+  EXPECT_EQ(std::make_pair(hidden.r, hidden.b), std::make_pair(255, 0));
 }
 
 TEST_F(Render, RasterPixelsLandWhereTheMatrixPutsThem) {
@@ -111,11 +108,9 @@ TEST_F(Render, RasterPixelsLandWhereTheMatrixPutsThem) {
   const Image img = lb::render::renderDocument(doc);
   const Rgba topLeft = pixelAt(img, 1, {25, 55}), bottomRight = pixelAt(img, 1, {35, 45}),
              bottomLeft = pixelAt(img, 1, {25, 45});
-  EXPECT_EQ(topLeft.r, 255);
-  EXPECT_EQ(topLeft.g, 0);
+  EXPECT_EQ(std::make_pair(topLeft.r, topLeft.g), std::make_pair(255, 0));
   EXPECT_EQ(bottomRight.r + bottomRight.g + bottomRight.b, 3 * 255);
-  EXPECT_EQ(bottomLeft.b, 255);
-  EXPECT_EQ(bottomLeft.r, 0);
+  EXPECT_EQ(std::make_pair(bottomLeft.b, bottomLeft.r), std::make_pair(255, 0));
 }
 
 TEST_F(Render, SelectionOverlayMarksSelectedVertices) {
