@@ -26,13 +26,15 @@ bool collinear(P in, P anchor, P out) {
 
 // ---- vertices in runs ----------------------------------------------------------
 
-VertexId GradientMesh::Impl::anchorId(int axis, int i, int j, int a) const {
-  const Run& r = runAt(axis, i, j);
-  if (a == 0) return nodeAt(i, j).id;
+// Reached through the span's slots: the run's start node, its end node (the
+// next column's cell along I, the next row's along J) or an inner vertex.
+VertexId GradientMesh::Impl::anchorId(const Span& sp, int a) const {
+  const Run& r = runOf(sp);
+  if (a == 0) return cells[sp.cs][sp.rs].node.id;
   if (a == r.pieces()) {
-    int ei, ej;
-    runEndNode(axis, i, j, &ei, &ej);
-    return nodeAt(ei, ej).id;
+    const int32_t cs = sp.axis == 0 ? col[sp.i + 1] : sp.cs;
+    const int32_t rs = sp.axis == 0 ? sp.rs : row[sp.j + 1];
+    return cells[cs][rs].node.id;
   }
   return r.joints[a - 1].id;
 }
@@ -437,19 +439,7 @@ SegmentRef GradientMesh::reversed(SegmentRef s) const {
 VertexId GradientMesh::segmentEnd(SegmentRef s) const {
   Impl::Span sp;
   if (!impl_->span(s, &sp)) return kNoVertex;
-  // anchorId, reached through the span's slots: the run's start node, its
-  // end node (the next column's cell along I, the next row's along J) or
-  // an inner vertex.
-  const Impl& m = *impl_;
-  const int a = sp.fwd ? sp.a1 : sp.a0;
-  const Run& r = m.runOf(sp);
-  if (a == 0) return m.cells[sp.cs][sp.rs].node.id;
-  if (a == r.pieces()) {
-    const int32_t cs = sp.axis == 0 ? m.col[sp.i + 1] : sp.cs;
-    const int32_t rs = sp.axis == 0 ? sp.rs : m.row[sp.j + 1];
-    return m.cells[cs][rs].node.id;
-  }
-  return r.joints[a - 1].id;
+  return impl_->anchorId(sp, sp.fwd ? sp.a1 : sp.a0);
 }
 int GradientMesh::knotCount(SegmentRef s) const {
   Impl::Span sp;
@@ -574,8 +564,7 @@ VertexId GradientMesh::split(SegmentRef s, int k) {
   Joint& jt = r.joints[a - 1];
   jt.id = impl_->newId(Loc{kInnerLoc, static_cast<int8_t>(sp.axis), impl_->col[sp.i], impl_->row[sp.j], a});
   // The new vertex joins the selection when the segment it cuts was selected.
-  jt.selected = selected(impl_->anchorId(sp.axis, sp.i, sp.j, sp.a0)) &&
-                selected(impl_->anchorId(sp.axis, sp.i, sp.j, sp.a1));
+  jt.selected = selected(impl_->anchorId(sp, sp.a0)) && selected(impl_->anchorId(sp, sp.a1));
   jt.smooth[0] = jt.smooth[1] = collinear(r.pts[3 * a - 1], r.pts[3 * a], r.pts[3 * a + 1]);
   return jt.id;
 }

@@ -190,7 +190,6 @@ struct GradientMesh::Impl {
   int deadSlots() const;
 
   // ---- vertices in runs ----
-  VertexId anchorId(int axis, int i, int j, int a) const;
   static int nextVertexAnchor(const Run& r, int a);
   static int prevVertexAnchor(const Run& r, int a);
   static VertexId firstInner(const Run& r, int after);
@@ -213,6 +212,8 @@ struct GradientMesh::Impl {
     return memo.ok;
   }
   bool computeSpan(SegmentRef s, Span* out) const;
+  // The vertex at anchor a of the span's run.
+  VertexId anchorId(const Span& sp, int a) const;
   // Records sp as segment s's span under the current structure stamp.
   void remember(SegmentRef s, const Span& sp) const { memo = SpanMemo{s, structure, true, sp}; }
   // Cuts piece m of the segment at sp into n + 1 equal-parameter pieces.
