@@ -64,7 +64,7 @@ TEST(CaptureFromRaster, PixelExactThroughATurnedScaledImageIntoSeveralMeshes) {
     const MeshRecipe a = OnPixels(0, im, 2, 1, 1, 3, Rect(0, 2, 0, 1));
     const MeshRecipe b = OnPixels(1, im, 1, 2, 0, 2, {{0, 1}, {1, 2}});
     const MeshRecipe c = Tagged(2, 1, 1, Rect(0, 1, 0, 1), [&](int i, int j) { return im.Centre(4 + i, 3 + j); });
-    Session s(Doc({MeshJson(a), MeshJson(b), MeshJson(c), ImageJson(im)}));
+    Session s(DocJson({MeshJson(a), MeshJson(b), MeshJson(c), ImageJson(im)}));
     s.run(kCapture, false, ctrl, true, true);
     const MeshState ma = s.mesh(0), mb = s.mesh(1), mc = s.mesh(2);
     for (int j = 0; j <= 1; ++j)
@@ -133,7 +133,7 @@ TEST(CaptureFromRaster, EveryColourSpaceWithAndWithoutAlpha) {
     SCOPED_TRACE(k.name);
     ImageRecipe im = Image(3, 2, {4, 0, 0, 4, 10, 10}, k.space, k.alpha);
     im.fill = k.fill;
-    Session s(Doc({MeshJson(OnPixels(0, im, 2, 1, 0, 1, Rect(0, 2, 0, 1))), ImageJson(im)}));
+    Session s(DocJson({MeshJson(OnPixels(0, im, 2, 1, 0, 1, Rect(0, 2, 0, 1))), ImageJson(im)}));
     s.run(kCapture, false, true, true, true);
     const MeshState out = s.mesh(0);
     for (int j = 0; j <= 1; ++j)
@@ -154,7 +154,7 @@ TEST(CaptureFromRaster, TheCheckboxesChooseColourOrOpacity) {
   const MeshRecipe m = OnPixels(0, im, 1, 1, 0, 0, {{0, 0}, {1, 0}});
   for (auto [color, opacity] : {std::pair{true, false}, {false, true}, {false, false}}) {
     SCOPED_TRACE(testing::Message() << color << opacity);
-    Session s(Doc({MeshJson(m), ImageJson(im)}));
+    Session s(DocJson({MeshJson(m), ImageJson(im)}));
     s.run(kCapture, false, true, color, opacity);
     const MeshState out = s.mesh(0);
     if (color) {
@@ -179,7 +179,7 @@ TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
   m.dx = m.dy = 15;
   for (bool ctrl : {true, false}) {
     SCOPED_TRACE(ctrl ? "no edge correction" : "edge correction");
-    Session s(Doc({MeshJson(m), ImageJson(im)}));
+    Session s(DocJson({MeshJson(m), ImageJson(im)}));
     s.run(kCapture, false, ctrl, true, false);
     const MeshState out = s.mesh(0);
     if (ctrl) {
@@ -205,8 +205,8 @@ TEST(CaptureFromRaster, EdgeCorrectionSamplesBorderNodesInside) {
 
 TEST(CaptureFromRaster, TheTopmostSelectedImageWins) {
   // Above the mesh an unselected image; below it two selected ones.
-  Session s(Doc({ImageJson(Plain(1, 2, 3, false)), MeshJson(Tagged(0, 1, 1, Rect(0, 1, 0, 1))),
-                 ImageJson(Plain(40, 50, 60, true)), ImageJson(Plain(70, 80, 90, true))}));
+  Session s(DocJson({ImageJson(Plain(1, 2, 3, false)), MeshJson(Tagged(0, 1, 1, Rect(0, 1, 0, 1))),
+                     ImageJson(Plain(40, 50, 60, true)), ImageJson(Plain(70, 80, 90, true))}));
   s.run(kCapture, false, false, true, false);
   const MeshState out = s.mesh(1);
   for (int j = 0; j <= 1; ++j)
@@ -227,7 +227,7 @@ TEST(CaptureFromRaster, NothingToCaptureChangesNothing) {
   };
   for (const auto &[name, arts] : cases) {
     SCOPED_TRACE(name);
-    Session s(Doc(arts));
+    Session s(DocJson(arts));
     const json before = s.written();
     EXPECT_EQ(s.runWritten(kCapture, false, false, true, false), before);
   }
@@ -246,7 +246,7 @@ TEST(CaptureFromRaster, PlacedImageKeepsTheSelectionAndLeavesNoArt) {
   a.y0 = b.y0 = 5;
   for (bool ctrl : {false, true}) {
     SCOPED_TRACE(ctrl);
-    Session s(Doc({MeshJson(a), MeshJson(b), ImageJson(im)}));
+    Session s(DocJson({MeshJson(a), MeshJson(b), ImageJson(im)}));
     s.run(kCapture, false, ctrl, true, false);
     ASSERT_EQ(s.artCount(), 3u);
     EXPECT_EQ(Children(s.written()).at(2).at("type"), "placed");
@@ -273,7 +273,7 @@ MeshRecipe Square(int tag, double x0, double y0, NodeSet sel) {
 TEST(CaptureFromMesh, SameOutlineTakesTheNodesOrSamplesInside) {
   const MeshRecipe top = Square(0, 0, 0, Rect(0, 2, 0, 2)), bottom = Square(1, 0, 0, {{1, 1}});
   {
-    Session s(Doc({MeshJson(top), MeshJson(bottom)}));
+    Session s(DocJson({MeshJson(top), MeshJson(bottom)}));
     s.run(kCapture, true, true, true, true);
     const MeshState out = s.mesh(0);
     for (int j = 0; j <= 2; ++j)
@@ -283,7 +283,7 @@ TEST(CaptureFromMesh, SameOutlineTakesTheNodesOrSamplesInside) {
       }
     EXPECT_EQ(out.selectedNodes(), Rect(0, 2, 0, 2));
   }
-  Session s(Doc({MeshJson(top), MeshJson(bottom)}));
+  Session s(DocJson({MeshJson(top), MeshJson(bottom)}));
   s.run(kCapture, true, false, true, true);
   const MeshState out = s.mesh(0);
   // The middle node is sampled where it is; the others 0.05 inside.
@@ -309,8 +309,8 @@ TEST(CaptureFromMesh, SameOutlineTakesTheNodesOrSamplesInside) {
 TEST(CaptureFromMesh, SeveralTargetsAndNodesOffTheSource) {
   // Top: shifted by half a cell, so its right column lies beyond the
   // source. Middle: far away, nothing overlaps.
-  Session s(Doc({MeshJson(Square(0, 30, 0, Rect(0, 2, 0, 2))), MeshJson(Square(1, 200, 200, Rect(0, 1, 0, 1))),
-                 MeshJson(Square(2, 0, 0, {}))}));
+  Session s(DocJson({MeshJson(Square(0, 30, 0, Rect(0, 2, 0, 2))), MeshJson(Square(1, 200, 200, Rect(0, 1, 0, 1))),
+                     MeshJson(Square(2, 0, 0, {}))}));
   s.run(kCapture, true, true, true, false);
   const MeshState t = s.mesh(0), a = s.mesh(1);
   // Top node (0, j) at x = 30 lies on source line i = 1.5 -> between nodes;

@@ -111,12 +111,4 @@ inline json ImageJson(const ImageRecipe& s) {
   return a;
 }
 
-// A document of one layer holding `children`, first on top, with an
-// optional key object.
-inline json Doc(const std::vector<json>& children, const std::string& key = "") {
-  json doc = DocJson(children);
-  if (!key.empty()) doc["key"] = key;
-  return doc;
-}
-
 }  // namespace coltest
