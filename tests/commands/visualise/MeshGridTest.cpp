@@ -40,21 +40,19 @@ TEST(MeshGrid, WholeMeshEachLineOnePathInOrder) {
   EXPECT_EQ(Names(axJ.at("children")), (Strs{"I=0", "I=1", "I=2"}));
   for (const auto& p : axI.at("children")) EXPECT_EQ(p.at("type"), "path");
 
-  // Exact Bezier points of J=0: straight runs with handles at thirds.
+  // Exact Bezier points of J=0 (h of in, p, out; v = 0): straight runs with
+  // handles at thirds, the ends retracted, the through-going anchor smooth.
   const json& j0 = Child(axI, "J=0");
   EXPECT_FALSE(j0.at("closed").get<bool>());
   ASSERT_EQ(j0.at("segments").size(), 3u);
-  const json& seg = j0.at("segments");
-  EXPECT_EQ(seg[0].at("p"), json({0.0, 0.0}));
-  EXPECT_EQ(seg[0].at("in"), json({0.0, 0.0}));
-  EXPECT_NEAR(seg[0].at("out")[0].get<double>(), 10.0 / 3, 1e-12);
-  EXPECT_NEAR(seg[1].at("in")[0].get<double>(), 20.0 / 3, 1e-12);
-  EXPECT_EQ(seg[1].at("p"), json({10.0, 0.0}));
-  EXPECT_NEAR(seg[1].at("out")[0].get<double>(), 40.0 / 3, 1e-12);
-  EXPECT_EQ(seg[2].at("p"), json({20.0, 0.0}));
-  EXPECT_EQ(seg[2].at("out"), json({20.0, 0.0}));
-  // Through-going straight anchor: smooth.
-  EXPECT_FALSE(seg[1].at("corner").get<bool>());
+  const double h[3][3] = {{0, 0, 10.0 / 3}, {20.0 / 3, 10, 40.0 / 3}, {50.0 / 3, 20, 20}};
+  for (int k = 0; k < 3; ++k)
+    for (int q = 0; q < 3; ++q) {
+      const json& pt = j0.at("segments")[k].at(q == 0 ? "in" : q == 1 ? "p" : "out");
+      EXPECT_NEAR(pt[0].get<double>(), h[k][q], 1e-12) << k << ", " << q;
+      EXPECT_EQ(pt[1].get<double>(), 0.0) << k << ", " << q;
+    }
+  EXPECT_FALSE(j0.at("segments")[1].at("corner").get<bool>());
 
   // The plain look: no fill, black RGB stroke of width 1, no style.
   EXPECT_TRUE(j0.at("fill").is_null());
@@ -262,16 +260,6 @@ TEST(Dots, NonNodeVerticesAndTwoDigitNodeNames) {
   EXPECT_EQ(ChildNames(v), (Strs{"-I", "+I"}));
 }
 
-TEST(Dots, PartialSelectionDrawsOnlySelectedVertices) {
-  MeshRecipe m = Cells(2, 1);
-  m.whole = false;
-  m.selected = {{1, 0}, {2, 1}};
-  Session s(MeshDoc({m}));
-  const json kids = RunDots(s);
-  EXPECT_EQ(ChildNames(Child(kids[0], "Nodes")), (Strs{"1,0", "2,1"}));
-  EXPECT_EQ(ChildNames(kids[0]), (Strs{"Nodes", "WithControls"}));
-}
-
 TEST(Dots, KnotsDrawTrueControlsAndHideTheOthers) {
   MeshRecipe m = Cells(1, 1);
   m.runs = {KnotRun()};
@@ -301,15 +289,22 @@ TEST(Dots, KnotsDrawTrueControlsAndHideTheOthers) {
   EXPECT_EQ(Anchors(Child(n10, "-I")), (Pts{{9, 1}}));
 }
 
-TEST(Dots, KnotsOnAnUndrawnSegmentAreIgnored) {
-  MeshRecipe m = Cells(1, 1);
-  m.whole = false;
-  m.selected = {{0, 0}, {0, 1}, {1, 1}};  // (1, 0) unselected
-  m.runs = {KnotRun()};
-  Session s(MeshDoc({m}));
-  const json kids = RunDots(s);
-  EXPECT_EQ(ChildNames(kids[0]), (Strs{"Nodes", "WithControls"}));
-  EXPECT_FALSE(Child(kids[0], "WithControls").at("hidden").get<bool>());
+// Partial selections: only the selected vertices are drawn, and a knot on
+// a segment with an unselected end is ignored.
+TEST(Dots, PartialSelectionsDrawOnlySelectedVerticesAndTheirKnots) {
+  MeshRecipe some = Cells(2, 1), knot = Cells(1, 1);
+  some.selected = {{1, 0}, {2, 1}};
+  knot.selected = {{0, 0}, {0, 1}, {1, 1}};  // (1, 0) unselected
+  knot.runs = {KnotRun()};
+  const std::pair<MeshRecipe, Strs> cases[] = {{some, {"1,0", "2,1"}}, {knot, {"0,0", "0,1", "1,1"}}};
+  for (auto [m, nodes] : cases) {
+    m.whole = false;
+    Session s(MeshDoc({m}));
+    const json kids = RunDots(s);
+    EXPECT_EQ(ChildNames(kids[0]), (Strs{"Nodes", "WithControls"}));
+    EXPECT_EQ(ChildNames(Child(kids[0], "Nodes")), nodes);
+    EXPECT_FALSE(Child(kids[0], "WithControls").at("hidden").get<bool>());
+  }
 }
 
 struct DotsStyleCase {
