@@ -36,10 +36,7 @@ json MeshPaint(int m) { return RgbPaint(0.1 * (m % 10), 0.5, 1.0 - 0.1 * (m % 10
 std::vector<json> Arrange(const Block& b, double gap = 0.0) {
   std::vector<json> art;
   for (int m : b.order) {
-    MeshRecipe g = Cells(1, 1);
-    g.I = b.I;
-    g.J = b.J;
-    g.dx = g.dy = kCell;
+    MeshRecipe g = Cells(b.I, b.J);
     g.x0 = (m % b.cols) * (b.I * kCell + gap);
     g.y0 = (m / b.cols) * (b.J * kCell);
     g.colorAt = [m](int, int) { return MeshPaint(m); };
@@ -154,11 +151,11 @@ TEST(Join, RefusedArrangementsChangeNothing) {
 // stands where the group stood and the emptied group is gone. A group that
 // keeps other art keeps the result too.
 TEST(Join, MeshesLeaveAGroupThatHeldOnlyThem) {
-  json extra = MeshJson(Cells(1, 1));
-  extra["id"] = "extra";
-  extra["selected"] = false;
-  for (json& n : extra["nodes"]) n["p"][0] = n["p"][0].get<double>() + 100;
-  extra.erase("runs");  // straight again from the moved nodes
+  MeshRecipe other = Cells(1, 1);
+  other.id = "extra";
+  other.artSelected = false;
+  other.x0 = 100;
+  const json extra = MeshJson(other);
   for (bool keeps : {false, true}) {
     SCOPED_TRACE(keeps);
     std::vector<json> inside = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});
