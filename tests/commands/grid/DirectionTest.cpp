@@ -42,9 +42,7 @@ class EachTurn : public ::testing::TestWithParam<Turn> {};
 
 TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
   const Turn& turn = GetParam();
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 3;
-  layout.J = 2;
+  MeshRecipe layout = MeshRecipe::Varied(3, 2);
   layout.u = {0, 0.2, 0.45, 1};
   layout.v = {0, 0.3, 1};
   Session s(DocJson({MeshJson(layout)}));
@@ -117,9 +115,7 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
       {"four clockwise turns", {{false, false}, {false, false}, {false, false}, {false, false}}},
       {"two turns equal reflecting both ways", {{false, false}, {false, false}, {false, true}, {true, true}}},
   };
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 4;
-  layout.J = 3;
+  MeshRecipe layout = MeshRecipe::Varied(4, 3);
   layout.u = {0, 0.15, 0.5, 0.55, 1};
   layout.v = {0, 0.6, 0.7, 1};
   for (const Sequence& seq : sequences) {
