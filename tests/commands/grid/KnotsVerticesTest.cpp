@@ -81,45 +81,42 @@ TEST(KnotsVertices, RoundTripRestoresEveryRun) {
 }
 
 // Deleting the knots of a segment (Alt: corrected, Ctrl: plain) leaves one
-// cubic with the segment's two end handles; a segment with one unselected
-// end keeps its knots, and the vertex selection is as before.
+// cubic with the segment's two end handles. With nodes (0, 0) and (1, 0)
+// selected, segments with an unselected end keep their knots and the vertex
+// selection is as before; with the whole mesh every knot goes (on I(1, 0)
+// the one before its vertex; the vertex stays, selected with the mesh).
 TEST(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
-  for (bool alt : {true, false}) {
-    SCOPED_TRACE(alt ? "corrected" : "plain");
+  struct Want {
+    int axis, i, j;
+    std::vector<int> kept;  // indices of the old points that remain, in order
+    const char* kinds;
+  };
+  const std::vector<Want> twoNodes = {{0, 0, 0, {0, 1, 8, 9}, ""},
+                                      {0, 1, 0, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, "kv"},
+                                      {1, 0, 0, {0, 1, 2, 3, 4, 5, 6}, "k"}};
+  const std::vector<Want> whole = {
+      {0, 0, 0, {0, 1, 8, 9}, ""}, {0, 1, 0, {0, 1, 5, 6, 7, 8, 9}, "V"}, {1, 0, 0, {0, 1, 5, 6}, ""}};
+  for (const char* mode : {"corrected", "plain", "whole"}) {
+    SCOPED_TRACE(mode);
+    const bool plain = mode[0] == 'p';
     MeshDoc d = TwoCells();
-    d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
+    d.wholeSelected = mode[0] == 'w';
+    if (!d.wholeSelected) d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
     Session s(lbtest::DocJson({d.art()}));
     const json before = Children(s.written())[0];
-    const json after = s.runLayer(kCmdKnotsToVertices, alt, !alt)[0];
-    const LineRun old = ReadRun(before, 0, 0, 0);
-    const LineRun got = ReadRun(after, 0, 0, 0);
-    EXPECT_EQ(got.inner, "");
-    EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
-    EXPECT_TRUE(SamePoints(ReadRun(after, 0, 1, 0).points, ReadRun(before, 0, 1, 0).points, 0.0));
-    EXPECT_EQ(ReadRun(after, 1, 0, 0).inner, "k");
+    const json after = s.runLayer(kCmdKnotsToVertices, !plain, plain)[0];
+    for (const Want& w : d.wholeSelected ? whole : twoNodes) {
+      const LineRun old = ReadRun(before, w.axis, w.i, w.j), got = ReadRun(after, w.axis, w.i, w.j);
+      std::vector<Pt> want;
+      for (int k : w.kept) want.push_back(old.points[static_cast<size_t>(k)]);
+      EXPECT_TRUE(SamePoints(got.points, want, 0.0)) << "run " << w.axis << " (" << w.i << ", " << w.j << ")";
+      EXPECT_EQ(got.inner, w.kinds) << "run " << w.axis << " (" << w.i << ", " << w.j << ")";
+    }
     for (int j = 0; j <= 1; ++j)
       for (int i = 0; i <= 2; ++i)
         EXPECT_EQ(NodeAt(after, i, j).value("selected", false), NodeAt(before, i, j).value("selected", false));
+    EXPECT_TRUE(after.value("selected", false));
   }
-}
-
-TEST(KnotsDel, WholeMeshLosesEveryKnot) {
-  MeshDoc d = TwoCells();
-  d.wholeSelected = true;
-  Session s(lbtest::DocJson({d.art()}));
-  const json before = Children(s.written())[0];
-  const json after = s.runLayer(kCmdKnotsToVertices, true, false)[0];
-  // LineRun I(1, 0) holds a vertex: only the knot after it goes.
-  for (auto [axis, i, j] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 0}}) {
-    const LineRun old = ReadRun(before, axis, i, j), got = ReadRun(after, axis, i, j);
-    EXPECT_EQ(got.inner, "");
-    EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
-  }
-  const LineRun old = ReadRun(before, 0, 1, 0), got = ReadRun(after, 0, 1, 0);
-  ASSERT_EQ(got.inner.size(), 1u);
-  EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[5], old.points[6], old.points[7],
-                                      old.points[8], old.points[9]}, 0.0));
-  EXPECT_TRUE(after.value("selected", false));
 }
 
 struct DelCase {
