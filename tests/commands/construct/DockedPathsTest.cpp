@@ -32,26 +32,24 @@ std::vector<Pt> Expected(const GridPath& g) {
 // grid's columns.
 void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
   ASSERT_EQ(art.at("type"), "mesh");
-  const MeshView m{art};
   // Grid coordinates of node (0, 0), and the grid steps of +I and +J.
   int ci = -1, cj = -1;
   for (int i : {0, a})
     for (int j : {0, b})
-      if (m.NodeP(0, 0) == GridPt(i, j)) ci = i, cj = j;
+      if (NodeP(art, 0, 0) == GridPt(i, j)) ci = i, cj = j;
   ASSERT_GE(ci, 0) << "node (0, 0) is not at a grid corner";
   const int si = ci == 0 ? 1 : -1, sj = cj == 0 ? 1 : -1;
-  *transposed = !(m.NodeP(1, 0) == GridPt(ci + si, cj));
+  *transposed = !(NodeP(art, 1, 0) == GridPt(ci + si, cj));
   const int I = *transposed ? b : a, J = *transposed ? a : b;
-  ASSERT_EQ(m.I(), I);
-  ASSERT_EQ(m.J(), J);
+  ASSERT_EQ(art.at("size"), json::array({I, J}));
   auto grid = [&](int i, int j) {
     return *transposed ? std::pair{ci + si * j, cj + sj * i} : std::pair{ci + si * i, cj + sj * j};
   };
   for (int j = 0; j <= J; ++j)
     for (int i = 0; i <= I; ++i) {
       const auto [gi, gj] = grid(i, j);
-      EXPECT_EQ(m.NodeP(i, j), GridPt(gi, gj)) << "node " << i << ", " << j;
-      EXPECT_EQ(m.Node(i, j).at("color"), json({{"rgb", {kGray, kGray, kGray}}}));
+      EXPECT_EQ(NodeP(art, i, j), GridPt(gi, gj)) << "node " << i << ", " << j;
+      EXPECT_EQ(lbtest::NodeAt(art, i, j).at("color"), json({{"rgb", {kGray, kGray, kGray}}}));
       for (const char* axis : {"I", "J"}) {
         const bool alongI = axis[0] == 'I';
         if ((alongI && i == I) || (!alongI && j == J)) continue;
@@ -61,7 +59,7 @@ void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath
         ASSERT_NE(g, nullptr);
         // The path runs from its lower-left end; the run may go the other way.
         const bool forward = ni > gi || nj > gj;
-        EXPECT_EQ(m.Run(i, j, axis), forward ? Expected(*g) : Reversed(Expected(*g)))
+        EXPECT_EQ(Run(art, i, j, axis[0]), forward ? Expected(*g) : Reversed(Expected(*g)))
             << "run from " << i << ", " << j << " along " << axis;
       }
     }
@@ -69,7 +67,7 @@ void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath
 
 // The same, for grids drawn from the origin: node (0, 0) must be there.
 void ExpectGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
-  ASSERT_EQ(MeshView{art}.NodeP(0, 0), GridPt(0, 0));
+  ASSERT_EQ(NodeP(art, 0, 0), GridPt(0, 0));
   ExpectAnyGridMesh(art, a, b, paths, transposed);
 }
 
@@ -113,7 +111,7 @@ TEST_P(EveryGrid, BecomesOneMeshShapedByItsPaths) {
   // A strip runs along I; otherwise I follows the first path drawn.
   const bool strip = c.a == 1 || c.b == 1;
   if (strip) {
-    EXPECT_GE(MeshView{mesh}.I(), MeshView{mesh}.J());
+    EXPECT_GE(mesh.at("size")[0], mesh.at("size")[1]);
   } else {
     EXPECT_EQ(transposed, c.order == Order::ColumnsFirst);
   }
@@ -259,7 +257,7 @@ TEST(DockedPaths, TwoSelectedMeshesLeaveThePathsAloneOneDoesNot) {
       continue;
     }
     ASSERT_EQ(kids.size(), 2u);
-    EXPECT_EQ(MeshView{kids[0]}.I(), 2);
+    EXPECT_EQ(kids[0].at("size")[0], 2);
   }
 }
 
@@ -322,9 +320,8 @@ TEST(DockedPaths, SmoothFlagsFollowTheHandles) {
     Session s(lbtest::DocJson(GridArt(paths)));
     const json kids = s.runLayer(kMeshFromDockedPaths);
     ASSERT_EQ(kids.size(), 1u);
-    const MeshView m{kids[0]};
-    EXPECT_EQ(m.Node(1, 0).at("smooth").at("I+"), !kink);
-    EXPECT_EQ(m.Node(1, 1).at("smooth").at("I+"), true);
+    EXPECT_EQ(lbtest::NodeAt(kids[0], 1, 0).at("smooth").at("I+"), !kink);
+    EXPECT_EQ(lbtest::NodeAt(kids[0], 1, 1).at("smooth").at("I+"), true);
   }
 }
 
