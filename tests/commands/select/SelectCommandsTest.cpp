@@ -9,12 +9,12 @@ using namespace lbtest;
 namespace {
 
 // Non-node vertices around the region of nodes (1, 1) and (3, 2) of a
-// 4 x 4 mesh: two on columns inside it, one on a row inside it, and three
-// outside it.
-std::map<Inner, bool> AroundRegion() {
-  return {{{2, 1, 'J'}, false},   // line i = 2, between j = 1 and 2: inside
-          {{1, 1, 'J'}, false},   // line i = 1, inside
-          {{1, 2, 'I'}, false},   // line j = 2, between i = 1 and 2: inside
+// 4 x 4 mesh: two on columns inside it, one on a row inside it (selected
+// when `inside` is), and three outside it.
+std::map<Inner, bool> AroundRegion(bool inside = false) {
+  return {{{2, 1, 'J'}, inside},  // line i = 2, between j = 1 and 2: inside
+          {{1, 1, 'J'}, inside},  // line i = 1, inside
+          {{1, 2, 'I'}, inside},  // line j = 2, between i = 1 and 2: inside
           {{0, 1, 'J'}, false},   // line i = 0: outside
           {{3, 1, 'I'}, false},   // line j = 1, between i = 3 and 4: outside
           {{2, 2, 'J'}, false}};  // line i = 2, between j = 2 and 3: outside
@@ -48,12 +48,10 @@ const MeshRecipe kCross = Coded(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, '
 const MeshRecipe kShift = Coded(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}});
 const std::map<Inner, bool> kShiftInner{{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}};
 const std::map<Inner, bool> kMixed{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
-const std::map<Inner, bool> kAroundFilled{{{2, 1, 'J'}, true},  {{1, 1, 'J'}, true},  {{1, 2, 'I'}, true},
-                                          {{0, 1, 'J'}, false}, {{3, 1, 'I'}, false}, {{2, 2, 'J'}, false}};
 
 const Case kCases[] = {
     // Select all region vertices: the whole rectangle, whatever the keys.
-    {"region", kCmdSelRegion, kAnyKeys, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
+    {"region", kCmdSelRegion, kAnyKeys, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), AroundRegion(true)},
     {"a lone vertex grows to its cell side", kCmdSelRegion, kNoKey, Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}), {{2, 1}, {2, 2}}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}},
     // Select region perimeter: the ring, its rows (Alt) or its columns (Ctrl).
     {"perimeter", kCmdSelPerim, kNoKey | kCtrlAlt, kRing, Join(kRingRows, kRingCols), {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
