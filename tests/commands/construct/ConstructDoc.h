@@ -18,9 +18,7 @@
 
 namespace constructtest {
 
-using lbtest::Children;
-using lbtest::Session;
-using nlohmann::json;
+using namespace lbtest;
 
 constexpr int kMeshFromPath = kCmdOneCellMesh;
 constexpr int kMeshFromDockedPaths = kCmdSewDocked;
