@@ -18,11 +18,7 @@
 
 namespace knots {
 
-using lbtest::Children;
-using lbtest::NodeAt;
-using lbtest::SamePoints;
-using lbtest::Session;
-using nlohmann::json;
+using namespace lbtest;
 using Pt = std::pair<double, double>;
 
 // A run as written: its points and the kinds of its interior anchors
