@@ -10,12 +10,7 @@
 
 namespace vistest {
 
-using lbtest::Cells;
-using lbtest::DocJson;
-using lbtest::MeshJson;
-using lbtest::MeshRecipe;
-using lbtest::Session;
-using nlohmann::json;
+using namespace lbtest;
 
 // A straight run from node (i, j) along axis split in two pieces by one
 // inner anchor at its middle, a knot or a vertex (selected or not).
@@ -68,7 +63,6 @@ inline std::vector<std::pair<double, double>> Anchors(const json& path) {
   return out;
 }
 
-using Pts = std::vector<std::pair<double, double>>;
 using Strs = std::vector<std::string>;
 
 }  // namespace vistest
