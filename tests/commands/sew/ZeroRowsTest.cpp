@@ -38,8 +38,7 @@ TEST(ZeroRowTest, AddedRowHasZeroWidthAndCarriesTheSideAtEachSide) {
       s.run(kCmdSew0);
       ASSERT_EQ(s.artCount(), 1u);
       const GradientMesh& m = s.engine(0);
-      ASSERT_EQ(m.sizeI(), c.I);
-      ASSERT_EQ(m.sizeJ(), c.J);
+      ASSERT_EQ(Node(m.sizeI(), m.sizeJ()), Node(c.I, c.J));
       const MeshState st = s.mesh(0);
       const MeshState old(Children(DocJson(d))[0]);
       const bool rowSide = c.side == 0 || c.side == 2;
@@ -93,15 +92,13 @@ TEST(ZeroRowTest, AddingThenRemovingGivesBackTheMesh) {
     Session s(d);
     const MeshContent before = s.content(0);
     s.run(kCmdSew0);
-    ASSERT_EQ(s.mesh(0).I, grown.first);
-    ASSERT_EQ(s.mesh(0).J, grown.second);
+    ASSERT_EQ(Node(s.mesh(0).I, s.mesh(0).J), grown);
     // The whole widened mesh ends selected: only the sides with a
     // zero-width row lose it.
     s.run(kCmdSew0, false, true);
     ASSERT_EQ(s.artCount(), 1u);
     const MeshContent after = s.content(0);
-    ASSERT_EQ(after.I, 3);
-    ASSERT_EQ(after.J, 2);
+    ASSERT_EQ(Node(after.I, after.J), Node(3, 2));
     // The side's own runs were simplified when the row was added; the
     // rest of the mesh is exactly the old one.
     for (const auto& [node, content] : before.nodes) {
@@ -153,8 +150,7 @@ TEST(ZeroRowTest, DeletingRowsAtSelectedSides) {
     s.run(kCmdSew0, c.alt, true);
     ASSERT_EQ(s.artCount(), 1u);
     const MeshState st = s.mesh(0);
-    EXPECT_EQ(st.I, c.wantI);
-    EXPECT_EQ(st.J, c.wantJ);
+    EXPECT_EQ(Node(st.I, st.J), Node(c.wantI, c.wantJ));
     const MeshState old(Children(DocJson(Coded(c.I, c.J, c.selected)))[0]);
     EXPECT_EQ(st.node(0, 0)["color"], old.node(c.firstI, c.firstJ)["color"]);
   }
