@@ -61,8 +61,7 @@ TEST(SewWithPathTest, NewRowRunsFromTheNearestSideToThePath) {
     s.run(kCmdSewPath, c.alt, c.ctrl);
     ASSERT_EQ(s.artCount(), 1u);
     const GradientMesh& m = s.engine(0);
-    ASSERT_EQ(m.sizeI(), 2);
-    ASSERT_EQ(m.sizeJ(), 3);
+    ASSERT_EQ(Node(m.sizeI(), m.sizeJ()), Node(2, 3));
     const MeshState st = s.mesh(0);
     const MeshState old(Children(DocJson(Mesh()))[0]);
     for (int i = 0; i <= 2; ++i) {
@@ -97,8 +96,7 @@ TEST(SewWithPathTest, SelectedPathEndPicksTheCorner) {
   Session s(DocJson({MeshJson(Mesh()), GreenPath({{30, 20}, {30, 10}, {30, 0}}, 1)}));
   s.run(kCmdSewPath);
   const GradientMesh& m = s.engine(0);
-  ASSERT_EQ(m.sizeI(), 3);
-  ASSERT_EQ(m.sizeJ(), 2);
+  ASSERT_EQ(Node(m.sizeI(), m.sizeJ()), Node(3, 2));
   EXPECT_PT_NEAR(NodeP(m, 3, 0), (AIRealPoint{30, 0}), 1e-9);
   EXPECT_PT_NEAR(NodeP(m, 3, 2), (AIRealPoint{30, 20}), 1e-9);
   EXPECT_PT_NEAR(NodeP(m, 2, 1), (AIRealPoint{20, 10}), 0.0);
@@ -161,8 +159,7 @@ TEST(SewPathsTest, CornersFromTheNearerOrSelectedEnds) {
     s.run(kCmdSewPath, c.alt, false);
     ASSERT_EQ(s.artCount(), 1u);
     const GradientMesh& m = s.engine(0);
-    ASSERT_EQ(m.sizeI(), 1);
-    ASSERT_EQ(m.sizeJ(), 1);
+    ASSERT_EQ(Node(m.sizeI(), m.sizeJ()), Node(1, 1));
     for (int k = 0; k < 4; ++k) EXPECT_PT_NEAR(NodeP(m, k % 2, k / 2), c.corners[k], 0.0) << k;
     if (c.paths[0] == Path(curved)) {
       // Every control point of the curved path, knots included.
