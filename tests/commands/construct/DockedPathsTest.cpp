@@ -28,9 +28,9 @@ std::vector<Pt> Expected(const GridPath& g) {
 // Checks that `art` is the mesh of the a x b grid drawn by `paths`, with
 // node (0, 0) at whichever grid corner and I along whichever grid side the
 // builder started from, and every run shaped exactly like the path between
-// its two nodes. Returns through `transposed` whether I runs along the
-// grid's columns.
-void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
+// its two nodes. Returns through `turned` whether I runs along the grid's
+// columns.
+void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* turned = nullptr) {
   ASSERT_EQ(art.at("type"), "mesh");
   // Grid coordinates of node (0, 0), and the grid steps of +I and +J.
   int ci = -1, cj = -1;
@@ -39,11 +39,12 @@ void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath
       if (NodeP(art, 0, 0) == GridPt(i, j)) ci = i, cj = j;
   ASSERT_GE(ci, 0) << "node (0, 0) is not at a grid corner";
   const int si = ci == 0 ? 1 : -1, sj = cj == 0 ? 1 : -1;
-  *transposed = !(NodeP(art, 1, 0) == GridPt(ci + si, cj));
-  const int I = *transposed ? b : a, J = *transposed ? a : b;
+  const bool transposed = !(NodeP(art, 1, 0) == GridPt(ci + si, cj));
+  if (turned) *turned = transposed;
+  const int I = transposed ? b : a, J = transposed ? a : b;
   ASSERT_EQ(art.at("size"), json::array({I, J}));
   auto grid = [&](int i, int j) {
-    return *transposed ? std::pair{ci + si * j, cj + sj * i} : std::pair{ci + si * i, cj + sj * j};
+    return transposed ? std::pair{ci + si * j, cj + sj * i} : std::pair{ci + si * i, cj + sj * j};
   };
   for (int j = 0; j <= J; ++j)
     for (int i = 0; i <= I; ++i) {
@@ -63,12 +64,6 @@ void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath
             << "run from " << i << ", " << j << " along " << axis;
       }
     }
-}
-
-// The same, for grids drawn from the origin: node (0, 0) must be there.
-void ExpectGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
-  ASSERT_EQ(NodeP(art, 0, 0), GridPt(0, 0));
-  ExpectAnyGridMesh(art, a, b, paths, transposed);
 }
 
 struct GridCase {
@@ -106,8 +101,9 @@ TEST_P(EveryGrid, BecomesOneMeshShapedByItsPaths) {
   ASSERT_EQ(kids.size(), 1u);
   const json& mesh = kids[0];
   EXPECT_EQ(mesh.at("selected"), true);
+  ASSERT_EQ(NodeP(mesh, 0, 0), GridPt(0, 0));
   bool transposed = false;
-  ExpectGridMesh(mesh, c.a, c.b, paths, &transposed);
+  ExpectAnyGridMesh(mesh, c.a, c.b, paths, &transposed);
   // A strip runs along I; otherwise I follows the first path drawn.
   const bool strip = c.a == 1 || c.b == 1;
   if (strip) {
@@ -137,8 +133,7 @@ TEST(DockedPaths, ShuffledGridsOfEverySize) {
       Session s(lbtest::DocJson(GridArt(paths)));
       const json kids = s.runLayer(kMeshFromDockedPaths);
       ASSERT_EQ(kids.size(), 1u);
-      bool transposed = false;
-      ExpectAnyGridMesh(kids[0], a, b, paths, &transposed);
+      ExpectAnyGridMesh(kids[0], a, b, paths);
     }
 }
 
@@ -192,8 +187,8 @@ TEST(DockedPaths, DanglingAndClosedPathsAreDeleted) {
     Session s(lbtest::DocJson(art));
     const json kids = s.runLayer(kMeshFromDockedPaths);
     ASSERT_EQ(kids.size(), 1u);
-    bool transposed = false;
-    ExpectGridMesh(kids[0], 2, 2, paths, &transposed);
+    ASSERT_EQ(NodeP(kids[0], 0, 0), GridPt(0, 0));
+    ExpectAnyGridMesh(kids[0], 2, 2, paths);
   }
 }
 
