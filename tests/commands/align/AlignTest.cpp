@@ -23,19 +23,15 @@ struct AlignCase {
   double target;  // the common coordinate expected
 };
 
-// Mesh A: nodes (0, 0) and (2, 0) selected at h = 10 and 30, v = 5;
-// mesh B: node (0, 0) selected at h = 50, v = 45 and (0, 1) at v = 55.
-std::vector<MeshRecipe> TwoMeshes() {
-  MeshRecipe a;
+TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
+  // Mesh A: nodes (0, 0) and (2, 0) selected at h = 10 and 30, v = 5;
+  // mesh B: node (0, 0) selected at h = 50, v = 45 and (0, 1) at v = 55.
+  MeshRecipe a, b;
   a.x0 = 10, a.y0 = 5;
   a.selected = {{0, 0}, {2, 0}};
-  MeshRecipe b;
   b.x0 = 50, b.y0 = 45;
   b.selected = {{0, 0}, {0, 1}};
-  return {a, b};
-}
-
-TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
+  const std::vector<MeshRecipe> recipes = {a, b};
   const AlignCase cases[] = {
       {"h centre", kCmdAlignVert, false, false, 30},  {"h larger", kCmdAlignVert, true, false, 50},
       {"h smaller", kCmdAlignVert, false, true, 10},  {"v centre", kCmdAlignHor, false, false, 30},
@@ -43,7 +39,6 @@ TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
   };
   for (const AlignCase& c : cases) {
     SCOPED_TRACE(c.name);
-    const auto recipes = TwoMeshes();
     Session s(recipes);
     s.run(c.id, c.alt, c.ctrl);
     const bool h = c.id == kCmdAlignVert;
