@@ -14,17 +14,6 @@
 namespace constructtest {
 namespace {
 
-const GridPath* FindPath(const std::vector<GridPath>& paths, bool horizontal, int i, int j) {
-  for (const GridPath& g : paths)
-    if (g.horizontal == horizontal && g.i == i && g.j == j) return &g;
-  return nullptr;
-}
-
-std::vector<Pt> Expected(const GridPath& g) {
-  const std::vector<Pt> pts = ChainPoints(g.anchors);
-  return g.reverse ? Reversed(pts) : pts;
-}
-
 // Checks that `art` is the mesh of the a x b grid drawn by `paths`, with
 // node (0, 0) at whichever grid corner and I along whichever grid side the
 // builder started from, and every run shaped exactly like the path between
@@ -55,12 +44,13 @@ void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath
         const bool alongI = axis[0] == 'I';
         if ((alongI && i == I) || (!alongI && j == J)) continue;
         const auto [ni, nj] = alongI ? grid(i + 1, j) : grid(i, j + 1);
-        const bool horizontal = nj == gj;
-        const GridPath* g = FindPath(paths, horizontal, std::min(gi, ni), std::min(gj, nj));
-        ASSERT_NE(g, nullptr);
-        // The path runs from its lower-left end; the run may go the other way.
-        const bool forward = ni > gi || nj > gj;
-        EXPECT_EQ(Run(art, i, j, axis[0]), forward ? Expected(*g) : Reversed(Expected(*g)))
+        const auto g = std::find_if(paths.begin(), paths.end(), [&](const GridPath& p) {
+          return p.horizontal == (nj == gj) && p.i == std::min(gi, ni) && p.j == std::min(gj, nj);
+        });
+        ASSERT_NE(g, paths.end());
+        // The path's points from its lower-left end; the run may go the other way.
+        const std::vector<Pt> path = g->reverse ? Reversed(ChainPoints(g->anchors)) : ChainPoints(g->anchors);
+        EXPECT_EQ(Run(art, i, j, axis[0]), ni > gi || nj > gj ? path : Reversed(path))
             << "run from " << i << ", " << j << " along " << axis;
       }
     }
@@ -137,22 +127,17 @@ TEST(DockedPaths, ShuffledGridsOfEverySize) {
     }
 }
 
-// Moves one end of one path of a 1 x 1 grid by `offset` along h.
-std::vector<json> SquareWithOffsetEnd(double offset) {
-  std::vector<GridPath> paths = GridPaths(1, 1, Order::RowsFirst, false);
-  // The right side, drawn upwards from (40, 0).
-  for (GridPath& g : paths)
-    if (!g.horizontal && g.i == 1) g.anchors.front().p.h += offset;
-  return GridArt(paths);
-}
-
 // Ends within half a unit dock. Ends 0.6 apart do not: the two paths that
 // end there dangle and are deleted, and what is left is no grid, so no
 // mesh is made.
 TEST(DockedPaths, EndsDockWithinHalfAUnit) {
   for (double offset : {0.4, 0.5, -0.5, 0.6}) {
     SCOPED_TRACE(offset);
-    Session s(lbtest::DocJson(SquareWithOffsetEnd(offset)));
+    // A 1 x 1 grid whose right side, drawn upwards, starts `offset` off (40, 0).
+    std::vector<GridPath> paths = GridPaths(1, 1, Order::RowsFirst, false);
+    for (GridPath& g : paths)
+      if (!g.horizontal && g.i == 1) g.anchors.front().p.h += offset;
+    Session s(lbtest::DocJson(GridArt(paths)));
     const json before = Children(s.written());
     const json kids = s.runLayer(kMeshFromDockedPaths);
     if (offset < 0.55) {
