@@ -144,9 +144,7 @@ struct StyleCase {
 class MeshGridStyles : public ::testing::TestWithParam<StyleCase> {};
 
 TEST_P(MeshGridStyles, AxisStylesFallBackToTheCommonOne) {
-  json styles = json::array();
-  for (const auto& n : GetParam().defined) styles.push_back(Style(n, 2.0));
-  Session s(MeshDoc({Cells(1, 1)}, styles));
+  Session s(MeshDoc({Cells(1, 1)}, GetParam().defined));
   const json kids = s.runLayer(kGrid);
   const json& pi = Child(Child(kids[0], "I-axis"), "J=0");
   const json& pj = Child(Child(kids[0], "J-axis"), "I=0");
@@ -307,9 +305,7 @@ struct DotsStyleCase {
 class DotsStyles : public ::testing::TestWithParam<DotsStyleCase> {};
 
 TEST_P(DotsStyles, ChainsResolveFromSignedToBase) {
-  json styles = json::array();
-  for (const auto& n : GetParam().defined) styles.push_back(Style(n, 2.0));
-  Session s(MeshDoc({Cells(1, 1)}, styles));
+  Session s(MeshDoc({Cells(1, 1)}, GetParam().defined));
   const json kids = RunDots(s);
   const json& top = kids[0];
   const json& with = Child(top, "WithControls");

@@ -28,15 +28,13 @@ inline json KnotRun() {
           {"inner", {{{"kind", "knot"}}}}};
 }
 
-// A stroke-only graphic style of the given grey width.
-inline json Style(const std::string& name, double width) {
-  return {{"name", name}, {"fill", nullptr}, {"stroke", {{"color", {{"rgb", {0, 1, 0}}}}, {"width", width}}}};
-}
-
-// One layer with the meshes, first on top, and the styles.
-inline json MeshDoc(const std::vector<MeshRecipe>& meshes, const json& styles = json::array()) {
-  json doc = DocJson(lbtest::MeshJsons(meshes));
-  if (!styles.empty()) doc["styles"] = styles;
+// One layer with the meshes, first on top, and a stroke-only graphic style
+// of width 2 for each name.
+inline json MeshDoc(const std::vector<MeshRecipe>& meshes, const std::vector<std::string>& styles = {}) {
+  json doc = DocJson(MeshJsons(meshes));
+  for (const std::string& name : styles)
+    doc["styles"].push_back(
+        {{"name", name}, {"fill", nullptr}, {"stroke", {{"color", {{"rgb", {0, 1, 0}}}}, {"width", 2.0}}}});
   return doc;
 }
 
