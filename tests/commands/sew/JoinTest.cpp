@@ -86,9 +86,8 @@ TEST_P(EachBlock, JoinsIntoOneMesh) {
   // Nodes inside a source mesh keep its paint; those on one seam between
   // two meshes hold the average of both.
   std::map<std::pair<double, double>, json> paint;
-  for (const json& n : mesh.at("nodes"))
-    paint[{std::round(n.at("p")[0].get<double>() * 1e9) / 1e9, std::round(n.at("p")[1].get<double>() * 1e9) / 1e9}] =
-        n.at("color");
+  const auto at = Positions(mesh);
+  for (size_t k = 0; k < at.size(); ++k) paint[at[k]] = mesh.at("nodes")[k].at("color");
   for (int m = 0; m < b.rows * b.cols; ++m) {
     const double h = (m % b.cols) * b.I * kCell, v = (m / b.cols) * b.J * kCell;
     if (b.I > 1 && b.J > 1) {
