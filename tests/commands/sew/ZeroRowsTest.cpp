@@ -40,7 +40,6 @@ TEST(ZeroRowTest, AddedRowHasZeroWidthAndCarriesTheSideAtEachSide) {
       const GradientMesh& m = s.engine(0);
       ASSERT_EQ(Node(m.sizeI(), m.sizeJ()), Node(c.I, c.J));
       const MeshState st = s.mesh(0);
-      const MeshState old(Children(DocJson(d))[0]);
       const bool rowSide = c.side == 0 || c.side == 2;
       const int inner = c.border == 0 ? 1 : c.border - 1;
       const int last = rowSide ? c.I : c.J;
@@ -56,14 +55,11 @@ TEST(ZeroRowTest, AddedRowHasZeroWidthAndCarriesTheSideAtEachSide) {
         EXPECT_PT_NEAR(Tan(m, bi, bj, out), NodeP(m, bi, bj), 0.0);
         EXPECT_PT_NEAR(Tan(m, ni, nj, back), NodeP(m, ni, nj), 0.0);
       }
-      // Every old node is where the shift puts it, with its own paint.
-      for (int i = 0; i <= 3; ++i)
-        for (int j = 0; j <= 2; ++j) {
-          const auto [ni, nj] = c.shift(i, j);
-          EXPECT_EQ(st.node(ni, nj)["color"], old.node(i, j)["color"]) << i << "," << j;
-          EXPECT_EQ(st.node(ni, nj)["opacity"], old.node(i, j)["opacity"]) << i << "," << j;
-          EXPECT_PT_NEAR(NodeP(m, ni, nj), d.P(i, j), 0.0) << i << "," << j;
-        }
+      // Every old node is where the shift puts it, with its own paint and
+      // smooth flags (the side's runs are simplified, so runs are not compared).
+      MeshContent want = MapMesh(ReadMesh(Children(DocJson(d))[0]), c.I, c.J, c.shift);
+      want.runs.clear();
+      EXPECT_TRUE(SameContent(s.content(0), want, 0.0));
       written = s.written();
     }
     // The plug-in's own test, linked in, finds a zero-width row at that side only.
