@@ -18,7 +18,7 @@ MeshDoc ThreeByTwo() {
 
 struct CutCase {
   const char* name;
-  std::vector<std::pair<int, int>> selected;
+  NodeSet selected;
   int cutI, cutJ;  // 0, 0: no cut
 };
 
@@ -39,7 +39,7 @@ class Cutter : public ::testing::TestWithParam<CutCase> {};
 TEST_P(Cutter, CutsAlongTheMarkedLineOnly) {
   const CutCase& c = GetParam();
   MeshDoc d = ThreeByTwo();
-  for (auto n : c.selected) d.selectedNodes[n] = true;
+  d.selectedNodes = c.selected;
   Session s(lbtest::DocJson({d.art()}));
   const json before = s.written();
   const json doc = s.runWritten(kCmdSplit);

@@ -32,7 +32,7 @@ struct MeshDoc {
   int I = 1, J = 1;
   // Runs replacing the straight default, by (axis, i, j).
   std::map<std::tuple<int, int, int>, LineRun> runs;
-  std::map<std::pair<int, int>, bool> selectedNodes;
+  NodeSet selectedNodes;
   bool wholeSelected = false;
   double opacity = 1.0;
 
@@ -49,11 +49,9 @@ struct MeshDoc {
     m.whole = wholeSelected;
     m.colorAt = NodeColor;
     m.opacityAt = NodeOpacity;
+    m.selected = selectedNodes;
     for (int j = 0; j <= J; ++j)
-      for (int i = 0; i <= I; ++i) {
-        m.moved[{i, j}] = {NodeP(i, j).first, NodeP(i, j).second};
-        if (auto it = selectedNodes.find({i, j}); it != selectedNodes.end() && it->second) m.selected.insert({i, j});
-      }
+      for (int i = 0; i <= I; ++i) m.moved[{i, j}] = {NodeP(i, j).first, NodeP(i, j).second};
     for (const auto& [key, r] : runs) {
       const auto [axis, i, j] = key;
       json pts = json::array(), inner = json::array();

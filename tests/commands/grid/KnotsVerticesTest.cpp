@@ -22,7 +22,7 @@ MeshDoc TwoCells() {
 
 struct SplitCase {
   const char* name;
-  std::vector<std::pair<int, int>> selected;
+  NodeSet selected;
   bool whole;
   // Expected kinds of runs I(0,0), I(1,0), J(0,0).
   const char* bottomLeft;
@@ -46,7 +46,7 @@ class KnotsSplit : public ::testing::TestWithParam<SplitCase> {};
 TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   const SplitCase& c = GetParam();
   MeshDoc d = TwoCells();
-  for (auto n : c.selected) d.selectedNodes[n] = true;
+  d.selectedNodes = c.selected;
   d.wholeSelected = c.whole;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
@@ -70,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, KnotsSplit, ::testing::ValuesIn(kSplitCases), lb
 // back point for point and kind for kind.
 TEST(KnotsVertices, RoundTripRestoresEveryRun) {
   MeshDoc d = TwoCells();
-  d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = d.selectedNodes[{0, 1}] = true;
+  d.selectedNodes = {{0, 0}, {1, 0}, {0, 1}};
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
   const json mid = s.runLayer(kCmdKnotsToVertices)[0];
@@ -101,7 +101,7 @@ TEST(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
     const bool plain = mode[0] == 'p';
     MeshDoc d = TwoCells();
     d.wholeSelected = mode[0] == 'w';
-    if (!d.wholeSelected) d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
+    if (!d.wholeSelected) d.selectedNodes = {{0, 0}, {1, 0}};
     Session s(lbtest::DocJson({d.art()}));
     const json before = Children(s.written())[0];
     const json after = s.runLayer(kCmdKnotsToVertices, !plain, plain)[0];
@@ -152,7 +152,7 @@ TEST_P(VerticesDel, RemovesSelectedVerticesAndKeepsTheNodeSelection) {
   d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
   d.runs[{1, 1, 0}] = MakeRun(MeshDoc::NodeP(1, 0), MeshDoc::NodeP(1, 1), "V");
   const auto [si, sj] = c.corrected ? std::pair{1, 0} : std::pair{0, 1};
-  d.selectedNodes[{si, sj}] = true;
+  d.selectedNodes = {{si, sj}};
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
   const json after = s.runLayer(kCmdVerticesToKnots, c.corrected, !c.corrected)[0];
