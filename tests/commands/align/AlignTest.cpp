@@ -191,6 +191,14 @@ void ExpectPoints(const std::vector<AIRealPoint>& got, const std::vector<AIRealP
   for (size_t k = 0; k < want.size(); ++k) EXPECT_PT_NEAR(got[k], want[k], tol) << "point " << k;
 }
 
+// An I x 1 mesh of 10-unit cells with its row j = 0 selected.
+MeshRecipe Row(int I) {
+  MeshRecipe d;
+  d.I = I, d.J = 1;
+  d.selected = Rect(0, I, 0, 0);
+  return d;
+}
+
 struct RowCase {
   const char* name;
   int nodes;            // row j = 0 of a (nodes - 1) x 1 mesh, all selected
@@ -212,9 +220,7 @@ TEST(SpreadAlongPathTest, RowNodesLandOnTheirAnchorsAndRunsFollowThePath) {
   };
   for (const RowCase& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshRecipe d;
-    d.I = c.nodes - 1, d.J = 1;
-    d.selected = Rect(0, d.I, 0, 0);
+    const MeshRecipe d = Row(c.nodes - 1);
     const auto wave = Wave(c.anchors, 40.0 / (c.anchors - 1), c.backwards);
     Session s(DocJson({MeshJson(d), PathJson(wave)}));
     s.run(kCmdAlignPath, c.alt, false);
@@ -232,9 +238,7 @@ TEST(SpreadAlongPathTest, RowNodesLandOnTheirAnchorsAndRunsFollowThePath) {
 }
 
 TEST(SpreadAlongPathTest, ShortPathGetsAnchorsAtTheMiddleOfItsPieces) {
-  MeshRecipe d;
-  d.I = 4, d.J = 1;
-  d.selected = Rect(0, 4, 0, 0);
+  const MeshRecipe d = Row(4);
   const auto wave = Wave(3, 20);
   Session s(DocJson({MeshJson(d), PathJson(wave)}));
   s.run(kCmdAlignPath);
@@ -288,9 +292,7 @@ TEST(SpreadAlongPathTest, RectangleUsesItsSideNearestToThePath) {
 }
 
 TEST(SpreadAlongPathTest, CtrlTurnsTheCrossingHandlesToTheOtherSide) {
-  MeshRecipe d;
-  d.I = 4, d.J = 1;
-  d.selected = Rect(0, 4, 0, 0);
+  const MeshRecipe d = Row(4);
   std::vector<AIRealPoint> plain, turned;
   for (bool ctrl : {false, true}) {
     Session s(DocJson({MeshJson(d), PathJson(Wave(5))}));
@@ -308,8 +310,7 @@ TEST(SpreadAlongPathTest, CtrlTurnsTheCrossingHandlesToTheOtherSide) {
 }
 
 TEST(SpreadAlongPathTest, UnsuitableSelectionsChangeNothing) {
-  MeshRecipe d;
-  d.I = 4, d.J = 1;
+  MeshRecipe d = Row(4);
   struct Case {
     const char* name;
     NodeSet selected;
