@@ -46,7 +46,6 @@ const NodeSet kRingRows = Join(Rect(1, 3, 1, 1), Rect(1, 3, 3, 3)),
 const MeshRecipe kCross = Coded(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}});
 // I = 3, J = 2; (3, 0) and (1, 2) selected, vertices that shifting never reads.
 const MeshRecipe kShift = Coded(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}});
-const std::map<Inner, bool> kShiftInner{{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}};
 const std::map<Inner, bool> kMixed{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
 
 const Case kCases[] = {
@@ -67,10 +66,10 @@ const Case kCases[] = {
     {"a selected vertex's row", kCmdSelCross, kNoKey, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), Rect(0, 3, 1, 1), {{{0, 1, 'I'}, true}}},
     {"rows between selected rows stay out", kCmdSelCross, kAlt, Coded(2, 3, {{0, 0}, {2, 2}}), Join(Rect(0, 2, 0, 0), Rect(0, 2, 2, 2)), {}},
     // Shift selected nodes: wraps within each line in all four directions.
-    {"shift I", kCmdSelShift, kNoKey, kShift, {{0, 0}, {2, 2}}, kShiftInner},
-    {"shift I'", kCmdSelShift, kAlt, kShift, {{2, 0}, {0, 2}}, kShiftInner},
-    {"shift J", kCmdSelShift, kCtrl, kShift, {{3, 1}, {1, 0}}, kShiftInner},
-    {"shift J'", kCmdSelShift, kCtrlAlt, kShift, {{3, 2}, {1, 1}}, kShiftInner},
+    {"shift I", kCmdSelShift, kNoKey, kShift, {{0, 0}, {2, 2}}, kShift.inner},
+    {"shift I'", kCmdSelShift, kAlt, kShift, {{2, 0}, {0, 2}}, kShift.inner},
+    {"shift J", kCmdSelShift, kCtrl, kShift, {{3, 1}, {1, 0}}, kShift.inner},
+    {"shift J'", kCmdSelShift, kCtrlAlt, kShift, {{3, 2}, {1, 1}}, kShift.inner},
     // Select nodes / vertices: keeps one kind, only ever deselects.
     {"nodes only", kCmdSel, kNoKey, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {{0, 0}, {2, 2}}, {{{0, 0, 'I'}, false}, {{1, 0, 'J'}, false}, {{1, 1, 'I'}, false}}},
     {"vertices only", kCmdSel, kAlt, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {}, kMixed},
