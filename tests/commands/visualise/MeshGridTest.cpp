@@ -151,8 +151,7 @@ TEST_P(MeshGridStyles, AxisStylesFallBackToTheCommonOne) {
   EXPECT_EQ(pi.value("graphicStyle", ""), GetParam().onI);
   EXPECT_EQ(pj.value("graphicStyle", ""), GetParam().onJ);
   // A style replaces the black stroke completely.
-  const double wi = pi.at("stroke").at("width");
-  EXPECT_EQ(wi, std::string(GetParam().onI).empty() ? 1.0 : 2.0);
+  EXPECT_EQ(pi.at("stroke").at("width"), std::string(GetParam().onI).empty() ? 1.0 : 2.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(
