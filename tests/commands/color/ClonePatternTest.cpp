@@ -131,14 +131,14 @@ TEST(CloneColors, EmptyTargetRegionChangesNothing) {
 struct PatternCase {
   const char *name;
   bool alt, ctrl;
-  bool rowsOnly, columnsOnly;  // which nodes are filled
+  NodeSet filled;  // the nodes filled, and selected afterwards
 };
 
 const PatternCase kPatternCases[] = {
-    {"AllNodes", false, false, false, false},
-    {"IOnly", true, false, true, false},
-    {"JOnly", false, true, false, true},
-    {"CtrlAltLikeNoKey", true, true, false, false},
+    {"AllNodes", false, false, Rect(0, 6, 0, 5)},
+    {"IOnly", true, false, Rect(0, 6, 1, 3)},
+    {"JOnly", false, true, Rect(2, 3, 0, 5)},
+    {"CtrlAltLikeNoKey", true, true, Rect(0, 6, 0, 5)},
 };
 
 TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
@@ -149,19 +149,12 @@ TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
       Session s(DocJson({Mesh(0, 6, 5, {{2, 1}, {3, 3}})}));
       s.run(kPattern, c.alt, c.ctrl, b.color, b.opacity);
       const MeshState m = s.mesh(0);
-      auto filled = [&](int i, int j) {
-        return !(c.rowsOnly && (j < 1 || j > 3)) && !(c.columnsOnly && (i < 2 || i > 3));
-      };
       auto mod = [](int a, int n) { return ((a % n) + n) % n; };
-      ExpectPaint(m, 0, [&](int i, int j) { return filled(i, j) ? Code(0, 2 + mod(i - 2, 2), 1 + mod(j - 1, 3)) : Code(0, i, j); }, b);
-      NodeSet want;
-      for (int j = 0; j <= 5; ++j)
-        for (int i = 0; i <= 6; ++i)
-          if (filled(i, j)) want.insert({i, j});
-      EXPECT_EQ(m.selectedNodes(), want);
+      ExpectPaint(m, 0, [&](int i, int j) { return c.filled.count({i, j}) ? Code(0, 2 + mod(i - 2, 2), 1 + mod(j - 1, 3)) : Code(0, i, j); }, b);
+      EXPECT_EQ(m.selectedNodes(), c.filled);
       // The node just before the region in one of its rows takes the
       // paint of the region's last node in that row.
-      if (b.color && filled(1, 2)) {
+      if (b.color && c.filled.count({1, 2})) {
         EXPECT_EQ(ColorCode(m, 1, 2), Code(0, 3, 2));
       }
     }
