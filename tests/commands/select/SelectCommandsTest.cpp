@@ -125,18 +125,17 @@ TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
 }
 
 TEST(SelectNodesOrVertices, InvertTwiceRestores) {
-  const std::map<Inner, bool> inner{{{0, 0, 'I'}, true}, {{1, 1, 'I'}, false}};
-  Session s({Coded(2, 1, {{0, 0}, {1, 1}}, inner)});
-  s.run(kCmdSel, false, true);
-  MeshState m = s.mesh(0);
-  EXPECT_EQ(m.selectedNodes(), (NodeSet{{1, 0}, {2, 0}, {0, 1}, {2, 1}}));
-  EXPECT_FALSE(m.innerSel(0, 0, 'I'));
-  EXPECT_TRUE(m.innerSel(1, 1, 'I'));
-  s.run(kCmdSel, false, true);
-  m = s.mesh(0);
-  EXPECT_EQ(m.selectedNodes(), (NodeSet{{0, 0}, {1, 1}}));
-  EXPECT_TRUE(m.innerSel(0, 0, 'I'));
-  EXPECT_FALSE(m.innerSel(1, 1, 'I'));
+  Session s({Coded(2, 1, {{0, 0}, {1, 1}}, {{{0, 0, 'I'}, true}, {{1, 1, 'I'}, false}})});
+  // After each run: the selected nodes, and whether the first vertex (the
+  // second one is the opposite) is selected.
+  const std::pair<NodeSet, bool> steps[] = {{{{1, 0}, {2, 0}, {0, 1}, {2, 1}}, false}, {{{0, 0}, {1, 1}}, true}};
+  for (const auto& [nodes, first] : steps) {
+    s.run(kCmdSel, false, true);
+    const MeshState m = s.mesh(0);
+    EXPECT_EQ(m.selectedNodes(), nodes);
+    EXPECT_EQ(m.innerSel(0, 0, 'I'), first);
+    EXPECT_EQ(m.innerSel(1, 1, 'I'), !first);
+  }
 }
 
 }  // namespace
