@@ -35,12 +35,7 @@ void ExpectPaintOf(const MeshState &m, int tag, int i, int j) {
 
 // A w x h image of numbered pixels (see Numbered) in the given space.
 ImageRecipe Image(int w, int h, std::vector<double> matrix, const char *space = "rgb", bool alpha = false) {
-  ImageRecipe im;
-  im.width = w;
-  im.height = h;
-  im.space = space;
-  im.alpha = alpha;
-  im.matrix = std::move(matrix);
+  ImageRecipe im{.width = w, .height = h, .space = space, .alpha = alpha, .matrix = std::move(matrix), .pixels = {}};
   im.pixels = Numbered(im);
   return im;
 }

@@ -86,13 +86,8 @@ struct ImageRecipe {
 
 // A 2 x 2 RGB image of one colour over document -5..35 x -5..35.
 inline ImageRecipe Plain(uint8_t r, uint8_t g, uint8_t b, bool selected = true, std::string type = "raster") {
-  ImageRecipe im;
-  im.type = std::move(type);
-  im.width = im.height = 2;
-  im.matrix = {20, 0, 0, 20, -5, 35};
-  im.pixels = {r, g, b, r, g, b, r, g, b, r, g, b};
-  im.selected = selected;
-  return im;
+  return {.type = std::move(type), .width = 2, .height = 2, .matrix = {20, 0, 0, 20, -5, 35},
+          .pixels = {r, g, b, r, g, b, r, g, b, r, g, b}, .selected = selected};
 }
 
 // Pixels numbered so that every byte differs: byte k of the image is
