@@ -54,14 +54,13 @@ struct MeshDoc {
       for (int i = 0; i <= I; ++i) m.moved[{i, j}] = {NodeP(i, j).first, NodeP(i, j).second};
     for (const auto& [key, r] : runs) {
       const auto [axis, i, j] = key;
-      json pts = json::array(), inner = json::array();
-      for (const Pt& p : r.points) pts.push_back({p.first, p.second});
+      json inner = json::array();
       for (char c : r.inner) {
         json e = {{"kind", c == 'k' ? "knot" : "vertex"}};
         if (c != 'k' && !wholeSelected) e["selected"] = c == 'V';
         inner.push_back(e);
       }
-      m.runs.push_back({{"node", {i, j}}, {"axis", axis == 0 ? "I" : "J"}, {"points", pts}, {"inner", inner}});
+      m.runs.push_back({{"node", {i, j}}, {"axis", axis == 0 ? "I" : "J"}, {"points", r.points}, {"inner", inner}});
     }
     return lbtest::MeshJson(m);
   }
