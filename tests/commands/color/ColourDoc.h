@@ -36,10 +36,7 @@ inline MeshRecipe Tagged(int tag, int I, int J, NodeSet sel, std::function<std::
   m.opacityAt = [tag](int i, int j) { return OpacityOfCode(Code(tag, i, j)); };
   if (at)
     for (int j = 0; j <= J; ++j)
-      for (int i = 0; i <= I; ++i) {
-        const auto p = at(i, j);
-        m.moved[{i, j}] = AIRealPoint{p.first, p.second};
-      }
+      for (int i = 0; i <= I; ++i) m.moved[{i, j}] = AIRealPoint{at(i, j).first, at(i, j).second};
   return m;
 }
 
