@@ -35,7 +35,7 @@ const SplitCase kSplitCases[] = {
     // Nodes (1, 0) and (2, 0): the knot before the unselected vertex is not
     // inside a segment with two selected ends, nor is the one after.
     {"VertexBetween", {{1, 0}, {2, 0}}, false, {"kk", "kv", "k"}},
-    // The whole mesh: every knot, all written selected with the mesh.
+    // The whole mesh: every knot becomes a vertex, written selected with the mesh.
     {"Whole", {}, true, {"VV", "VV", "V"}},
 };
 
