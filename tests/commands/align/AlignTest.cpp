@@ -23,19 +23,15 @@ struct AlignCase {
   double target;  // the common coordinate expected
 };
 
-// Mesh A: nodes (0, 0) and (2, 0) selected at h = 10 and 30, v = 5;
-// mesh B: node (0, 0) selected at h = 50, v = 45 and (0, 1) at v = 55.
-std::vector<MeshRecipe> TwoMeshes() {
-  MeshRecipe a;
+TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
+  // Mesh A: nodes (0, 0) and (2, 0) selected at h = 10 and 30, v = 5;
+  // mesh B: node (0, 0) selected at h = 50, v = 45 and (0, 1) at v = 55.
+  MeshRecipe a, b;
   a.x0 = 10, a.y0 = 5;
   a.selected = {{0, 0}, {2, 0}};
-  MeshRecipe b;
   b.x0 = 50, b.y0 = 45;
   b.selected = {{0, 0}, {0, 1}};
-  return {a, b};
-}
-
-TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
+  const std::vector<MeshRecipe> recipes = {a, b};
   const AlignCase cases[] = {
       {"h centre", kCmdAlignVert, false, false, 30},  {"h larger", kCmdAlignVert, true, false, 50},
       {"h smaller", kCmdAlignVert, false, true, 10},  {"v centre", kCmdAlignHor, false, false, 30},
@@ -43,7 +39,6 @@ TEST(AlignTest, CommonCoordinateAcrossMeshesForEveryVariant) {
   };
   for (const AlignCase& c : cases) {
     SCOPED_TRACE(c.name);
-    const auto recipes = TwoMeshes();
     Session s(recipes);
     s.run(c.id, c.alt, c.ctrl);
     const bool h = c.id == kCmdAlignVert;
@@ -196,6 +191,14 @@ void ExpectPoints(const std::vector<AIRealPoint>& got, const std::vector<AIRealP
   for (size_t k = 0; k < want.size(); ++k) EXPECT_PT_NEAR(got[k], want[k], tol) << "point " << k;
 }
 
+// An I x 1 mesh of 10-unit cells with its row j = 0 selected.
+MeshRecipe Row(int I) {
+  MeshRecipe d;
+  d.I = I, d.J = 1;
+  d.selected = Rect(0, I, 0, 0);
+  return d;
+}
+
 struct RowCase {
   const char* name;
   int nodes;            // row j = 0 of a (nodes - 1) x 1 mesh, all selected
@@ -217,9 +220,7 @@ TEST(SpreadAlongPathTest, RowNodesLandOnTheirAnchorsAndRunsFollowThePath) {
   };
   for (const RowCase& c : cases) {
     SCOPED_TRACE(c.name);
-    MeshRecipe d;
-    d.I = c.nodes - 1, d.J = 1;
-    d.selected = Rect(0, d.I, 0, 0);
+    const MeshRecipe d = Row(c.nodes - 1);
     const auto wave = Wave(c.anchors, 40.0 / (c.anchors - 1), c.backwards);
     Session s(DocJson({MeshJson(d), PathJson(wave)}));
     s.run(kCmdAlignPath, c.alt, false);
@@ -237,9 +238,7 @@ TEST(SpreadAlongPathTest, RowNodesLandOnTheirAnchorsAndRunsFollowThePath) {
 }
 
 TEST(SpreadAlongPathTest, ShortPathGetsAnchorsAtTheMiddleOfItsPieces) {
-  MeshRecipe d;
-  d.I = 4, d.J = 1;
-  d.selected = Rect(0, 4, 0, 0);
+  const MeshRecipe d = Row(4);
   const auto wave = Wave(3, 20);
   Session s(DocJson({MeshJson(d), PathJson(wave)}));
   s.run(kCmdAlignPath);
@@ -293,9 +292,7 @@ TEST(SpreadAlongPathTest, RectangleUsesItsSideNearestToThePath) {
 }
 
 TEST(SpreadAlongPathTest, CtrlTurnsTheCrossingHandlesToTheOtherSide) {
-  MeshRecipe d;
-  d.I = 4, d.J = 1;
-  d.selected = Rect(0, 4, 0, 0);
+  const MeshRecipe d = Row(4);
   std::vector<AIRealPoint> plain, turned;
   for (bool ctrl : {false, true}) {
     Session s(DocJson({MeshJson(d), PathJson(Wave(5))}));
@@ -313,8 +310,7 @@ TEST(SpreadAlongPathTest, CtrlTurnsTheCrossingHandlesToTheOtherSide) {
 }
 
 TEST(SpreadAlongPathTest, UnsuitableSelectionsChangeNothing) {
-  MeshRecipe d;
-  d.I = 4, d.J = 1;
+  MeshRecipe d = Row(4);
   struct Case {
     const char* name;
     NodeSet selected;

@@ -41,40 +41,30 @@ void ExpectPaint(const MeshState &m, int tag, const Source &src, Boxes b) {
 
 // Two 4 x 4 meshes: A (tag 0, on top) with a 3 x 3 node region (1..3,
 // 1..3), B (tag 1) with a 2 x 4 node region (0..1, 1..4).
-const NodeSet kRegionA = {{1, 1}, {3, 3}};
-const NodeSet kRegionB = {{0, 1}, {1, 4}};
-
 struct CloneCase {
   const char *name;
   bool alt, ctrl;
   int target;  // index of the mesh that receives paint
-  // Target node -> source node, inside the copied block.
-  std::function<bool(int, int)> inBlock;
+  // The copied block of the target, and its nodes' source nodes.
+  NodeSet block;
   std::function<Node(int, int)> from;
   // The source's selection afterwards (two meshes: trimmed, bounded on the
   // far side only).
   NodeSet sourceSel;
 };
 
-NodeSet UpTo(int I, int J, int maxI, int maxJ) {
-  NodeSet s;
-  for (int i = 0; i <= std::min(I, maxI); ++i)
-    for (int j = 0; j <= std::min(J, maxJ); ++j) s.insert({i, j});
-  return s;
-}
-
 const CloneCase kCloneCases[] = {
     // Topmost A to B: w = min(2, 1) = 1, h = min(2, 3) = 2; B's fourth row
     // (j = 4) is dropped.
-    {"TopmostToOther", false, false, 1, [](int i, int j) { return i <= 1 && j >= 1 && j <= 3; }, [](int i, int j) { return Node{1 + i, j}; }, UpTo(4, 4, 2, 3)},
+    {"TopmostToOther", false, false, 1, Rect(0, 1, 1, 3), [](int i, int j) { return Node{1 + i, j}; }, Rect(0, 2, 0, 3)},
     // Bottommost B to A: w = min(1, 2) = 1, h = min(3, 2) = 2.
-    {"BottommostToOther", true, false, 0, [](int i, int j) { return i >= 1 && i <= 2 && j >= 1 && j <= 3; }, [](int i, int j) { return Node{i - 1, j}; }, UpTo(4, 4, 1, 3)},
+    {"BottommostToOther", true, false, 0, Rect(1, 2, 1, 3), [](int i, int j) { return Node{i - 1, j}; }, Rect(0, 1, 0, 3)},
     // A to B exchanging I and J: w = min(A's I 2, B's J 3) = 2, h = min(A's
     // J 2, B's I 1) = 1; B node (b, 1 + a) <- A node (1 + a, 1 + b).
-    {"TopmostWithIJ", false, true, 1, [](int i, int j) { return i <= 1 && j >= 1 && j <= 3; }, [](int i, int j) { return Node{1 + (j - 1), 1 + i}; }, UpTo(4, 4, 3, 2)},
+    {"TopmostWithIJ", false, true, 1, Rect(0, 1, 1, 3), [](int i, int j) { return Node{1 + (j - 1), 1 + i}; }, Rect(0, 3, 0, 2)},
     // B to A exchanging I and J: w = min(B's I 1, A's J 2) = 1, h = min(B's
     // J 3, A's I 2) = 2; A node (1 + b, 1 + a) <- B node (a, 1 + b).
-    {"BottommostWithIJ", true, true, 0, [](int i, int j) { return i >= 1 && i <= 3 && j >= 1 && j <= 2; }, [](int i, int j) { return Node{j - 1, 1 + (i - 1)}; }, UpTo(4, 4, 1, 3)},
+    {"BottommostWithIJ", true, true, 0, Rect(1, 3, 1, 2), [](int i, int j) { return Node{j - 1, 1 + (i - 1)}; }, Rect(0, 1, 0, 3)},
 };
 
 TEST(CloneColors, EveryModifierPairWithTwoMeshes) {
@@ -82,27 +72,24 @@ TEST(CloneColors, EveryModifierPairWithTwoMeshes) {
     // Both boxes off: no paint moves, the selections are still trimmed.
     for (Boxes b : {Boxes{true, false}, Boxes{false, true}, Boxes{true, true}, Boxes{false, false}}) {
       SCOPED_TRACE(testing::Message() << c.name << " colour " << b.color << " opacity " << b.opacity);
-      Session s(Doc({Mesh(0, 4, 4, Rect(1, 3, 1, 3)), Mesh(1, 4, 4, Rect(0, 1, 1, 4))}));
+      Session s(DocJson({Mesh(0, 4, 4, Rect(1, 3, 1, 3)), Mesh(1, 4, 4, Rect(0, 1, 1, 4))}));
       s.run(kClone, c.alt, c.ctrl, b.color, b.opacity);
       const int src = 1 - c.target;
       const MeshState target = s.mesh(c.target);
       const MeshState source = s.mesh(src);
       ExpectPaint(target, c.target, [&](int i, int j) {
         const Node n = c.from(i, j);
-        return c.inBlock(i, j) ? Code(src, n.first, n.second) : Code(c.target, i, j);
+        return c.block.count({i, j}) ? Code(src, n.first, n.second) : Code(c.target, i, j);
       }, b);
-      NodeSet block;
-      for (int j = 0; j <= 4; ++j)
-        for (int i = 0; i <= 4; ++i)
-          if (c.inBlock(i, j)) block.insert({i, j});
-      EXPECT_EQ(target.selectedNodes(), block);
+      EXPECT_EQ(target.selectedNodes(), c.block);
       ExpectPaint(source, src, [&](int i, int j) { return Code(src, i, j); }, b);
       EXPECT_EQ(source.selectedNodes(), c.sourceSel);
     }
 }
 
 TEST(CloneColors, ThreeMeshesKeepTheSourceSelectionAndFillEveryOther) {
-  Session s(Doc({Mesh(0, 2, 2, Rect(0, 1, 0, 1)), Mesh(1, 3, 3, Rect(1, 3, 1, 3)), Mesh(2, 2, 2, Rect(1, 2, 1, 2))}));
+  Session s(
+      DocJson({Mesh(0, 2, 2, Rect(0, 1, 0, 1)), Mesh(1, 3, 3, Rect(1, 3, 1, 3)), Mesh(2, 2, 2, Rect(1, 2, 1, 2))}));
   s.run(kClone, false, false, true, false);
   const MeshState a = s.mesh(0), b = s.mesh(1), c = s.mesh(2);
   EXPECT_EQ(a.selectedNodes(), Rect(0, 1, 0, 1));
@@ -121,9 +108,10 @@ TEST(CloneColors, KeyObjectIsTheSourceWhateverAlt) {
   for (bool alt : {false, true}) {
     SCOPED_TRACE(alt);
     // The key is the middle mesh: neither topmost nor bottommost.
-    Session s(Doc({Mesh(0, 1, 1, Rect(0, 1, 0, 1)), Mesh(1, 1, 1, Rect(0, 1, 0, 1), "key"),
-                   Mesh(2, 1, 1, Rect(0, 1, 0, 1))},
-                  "key"));
+    json doc = DocJson({Mesh(0, 1, 1, Rect(0, 1, 0, 1)), Mesh(1, 1, 1, Rect(0, 1, 0, 1), "key"),
+                        Mesh(2, 1, 1, Rect(0, 1, 0, 1))});
+    doc["key"] = "key";
+    Session s(doc);
     s.run(kClone, alt, false, true, false);
     for (int k : {0, 2}) ExpectPaint(s.mesh(k), k, [](int i, int j) { return Code(1, i, j); }, {true, false});
     ExpectPaint(s.mesh(1), 1, [](int i, int j) { return Code(1, i, j); }, {true, true});
@@ -132,7 +120,7 @@ TEST(CloneColors, KeyObjectIsTheSourceWhateverAlt) {
 
 TEST(CloneColors, EmptyTargetRegionChangesNothing) {
   // The second mesh is selected as art with no node selected.
-  Session s(Doc({Mesh(0, 2, 2, Rect(0, 1, 0, 1)), Mesh(1, 2, 2, {})}));
+  Session s(DocJson({Mesh(0, 2, 2, Rect(0, 1, 0, 1)), Mesh(1, 2, 2, {})}));
   s.run(kClone, false, false, true, false);
   ExpectPaint(s.mesh(1), 1, [](int i, int j) { return Code(1, i, j); }, {true, true});
   EXPECT_EQ(s.mesh(0).selectedNodes(), Rect(0, 1, 0, 1));
@@ -143,14 +131,14 @@ TEST(CloneColors, EmptyTargetRegionChangesNothing) {
 struct PatternCase {
   const char *name;
   bool alt, ctrl;
-  bool rowsOnly, columnsOnly;  // which nodes are filled
+  NodeSet filled;  // the nodes filled, and selected afterwards
 };
 
 const PatternCase kPatternCases[] = {
-    {"AllNodes", false, false, false, false},
-    {"IOnly", true, false, true, false},
-    {"JOnly", false, true, false, true},
-    {"CtrlAltLikeNoKey", true, true, false, false},
+    {"AllNodes", false, false, Rect(0, 6, 0, 5)},
+    {"IOnly", true, false, Rect(0, 6, 1, 3)},
+    {"JOnly", false, true, Rect(2, 3, 0, 5)},
+    {"CtrlAltLikeNoKey", true, true, Rect(0, 6, 0, 5)},
 };
 
 TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
@@ -158,22 +146,15 @@ TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
   for (const PatternCase &c : kPatternCases)
     for (Boxes b : {Boxes{true, false}, Boxes{false, true}, Boxes{false, false}}) {
       SCOPED_TRACE(testing::Message() << c.name << " colour " << b.color);
-      Session s(Doc({Mesh(0, 6, 5, {{2, 1}, {3, 3}})}));
+      Session s(DocJson({Mesh(0, 6, 5, {{2, 1}, {3, 3}})}));
       s.run(kPattern, c.alt, c.ctrl, b.color, b.opacity);
       const MeshState m = s.mesh(0);
-      auto filled = [&](int i, int j) {
-        return !(c.rowsOnly && (j < 1 || j > 3)) && !(c.columnsOnly && (i < 2 || i > 3));
-      };
       auto mod = [](int a, int n) { return ((a % n) + n) % n; };
-      ExpectPaint(m, 0, [&](int i, int j) { return filled(i, j) ? Code(0, 2 + mod(i - 2, 2), 1 + mod(j - 1, 3)) : Code(0, i, j); }, b);
-      NodeSet want;
-      for (int j = 0; j <= 5; ++j)
-        for (int i = 0; i <= 6; ++i)
-          if (filled(i, j)) want.insert({i, j});
-      EXPECT_EQ(m.selectedNodes(), want);
+      ExpectPaint(m, 0, [&](int i, int j) { return c.filled.count({i, j}) ? Code(0, 2 + mod(i - 2, 2), 1 + mod(j - 1, 3)) : Code(0, i, j); }, b);
+      EXPECT_EQ(m.selectedNodes(), c.filled);
       // The node just before the region in one of its rows takes the
       // paint of the region's last node in that row.
-      if (b.color && filled(1, 2)) {
+      if (b.color && c.filled.count({1, 2})) {
         EXPECT_EQ(ColorCode(m, 1, 2), Code(0, 3, 2));
       }
     }
@@ -182,7 +163,7 @@ TEST(PatternFill, TileAnchoredAtTheRegionForEveryVariant) {
 TEST(PatternFill, WholeRegionSelectsEverythingAndKeepsPaint) {
   MeshRecipe w = Tagged(0, 3, 2, {});
   w.whole = true;
-  Session s(Doc({MeshJson(w)}));
+  Session s(DocJson({MeshJson(w)}));
   s.run(kPattern, false, false, true, true);
   const MeshState m = s.mesh(0);
   ExpectPaint(m, 0, [](int i, int j) { return Code(0, i, j); }, {true, true});
@@ -191,7 +172,7 @@ TEST(PatternFill, WholeRegionSelectsEverythingAndKeepsPaint) {
 
 // (Meshes without selected nodes, several meshes: EveryCommandTest.)
 TEST(PatternFill, OneNodeAndOneRowRegionsAlongI) {
-  Session s(Doc({Mesh(0, 3, 1, {{0, 0}}), Mesh(2, 3, 3, Rect(1, 2, 2, 2))}));
+  Session s(DocJson({Mesh(0, 3, 1, {{0, 0}}), Mesh(2, 3, 3, Rect(1, 2, 2, 2))}));
   s.run(kPattern, true, false, true, false);  // I direction only
   const MeshState a = s.mesh(0), c = s.mesh(1);
   // One node: row 0 all take its paint.

@@ -36,10 +36,7 @@ inline MeshRecipe Tagged(int tag, int I, int J, NodeSet sel, std::function<std::
   m.opacityAt = [tag](int i, int j) { return OpacityOfCode(Code(tag, i, j)); };
   if (at)
     for (int j = 0; j <= J; ++j)
-      for (int i = 0; i <= I; ++i) {
-        const auto p = at(i, j);
-        m.moved[{i, j}] = AIRealPoint{p.first, p.second};
-      }
+      for (int i = 0; i <= I; ++i) m.moved[{i, j}] = AIRealPoint{at(i, j).first, at(i, j).second};
   return m;
 }
 
@@ -86,13 +83,8 @@ struct ImageRecipe {
 
 // A 2 x 2 RGB image of one colour over document -5..35 x -5..35.
 inline ImageRecipe Plain(uint8_t r, uint8_t g, uint8_t b, bool selected = true, std::string type = "raster") {
-  ImageRecipe im;
-  im.type = std::move(type);
-  im.width = im.height = 2;
-  im.matrix = {20, 0, 0, 20, -5, 35};
-  im.pixels = {r, g, b, r, g, b, r, g, b, r, g, b};
-  im.selected = selected;
-  return im;
+  return {.type = std::move(type), .width = 2, .height = 2, .matrix = {20, 0, 0, 20, -5, 35},
+          .pixels = {r, g, b, r, g, b, r, g, b, r, g, b}, .selected = selected};
 }
 
 // Pixels numbered so that every byte differs: byte k of the image is
@@ -109,14 +101,6 @@ inline json ImageJson(const ImageRecipe& s) {
             {"pixels", lb::io::svg::base64(std::string(s.pixels.begin(), s.pixels.end()))}};
   if (s.type == "placed") a["placedType"] = s.placedType;
   return a;
-}
-
-// A document of one layer holding `children`, first on top, with an
-// optional key object.
-inline json Doc(const std::vector<json>& children, const std::string& key = "") {
-  json doc = DocJson(children);
-  if (!key.empty()) doc["key"] = key;
-  return doc;
 }
 
 }  // namespace coltest

@@ -138,9 +138,7 @@ class ColorOpacityTest : public LinkedTest {
 
 TEST_F(ColorOpacityTest, SwitchesStartAsColourOnly) {
   // Nothing in this process has touched them before the fixture saved them.
-  EXPECT_EQ(saved[0], 1);
-  EXPECT_EQ(saved[1], 0);
-  EXPECT_EQ(saved[2], 0);
+  EXPECT_EQ(std::vector<int>(saved, saved + 3), (std::vector<int>{1, 0, 0}));
 }
 
 TEST_F(ColorOpacityTest, EachSwitchMovesOnlyItsHalf) {

@@ -18,9 +18,7 @@
 
 namespace constructtest {
 
-using lbtest::Children;
-using lbtest::Session;
-using nlohmann::json;
+using namespace lbtest;
 
 constexpr int kMeshFromPath = kCmdOneCellMesh;
 constexpr int kMeshFromDockedPaths = kCmdSewDocked;
@@ -63,19 +61,14 @@ inline json PathArt(const std::vector<Anchor>& anchors, bool closed = true, bool
 
 // ---- Reading a written mesh ---------------------------------------------
 
-struct MeshView {
-  const json& art;
-  int I() const { return art.at("size")[0]; }
-  int J() const { return art.at("size")[1]; }
-  const json& Node(int i, int j) const { return lbtest::NodeAt(art, i, j); }
-  Pt NodeP(int i, int j) const { return P(Node(i, j).at("p")); }
-  // Points of the run from node (i, j) along "I" or "J".
-  std::vector<Pt> Run(int i, int j, const std::string& axis) const {
-    std::vector<Pt> pts;
-    for (const json& p : lbtest::RunAt(art, i, j, axis[0]).at("points")) pts.push_back(P(p));
-    return pts;
-  }
-};
+// Node (i, j) of a written mesh, and the points of its run from (i, j)
+// along 'I' or 'J'.
+inline Pt NodeP(const json& mesh, int i, int j) { return P(lbtest::NodeAt(mesh, i, j).at("p")); }
+inline std::vector<Pt> Run(const json& mesh, int i, int j, char axis) {
+  std::vector<Pt> pts;
+  for (const json& p : lbtest::RunAt(mesh, i, j, axis).at("points")) pts.push_back(P(p));
+  return pts;
+}
 
 // ---- Expected shapes ----------------------------------------------------
 

@@ -14,63 +14,46 @@
 namespace constructtest {
 namespace {
 
-const GridPath* FindPath(const std::vector<GridPath>& paths, bool horizontal, int i, int j) {
-  for (const GridPath& g : paths)
-    if (g.horizontal == horizontal && g.i == i && g.j == j) return &g;
-  return nullptr;
-}
-
-std::vector<Pt> Expected(const GridPath& g) {
-  const std::vector<Pt> pts = ChainPoints(g.anchors);
-  return g.reverse ? Reversed(pts) : pts;
-}
-
 // Checks that `art` is the mesh of the a x b grid drawn by `paths`, with
 // node (0, 0) at whichever grid corner and I along whichever grid side the
 // builder started from, and every run shaped exactly like the path between
-// its two nodes. Returns through `transposed` whether I runs along the
-// grid's columns.
-void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
+// its two nodes. Returns through `turned` whether I runs along the grid's
+// columns.
+void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* turned = nullptr) {
   ASSERT_EQ(art.at("type"), "mesh");
-  const MeshView m{art};
   // Grid coordinates of node (0, 0), and the grid steps of +I and +J.
   int ci = -1, cj = -1;
   for (int i : {0, a})
     for (int j : {0, b})
-      if (m.NodeP(0, 0) == GridPt(i, j)) ci = i, cj = j;
+      if (NodeP(art, 0, 0) == GridPt(i, j)) ci = i, cj = j;
   ASSERT_GE(ci, 0) << "node (0, 0) is not at a grid corner";
   const int si = ci == 0 ? 1 : -1, sj = cj == 0 ? 1 : -1;
-  *transposed = !(m.NodeP(1, 0) == GridPt(ci + si, cj));
-  const int I = *transposed ? b : a, J = *transposed ? a : b;
-  ASSERT_EQ(m.I(), I);
-  ASSERT_EQ(m.J(), J);
+  const bool transposed = !(NodeP(art, 1, 0) == GridPt(ci + si, cj));
+  if (turned) *turned = transposed;
+  const int I = transposed ? b : a, J = transposed ? a : b;
+  ASSERT_EQ(art.at("size"), json::array({I, J}));
   auto grid = [&](int i, int j) {
-    return *transposed ? std::pair{ci + si * j, cj + sj * i} : std::pair{ci + si * i, cj + sj * j};
+    return transposed ? std::pair{ci + si * j, cj + sj * i} : std::pair{ci + si * i, cj + sj * j};
   };
   for (int j = 0; j <= J; ++j)
     for (int i = 0; i <= I; ++i) {
       const auto [gi, gj] = grid(i, j);
-      EXPECT_EQ(m.NodeP(i, j), GridPt(gi, gj)) << "node " << i << ", " << j;
-      EXPECT_EQ(m.Node(i, j).at("color"), json({{"rgb", {kGray, kGray, kGray}}}));
+      EXPECT_EQ(NodeP(art, i, j), GridPt(gi, gj)) << "node " << i << ", " << j;
+      EXPECT_EQ(lbtest::NodeAt(art, i, j).at("color"), json({{"rgb", {kGray, kGray, kGray}}}));
       for (const char* axis : {"I", "J"}) {
         const bool alongI = axis[0] == 'I';
         if ((alongI && i == I) || (!alongI && j == J)) continue;
         const auto [ni, nj] = alongI ? grid(i + 1, j) : grid(i, j + 1);
-        const bool horizontal = nj == gj;
-        const GridPath* g = FindPath(paths, horizontal, std::min(gi, ni), std::min(gj, nj));
-        ASSERT_NE(g, nullptr);
-        // The path runs from its lower-left end; the run may go the other way.
-        const bool forward = ni > gi || nj > gj;
-        EXPECT_EQ(m.Run(i, j, axis), forward ? Expected(*g) : Reversed(Expected(*g)))
+        const auto g = std::find_if(paths.begin(), paths.end(), [&](const GridPath& p) {
+          return p.horizontal == (nj == gj) && p.i == std::min(gi, ni) && p.j == std::min(gj, nj);
+        });
+        ASSERT_NE(g, paths.end());
+        // The path's points from its lower-left end; the run may go the other way.
+        const std::vector<Pt> path = g->reverse ? Reversed(ChainPoints(g->anchors)) : ChainPoints(g->anchors);
+        EXPECT_EQ(Run(art, i, j, axis[0]), ni > gi || nj > gj ? path : Reversed(path))
             << "run from " << i << ", " << j << " along " << axis;
       }
     }
-}
-
-// The same, for grids drawn from the origin: node (0, 0) must be there.
-void ExpectGridMesh(const json& art, int a, int b, const std::vector<GridPath>& paths, bool* transposed) {
-  ASSERT_EQ(MeshView{art}.NodeP(0, 0), GridPt(0, 0));
-  ExpectAnyGridMesh(art, a, b, paths, transposed);
 }
 
 struct GridCase {
@@ -108,12 +91,13 @@ TEST_P(EveryGrid, BecomesOneMeshShapedByItsPaths) {
   ASSERT_EQ(kids.size(), 1u);
   const json& mesh = kids[0];
   EXPECT_EQ(mesh.at("selected"), true);
+  ASSERT_EQ(NodeP(mesh, 0, 0), GridPt(0, 0));
   bool transposed = false;
-  ExpectGridMesh(mesh, c.a, c.b, paths, &transposed);
+  ExpectAnyGridMesh(mesh, c.a, c.b, paths, &transposed);
   // A strip runs along I; otherwise I follows the first path drawn.
   const bool strip = c.a == 1 || c.b == 1;
   if (strip) {
-    EXPECT_GE(MeshView{mesh}.I(), MeshView{mesh}.J());
+    EXPECT_GE(mesh.at("size")[0], mesh.at("size")[1]);
   } else {
     EXPECT_EQ(transposed, c.order == Order::ColumnsFirst);
   }
@@ -139,18 +123,8 @@ TEST(DockedPaths, ShuffledGridsOfEverySize) {
       Session s(lbtest::DocJson(GridArt(paths)));
       const json kids = s.runLayer(kMeshFromDockedPaths);
       ASSERT_EQ(kids.size(), 1u);
-      bool transposed = false;
-      ExpectAnyGridMesh(kids[0], a, b, paths, &transposed);
+      ExpectAnyGridMesh(kids[0], a, b, paths);
     }
-}
-
-// Moves one end of one path of a 1 x 1 grid by `offset` along h.
-std::vector<json> SquareWithOffsetEnd(double offset) {
-  std::vector<GridPath> paths = GridPaths(1, 1, Order::RowsFirst, false);
-  // The right side, drawn upwards from (40, 0).
-  for (GridPath& g : paths)
-    if (!g.horizontal && g.i == 1) g.anchors.front().p.h += offset;
-  return GridArt(paths);
 }
 
 // Ends within half a unit dock. Ends 0.6 apart do not: the two paths that
@@ -159,7 +133,11 @@ std::vector<json> SquareWithOffsetEnd(double offset) {
 TEST(DockedPaths, EndsDockWithinHalfAUnit) {
   for (double offset : {0.4, 0.5, -0.5, 0.6}) {
     SCOPED_TRACE(offset);
-    Session s(lbtest::DocJson(SquareWithOffsetEnd(offset)));
+    // A 1 x 1 grid whose right side, drawn upwards, starts `offset` off (40, 0).
+    std::vector<GridPath> paths = GridPaths(1, 1, Order::RowsFirst, false);
+    for (GridPath& g : paths)
+      if (!g.horizontal && g.i == 1) g.anchors.front().p.h += offset;
+    Session s(lbtest::DocJson(GridArt(paths)));
     const json before = Children(s.written());
     const json kids = s.runLayer(kMeshFromDockedPaths);
     if (offset < 0.55) {
@@ -194,8 +172,8 @@ TEST(DockedPaths, DanglingAndClosedPathsAreDeleted) {
     Session s(lbtest::DocJson(art));
     const json kids = s.runLayer(kMeshFromDockedPaths);
     ASSERT_EQ(kids.size(), 1u);
-    bool transposed = false;
-    ExpectGridMesh(kids[0], 2, 2, paths, &transposed);
+    ASSERT_EQ(NodeP(kids[0], 0, 0), GridPt(0, 0));
+    ExpectAnyGridMesh(kids[0], 2, 2, paths);
   }
 }
 
@@ -259,7 +237,7 @@ TEST(DockedPaths, TwoSelectedMeshesLeaveThePathsAloneOneDoesNot) {
       continue;
     }
     ASSERT_EQ(kids.size(), 2u);
-    EXPECT_EQ(MeshView{kids[0]}.I(), 2);
+    EXPECT_EQ(kids[0].at("size")[0], 2);
   }
 }
 
@@ -322,9 +300,8 @@ TEST(DockedPaths, SmoothFlagsFollowTheHandles) {
     Session s(lbtest::DocJson(GridArt(paths)));
     const json kids = s.runLayer(kMeshFromDockedPaths);
     ASSERT_EQ(kids.size(), 1u);
-    const MeshView m{kids[0]};
-    EXPECT_EQ(m.Node(1, 0).at("smooth").at("I+"), !kink);
-    EXPECT_EQ(m.Node(1, 1).at("smooth").at("I+"), true);
+    EXPECT_EQ(lbtest::NodeAt(kids[0], 1, 0).at("smooth").at("I+"), !kink);
+    EXPECT_EQ(lbtest::NodeAt(kids[0], 1, 1).at("smooth").at("I+"), true);
   }
 }
 

@@ -12,35 +12,19 @@ namespace {
 
 const std::vector<Anchor> kRect = {{{0, 0}}, {{100, 0}}, {{100, 50}}, {{0, 50}}};
 
-json Painted(json path, json fill, json stroke, double opacity = 1.0, const char* blend = "normal") {
-  path["fill"] = fill.is_null() ? json(nullptr) : json{{"color", fill}};
-  path["stroke"] = stroke.is_null() ? json(nullptr) : json{{"color", stroke}, {"width", 1}};
-  path["opacity"] = opacity;
-  path["blend"] = blend;
-  return path;
-}
-
 // The outline of a one-cell mesh, walked from node (0, 0) through (0, 1),
 // (1, 1) and (1, 0) back to (0, 0), as one list of Bezier points.
-std::vector<Pt> Outline(const MeshView& m) {
+std::vector<Pt> Outline(const json& m) {
   std::vector<Pt> out;
   auto add = [&](std::vector<Pt> run) {
     if (!out.empty()) run.erase(run.begin());
     out.insert(out.end(), run.begin(), run.end());
   };
-  add(m.Run(0, 0, "J"));
-  add(m.Run(0, 1, "I"));
-  add(Reversed(m.Run(1, 0, "J")));
-  add(Reversed(m.Run(0, 0, "I")));
+  add(Run(m, 0, 0, 'J'));
+  add(Run(m, 0, 1, 'I'));
+  add(Reversed(Run(m, 1, 0, 'J')));
+  add(Reversed(Run(m, 0, 0, 'I')));
   return out;
-}
-
-// The closed outline of a path from anchor `first`, as Bezier points, with
-// straight pieces given one-third handles.
-std::vector<Pt> PathOutline(const std::vector<Anchor>& a, size_t first) {
-  std::vector<Anchor> chain;
-  for (size_t k = 0; k <= a.size(); ++k) chain.push_back(a[(first + k) % a.size()]);
-  return ChainPoints(chain);
 }
 
 // Which anchors become the corners: node (0, 0), (0, 1), (1, 1), (1, 0) in
@@ -76,11 +60,13 @@ TEST(MeshFromPath, CornersKnotsAndOutline) {
     Session s(lbtest::DocJson({PathArt(c.path)}));
     const json kids = s.runLayer(kMeshFromPath);
     ASSERT_EQ(kids.size(), 1u);
-    const MeshView m{kids[0]};
-    ASSERT_EQ(m.I(), 1);
-    ASSERT_EQ(m.J(), 1);
-    EXPECT_EQ((std::vector<Pt>{m.NodeP(0, 0), m.NodeP(0, 1), m.NodeP(1, 1), m.NodeP(1, 0)}), c.corners);
-    EXPECT_EQ(Outline(m), PathOutline(c.path, c.first));
+    const json& m = kids[0];
+    ASSERT_EQ(m.at("size"), json::array({1, 1}));
+    EXPECT_EQ((std::vector<Pt>{NodeP(m, 0, 0), NodeP(m, 0, 1), NodeP(m, 1, 1), NodeP(m, 1, 0)}), c.corners);
+    // The path's closed outline from anchor `first`, straight pieces with one-third handles.
+    std::vector<Anchor> chain;
+    for (size_t k = 0; k <= c.path.size(); ++k) chain.push_back(c.path[(c.first + k) % c.path.size()]);
+    EXPECT_EQ(Outline(m), ChainPoints(chain));
     for (const json& r : kids[0].at("runs"))
       for (const json& e : r.at("inner")) EXPECT_EQ(e.at("kind"), "knot");
   }
@@ -150,16 +136,20 @@ TEST(MeshFromPath, PaintOpacityAndBlending) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    Session s(lbtest::DocJson({Painted(PathArt(kRect), c.fill, c.stroke, 0.4, "multiply")}));
+    json path = PathArt(kRect);
+    path["fill"] = c.fill.is_null() ? json(nullptr) : json{{"color", c.fill}};
+    path["stroke"] = c.stroke.is_null() ? json(nullptr) : json{{"color", c.stroke}, {"width", 1}};
+    path["opacity"] = 0.4;
+    path["blend"] = "multiply";
+    Session s(lbtest::DocJson({path}));
     const json kids = Children(s.runWritten(kMeshFromPath, c.alt, c.ctrl, c.useColor, c.useOpacity));
     ASSERT_EQ(kids.size(), 1u);
     const json& mesh = kids[0];
     EXPECT_EQ(mesh.value("opacity", 1.0), c.meshOpacity);
     EXPECT_EQ(mesh.value("blend", std::string("normal")), "multiply");
-    const MeshView m{mesh};
     for (auto [i, j] : {std::pair{0, 0}, {0, 1}, {1, 0}, {1, 1}}) {
-      EXPECT_EQ(m.Node(i, j).at("color"), c.color);
-      EXPECT_EQ(m.Node(i, j).value("opacity", 1.0), c.nodeOpacity);
+      EXPECT_EQ(lbtest::NodeAt(mesh, i, j).at("color"), c.color);
+      EXPECT_EQ(lbtest::NodeAt(mesh, i, j).value("opacity", 1.0), c.nodeOpacity);
     }
   }
 }
@@ -194,8 +184,8 @@ TEST(MeshFromPath, SubPathOfACompoundPathIsReplacedAboveIt) {
   Session s(lbtest::DocJson({compound}));
   const json kids = s.runLayer(kMeshFromPath);
   ASSERT_EQ(kids.size(), 3u);
-  EXPECT_EQ(MeshView{kids[0]}.NodeP(0, 0), (Pt{100, 0}));
-  EXPECT_EQ(MeshView{kids[1]}.NodeP(0, 0), (Pt{300, 0}));
+  EXPECT_EQ(NodeP(kids[0], 0, 0), (Pt{100, 0}));
+  EXPECT_EQ(NodeP(kids[1], 0, 0), (Pt{300, 0}));
   EXPECT_EQ(kids[2].at("id"), "cp");
   ASSERT_EQ(kids[2].at("children").size(), 1u) << "only the triangle stays";
   EXPECT_EQ(kids[2].at("children")[0].at("segments").size(), 3u);

@@ -22,8 +22,7 @@ MeshRecipe Grid(int I, int J, NodeSet sel) {
 
 // Node positions along line j = 0 (h) and line i = 0 (v).
 void ExpectLines(const GradientMesh& m, const std::vector<double>& h, const std::vector<double>& v) {
-  ASSERT_EQ(m.sizeI() + 1, static_cast<int>(h.size()));
-  ASSERT_EQ(m.sizeJ() + 1, static_cast<int>(v.size()));
+  ASSERT_EQ(std::pair(m.sizeI() + 1, m.sizeJ() + 1), std::pair(int(h.size()), int(v.size())));
   for (int i = 0; i <= m.sizeI(); ++i) EXPECT_NEAR(NodeP(m, i, 0).h, h[i], kTol) << "line i " << i;
   for (int j = 0; j <= m.sizeJ(); ++j) EXPECT_NEAR(NodeP(m, 0, j).v, v[j], kTol) << "line j " << j;
 }

@@ -42,9 +42,7 @@ class EachTurn : public ::testing::TestWithParam<Turn> {};
 
 TEST_P(EachTurn, CarriesEveryNodeRunFlagAndLine) {
   const Turn& turn = GetParam();
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 3;
-  layout.J = 2;
+  MeshRecipe layout = MeshRecipe::Varied(3, 2);
   layout.u = {0, 0.2, 0.45, 1};
   layout.v = {0, 0.3, 1};
   Session s(DocJson({MeshJson(layout)}));
@@ -117,9 +115,7 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
       {"four clockwise turns", {{false, false}, {false, false}, {false, false}, {false, false}}},
       {"two turns equal reflecting both ways", {{false, false}, {false, false}, {false, true}, {true, true}}},
   };
-  MeshRecipe layout = MeshRecipe::Varied();
-  layout.I = 4;
-  layout.J = 3;
+  MeshRecipe layout = MeshRecipe::Varied(4, 3);
   layout.u = {0, 0.15, 0.5, 0.55, 1};
   layout.v = {0, 0.6, 0.7, 1};
   for (const Sequence& seq : sequences) {
@@ -137,29 +133,26 @@ TEST(GridDirection, InverseTurnsGiveBackTheSameMesh) {
 }
 
 // The rebuilt mesh takes the old one's place in the paint order, its
-// opacity and blending mode, and ends selected as a whole; art around it
-// and meshes that are not selected are left alone.
+// opacity and blending mode, and ends selected as a whole; the art around
+// it is left alone (unselected meshes among several:
+// EveryCommand.EachSelectedMeshEndsAsItWouldAlone).
 TEST(GridDirection, RebuiltMeshReplacesTheOldOneInPlace) {
-  MeshRecipe top = MeshRecipe::Varied(), mid = MeshRecipe::Varied(), low = MeshRecipe::Varied();
-  top.id = "top";
-  top.artSelected = false;
+  MeshRecipe mid = MeshRecipe::Varied(), low = MeshRecipe::Varied();
   mid.id = "mid";
   mid.artOpacity = 0.625;
   mid.blend = "multiply";
-  mid.x0 = 200;
   low.id = "low";
   low.artSelected = false;
   low.x0 = 400;
   const json path = json::parse(R"({"type": "path", "id": "p", "segments": [{"p": [0, 0]}, {"p": [10, 10]}]})");
-  Session s(DocJson({path, MeshJson(top), MeshJson(mid), MeshJson(low)}));
+  Session s(DocJson({path, MeshJson(mid), MeshJson(low)}));
   const json before = s.written();
 
   const json kids = s.runLayer(kCmdDirRotate, false, false);
-  ASSERT_EQ(kids.size(), 4u);
+  ASSERT_EQ(kids.size(), 3u);
   EXPECT_EQ(kids[0], Children(before)[0]);
-  EXPECT_EQ(kids[1], Children(before)[1]);
-  EXPECT_EQ(kids[3], Children(before)[3]);
-  const json& rebuilt = kids[2];
+  EXPECT_EQ(kids[2], Children(before)[2]);
+  const json& rebuilt = kids[1];
   EXPECT_EQ(rebuilt.at("type"), "mesh");
   EXPECT_FALSE(rebuilt.contains("id") && rebuilt["id"] == "mid") << "the old art should be gone";
   EXPECT_EQ(rebuilt.value("opacity", 1.0), 0.625);

@@ -18,11 +18,7 @@
 
 namespace knots {
 
-using lbtest::Children;
-using lbtest::NodeAt;
-using lbtest::SamePoints;
-using lbtest::Session;
-using nlohmann::json;
+using namespace lbtest;
 using Pt = std::pair<double, double>;
 
 // A run as written: its points and the kinds of its interior anchors
@@ -36,7 +32,7 @@ struct MeshDoc {
   int I = 1, J = 1;
   // Runs replacing the straight default, by (axis, i, j).
   std::map<std::tuple<int, int, int>, LineRun> runs;
-  std::map<std::pair<int, int>, bool> selectedNodes;
+  NodeSet selectedNodes;
   bool wholeSelected = false;
   double opacity = 1.0;
 
@@ -53,21 +49,18 @@ struct MeshDoc {
     m.whole = wholeSelected;
     m.colorAt = NodeColor;
     m.opacityAt = NodeOpacity;
+    m.selected = selectedNodes;
     for (int j = 0; j <= J; ++j)
-      for (int i = 0; i <= I; ++i) {
-        m.moved[{i, j}] = {NodeP(i, j).first, NodeP(i, j).second};
-        if (auto it = selectedNodes.find({i, j}); it != selectedNodes.end() && it->second) m.selected.insert({i, j});
-      }
+      for (int i = 0; i <= I; ++i) m.moved[{i, j}] = {NodeP(i, j).first, NodeP(i, j).second};
     for (const auto& [key, r] : runs) {
       const auto [axis, i, j] = key;
-      json pts = json::array(), inner = json::array();
-      for (const Pt& p : r.points) pts.push_back({p.first, p.second});
+      json inner = json::array();
       for (char c : r.inner) {
         json e = {{"kind", c == 'k' ? "knot" : "vertex"}};
         if (c != 'k' && !wholeSelected) e["selected"] = c == 'V';
         inner.push_back(e);
       }
-      m.runs.push_back({{"node", {i, j}}, {"axis", axis == 0 ? "I" : "J"}, {"points", pts}, {"inner", inner}});
+      m.runs.push_back({{"node", {i, j}}, {"axis", axis == 0 ? "I" : "J"}, {"points", r.points}, {"inner", inner}});
     }
     return lbtest::MeshJson(m);
   }

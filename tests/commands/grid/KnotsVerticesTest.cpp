@@ -22,23 +22,21 @@ MeshDoc TwoCells() {
 
 struct SplitCase {
   const char* name;
-  std::vector<std::pair<int, int>> selected;
+  NodeSet selected;
   bool whole;
-  // Expected kinds of runs I(0,0), I(1,0), J(0,0).
-  const char* bottomLeft;
-  const char* bottomRight;
-  const char* left;
+  const char* kinds[3];  // of runs I(0,0), I(1,0), J(0,0)
 };
 
 const SplitCase kSplitCases[] = {
     // Both ends of the first bottom run: its knots become (selected) vertices.
-    {"BottomLeftEnds", {{0, 0}, {1, 0}}, false, "VV", "kv", "k"},
+    {"BottomLeftEnds", {{0, 0}, {1, 0}}, false, {"VV", "kv", "k"}},
     // One end only: nothing changes anywhere.
-    {"OneEndOnly", {{0, 0}}, false, "kk", "kv", "k"},
+    {"OneEndOnly", {{0, 0}}, false, {"kk", "kv", "k"}},
     // Nodes (1, 0) and (2, 0): the knot before the unselected vertex is not
     // inside a segment with two selected ends, nor is the one after.
-    {"VertexBetween", {{1, 0}, {2, 0}}, false, "kk", "kv", "k"},
-    {"Whole", {}, true, "vv", "vv", "v"},
+    {"VertexBetween", {{1, 0}, {2, 0}}, false, {"kk", "kv", "k"}},
+    // The whole mesh: every knot becomes a vertex, written selected with the mesh.
+    {"Whole", {}, true, {"VV", "VV", "V"}},
 };
 
 class KnotsSplit : public ::testing::TestWithParam<SplitCase> {};
@@ -46,7 +44,7 @@ class KnotsSplit : public ::testing::TestWithParam<SplitCase> {};
 TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   const SplitCase& c = GetParam();
   MeshDoc d = TwoCells();
-  for (auto n : c.selected) d.selectedNodes[n] = true;
+  d.selectedNodes = c.selected;
   d.wholeSelected = c.whole;
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
@@ -55,13 +53,11 @@ TEST_P(KnotsSplit, TurnsKnotsOfFullySelectedSegmentsIntoVertices) {
   const lbtest::MeshContent got = lbtest::ReadMesh(after), want = lbtest::ReadMesh(before);
   ASSERT_EQ(got.runs.size(), want.runs.size());
   for (const auto& [key, run] : want.runs) EXPECT_EQ(got.runs.at(key).points, run.points);
-  std::string kinds[3] = {ReadRun(after, 0, 0, 0).inner, ReadRun(after, 0, 1, 0).inner, ReadRun(after, 1, 0, 0).inner};
-  if (c.whole)
-    for (auto& k : kinds)
-      for (auto& ch : k) ch = ch == 'V' ? 'v' : ch;
-  EXPECT_EQ(kinds[0], c.bottomLeft);
-  EXPECT_EQ(kinds[1], c.bottomRight);
-  EXPECT_EQ(kinds[2], c.left);
+  const std::tuple<int, int, int> runs[3] = {{0, 0, 0}, {0, 1, 0}, {1, 0, 0}};
+  for (int k = 0; k < 3; ++k) {
+    const auto [axis, i, j] = runs[k];
+    EXPECT_EQ(ReadRun(after, axis, i, j).inner, c.kinds[k]) << "run " << k;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, KnotsSplit, ::testing::ValuesIn(kSplitCases), lbtest::ByName());
@@ -70,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, KnotsSplit, ::testing::ValuesIn(kSplitCases), lb
 // back point for point and kind for kind.
 TEST(KnotsVertices, RoundTripRestoresEveryRun) {
   MeshDoc d = TwoCells();
-  d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = d.selectedNodes[{0, 1}] = true;
+  d.selectedNodes = {{0, 0}, {1, 0}, {0, 1}};
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
   const json mid = s.runLayer(kCmdKnotsToVertices)[0];
@@ -81,45 +77,40 @@ TEST(KnotsVertices, RoundTripRestoresEveryRun) {
 }
 
 // Deleting the knots of a segment (Alt: corrected, Ctrl: plain) leaves one
-// cubic with the segment's two end handles; a segment with one unselected
-// end keeps its knots, and the vertex selection is as before.
+// cubic with the segment's two end handles. With nodes (0, 0) and (1, 0)
+// selected, segments with an unselected end keep their knots and the vertex
+// selection is as before; with the whole mesh every knot goes (on I(1, 0)
+// the one before its vertex; the vertex stays, selected with the mesh).
 TEST(KnotsDel, KeepsEndHandlesOfSelectedSegments) {
-  for (bool alt : {true, false}) {
-    SCOPED_TRACE(alt ? "corrected" : "plain");
+  struct Want {
+    int axis, i, j;
+    std::vector<int> kept;  // indices of the old points that remain, in order
+    const char* kinds;
+  };
+  const std::vector<Want> twoNodes = {{0, 0, 0, {0, 1, 8, 9}, ""},
+                                      {0, 1, 0, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, "kv"},
+                                      {1, 0, 0, {0, 1, 2, 3, 4, 5, 6}, "k"}};
+  const std::vector<Want> whole = {
+      {0, 0, 0, {0, 1, 8, 9}, ""}, {0, 1, 0, {0, 1, 5, 6, 7, 8, 9}, "V"}, {1, 0, 0, {0, 1, 5, 6}, ""}};
+  for (const char* mode : {"corrected", "plain", "whole"}) {
+    SCOPED_TRACE(mode);
+    const bool plain = mode[0] == 'p';
     MeshDoc d = TwoCells();
-    d.selectedNodes[{0, 0}] = d.selectedNodes[{1, 0}] = true;
+    d.wholeSelected = mode[0] == 'w';
+    if (!d.wholeSelected) d.selectedNodes = {{0, 0}, {1, 0}};
     Session s(lbtest::DocJson({d.art()}));
     const json before = Children(s.written())[0];
-    const json after = s.runLayer(kCmdKnotsToVertices, alt, !alt)[0];
-    const LineRun old = ReadRun(before, 0, 0, 0);
-    const LineRun got = ReadRun(after, 0, 0, 0);
-    EXPECT_EQ(got.inner, "");
-    EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
-    EXPECT_TRUE(SamePoints(ReadRun(after, 0, 1, 0).points, ReadRun(before, 0, 1, 0).points, 0.0));
-    EXPECT_EQ(ReadRun(after, 1, 0, 0).inner, "k");
-    for (int j = 0; j <= 1; ++j)
-      for (int i = 0; i <= 2; ++i)
-        EXPECT_EQ(NodeAt(after, i, j).value("selected", false), NodeAt(before, i, j).value("selected", false));
+    const json after = s.runLayer(kCmdKnotsToVertices, !plain, plain)[0];
+    for (const Want& w : d.wholeSelected ? whole : twoNodes) {
+      const LineRun old = ReadRun(before, w.axis, w.i, w.j), got = ReadRun(after, w.axis, w.i, w.j);
+      std::vector<Pt> want;
+      for (int k : w.kept) want.push_back(old.points[static_cast<size_t>(k)]);
+      EXPECT_TRUE(SamePoints(got.points, want, 0.0)) << "run " << w.axis << " (" << w.i << ", " << w.j << ")";
+      EXPECT_EQ(got.inner, w.kinds) << "run " << w.axis << " (" << w.i << ", " << w.j << ")";
+    }
+    EXPECT_EQ(MeshState(after).selectedNodes(), MeshState(before).selectedNodes());
+    EXPECT_TRUE(after.value("selected", false));
   }
-}
-
-TEST(KnotsDel, WholeMeshLosesEveryKnot) {
-  MeshDoc d = TwoCells();
-  d.wholeSelected = true;
-  Session s(lbtest::DocJson({d.art()}));
-  const json before = Children(s.written())[0];
-  const json after = s.runLayer(kCmdKnotsToVertices, true, false)[0];
-  // LineRun I(1, 0) holds a vertex: only the knot after it goes.
-  for (auto [axis, i, j] : {std::tuple{0, 0, 0}, std::tuple{1, 0, 0}}) {
-    const LineRun old = ReadRun(before, axis, i, j), got = ReadRun(after, axis, i, j);
-    EXPECT_EQ(got.inner, "");
-    EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[old.points.size() - 2], old.points.back()}, 0.0));
-  }
-  const LineRun old = ReadRun(before, 0, 1, 0), got = ReadRun(after, 0, 1, 0);
-  ASSERT_EQ(got.inner.size(), 1u);
-  EXPECT_TRUE(SamePoints(got.points, {old.points[0], old.points[1], old.points[5], old.points[6], old.points[7],
-                                      old.points[8], old.points[9]}, 0.0));
-  EXPECT_TRUE(after.value("selected", false));
 }
 
 struct DelCase {
@@ -157,7 +148,7 @@ TEST_P(VerticesDel, RemovesSelectedVerticesAndKeepsTheNodeSelection) {
   d.runs[{0, 0, 0}] = MakeRun(MeshDoc::NodeP(0, 0), MeshDoc::NodeP(1, 0), c.inner);
   d.runs[{1, 1, 0}] = MakeRun(MeshDoc::NodeP(1, 0), MeshDoc::NodeP(1, 1), "V");
   const auto [si, sj] = c.corrected ? std::pair{1, 0} : std::pair{0, 1};
-  d.selectedNodes[{si, sj}] = true;
+  d.selectedNodes = {{si, sj}};
   Session s(lbtest::DocJson({d.art()}));
   const json before = Children(s.written())[0];
   const json after = s.runLayer(kCmdVerticesToKnots, c.corrected, !c.corrected)[0];

@@ -82,7 +82,7 @@ TEST_P(MoveCorner, CornerLandsOnTheVertexAndTheOutlineStays) {
                                                 {{1, 0, 1}, {0, 0, 2}}};
   const bool away[4][2] = {{true, true}, {false, true}, {false, false}, {false, true}};
   MeshDoc d = Bordered();
-  d.selectedNodes[{ci[c.corner], cj[c.corner]}] = true;
+  d.selectedNodes = {{ci[c.corner], cj[c.corner]}};
   const auto run = runs[c.corner][c.secondSide];
   SelectVertex(d, run, away[c.corner][c.secondSide] ? c.nth : 1 - c.nth);
   Session s(lbtest::DocJson({d.art()}));
@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(EveryCorner, MoveCorner,
 
 struct Refusal {
   const char* name;
-  std::vector<std::pair<int, int>> nodes;
+  NodeSet nodes;
   std::vector<std::tuple<int, int, int>> vertexRuns;  // first vertex of each run
   bool twoMeshes;
 };
@@ -147,7 +147,7 @@ class MoveCornerRefusal : public ::testing::TestWithParam<Refusal> {};
 TEST_P(MoveCornerRefusal, ChangesNothing) {
   const Refusal& c = GetParam();
   MeshDoc d = Bordered();
-  for (auto n : c.nodes) d.selectedNodes[n] = true;
+  d.selectedNodes = c.nodes;
   for (auto r : c.vertexRuns) SelectVertex(d, r, 0);
   std::vector<json> arts = {d.art()};
   if (c.twoMeshes) arts.push_back(d.art());

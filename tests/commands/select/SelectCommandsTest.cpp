@@ -9,12 +9,12 @@ using namespace lbtest;
 namespace {
 
 // Non-node vertices around the region of nodes (1, 1) and (3, 2) of a
-// 4 x 4 mesh: two on columns inside it, one on a row inside it, and three
-// outside it.
-std::map<Inner, bool> AroundRegion() {
-  return {{{2, 1, 'J'}, false},   // line i = 2, between j = 1 and 2: inside
-          {{1, 1, 'J'}, false},   // line i = 1, inside
-          {{1, 2, 'I'}, false},   // line j = 2, between i = 1 and 2: inside
+// 4 x 4 mesh: two on columns inside it, one on a row inside it (selected
+// when `inside` is), and three outside it.
+std::map<Inner, bool> AroundRegion(bool inside = false) {
+  return {{{2, 1, 'J'}, inside},  // line i = 2, between j = 1 and 2: inside
+          {{1, 1, 'J'}, inside},  // line i = 1, inside
+          {{1, 2, 'I'}, inside},  // line j = 2, between i = 1 and 2: inside
           {{0, 1, 'J'}, false},   // line i = 0: outside
           {{3, 1, 'I'}, false},   // line j = 1, between i = 3 and 4: outside
           {{2, 2, 'J'}, false}};  // line i = 2, between j = 2 and 3: outside
@@ -46,14 +46,11 @@ const NodeSet kRingRows = Join(Rect(1, 3, 1, 1), Rect(1, 3, 3, 3)),
 const MeshRecipe kCross = Coded(4, 4, {{2, 3}}, {{{2, 0, 'J'}, false}, {{0, 3, 'I'}, false}, {{1, 1, 'I'}, false}});
 // I = 3, J = 2; (3, 0) and (1, 2) selected, vertices that shifting never reads.
 const MeshRecipe kShift = Coded(3, 2, {{3, 0}, {1, 2}}, {{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}});
-const std::map<Inner, bool> kShiftInner{{{0, 0, 'I'}, true}, {{1, 1, 'J'}, false}};
 const std::map<Inner, bool> kMixed{{{0, 0, 'I'}, true}, {{1, 0, 'J'}, true}, {{1, 1, 'I'}, false}};
-const std::map<Inner, bool> kAroundFilled{{{2, 1, 'J'}, true},  {{1, 1, 'J'}, true},  {{1, 2, 'I'}, true},
-                                          {{0, 1, 'J'}, false}, {{3, 1, 'I'}, false}, {{2, 2, 'J'}, false}};
 
 const Case kCases[] = {
     // Select all region vertices: the whole rectangle, whatever the keys.
-    {"region", kCmdSelRegion, kAnyKeys, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), kAroundFilled},
+    {"region", kCmdSelRegion, kAnyKeys, Coded(4, 4, {{1, 1}, {3, 2}}, AroundRegion()), Rect(1, 3, 1, 2), AroundRegion(true)},
     {"a lone vertex grows to its cell side", kCmdSelRegion, kNoKey, Coded(3, 3, {}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}), {{2, 1}, {2, 2}}, {{{2, 1, 'J'}, true}, {{2, 1, 'I'}, false}}},
     // Select region perimeter: the ring, its rows (Alt) or its columns (Ctrl).
     {"perimeter", kCmdSelPerim, kNoKey | kCtrlAlt, kRing, Join(kRingRows, kRingCols), {{{1, 1, 'I'}, true}, {{3, 2, 'J'}, true}, {{2, 1, 'J'}, false}}},
@@ -69,10 +66,10 @@ const Case kCases[] = {
     {"a selected vertex's row", kCmdSelCross, kNoKey, Coded(3, 2, {}, {{{0, 1, 'I'}, true}}), Rect(0, 3, 1, 1), {{{0, 1, 'I'}, true}}},
     {"rows between selected rows stay out", kCmdSelCross, kAlt, Coded(2, 3, {{0, 0}, {2, 2}}), Join(Rect(0, 2, 0, 0), Rect(0, 2, 2, 2)), {}},
     // Shift selected nodes: wraps within each line in all four directions.
-    {"shift I", kCmdSelShift, kNoKey, kShift, {{0, 0}, {2, 2}}, kShiftInner},
-    {"shift I'", kCmdSelShift, kAlt, kShift, {{2, 0}, {0, 2}}, kShiftInner},
-    {"shift J", kCmdSelShift, kCtrl, kShift, {{3, 1}, {1, 0}}, kShiftInner},
-    {"shift J'", kCmdSelShift, kCtrlAlt, kShift, {{3, 2}, {1, 1}}, kShiftInner},
+    {"shift I", kCmdSelShift, kNoKey, kShift, {{0, 0}, {2, 2}}, kShift.inner},
+    {"shift I'", kCmdSelShift, kAlt, kShift, {{2, 0}, {0, 2}}, kShift.inner},
+    {"shift J", kCmdSelShift, kCtrl, kShift, {{3, 1}, {1, 0}}, kShift.inner},
+    {"shift J'", kCmdSelShift, kCtrlAlt, kShift, {{3, 2}, {1, 1}}, kShift.inner},
     // Select nodes / vertices: keeps one kind, only ever deselects.
     {"nodes only", kCmdSel, kNoKey, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {{0, 0}, {2, 2}}, {{{0, 0, 'I'}, false}, {{1, 0, 'J'}, false}, {{1, 1, 'I'}, false}}},
     {"vertices only", kCmdSel, kAlt, Coded(2, 2, {{0, 0}, {2, 2}}, kMixed), {}, kMixed},
@@ -128,18 +125,17 @@ TEST(ShiftSelection, FullLineStaysFullAndShiftingBackRestores) {
 }
 
 TEST(SelectNodesOrVertices, InvertTwiceRestores) {
-  const std::map<Inner, bool> inner{{{0, 0, 'I'}, true}, {{1, 1, 'I'}, false}};
-  Session s({Coded(2, 1, {{0, 0}, {1, 1}}, inner)});
-  s.run(kCmdSel, false, true);
-  MeshState m = s.mesh(0);
-  EXPECT_EQ(m.selectedNodes(), (NodeSet{{1, 0}, {2, 0}, {0, 1}, {2, 1}}));
-  EXPECT_FALSE(m.innerSel(0, 0, 'I'));
-  EXPECT_TRUE(m.innerSel(1, 1, 'I'));
-  s.run(kCmdSel, false, true);
-  m = s.mesh(0);
-  EXPECT_EQ(m.selectedNodes(), (NodeSet{{0, 0}, {1, 1}}));
-  EXPECT_TRUE(m.innerSel(0, 0, 'I'));
-  EXPECT_FALSE(m.innerSel(1, 1, 'I'));
+  Session s({Coded(2, 1, {{0, 0}, {1, 1}}, {{{0, 0, 'I'}, true}, {{1, 1, 'I'}, false}})});
+  // After each run: the selected nodes, and whether the first vertex (the
+  // second one is the opposite) is selected.
+  const std::pair<NodeSet, bool> steps[] = {{{{1, 0}, {2, 0}, {0, 1}, {2, 1}}, false}, {{{0, 0}, {1, 1}}, true}};
+  for (const auto& [nodes, first] : steps) {
+    s.run(kCmdSel, false, true);
+    const MeshState m = s.mesh(0);
+    EXPECT_EQ(m.selectedNodes(), nodes);
+    EXPECT_EQ(m.innerSel(0, 0, 'I'), first);
+    EXPECT_EQ(m.innerSel(1, 1, 'I'), !first);
+  }
 }
 
 }  // namespace

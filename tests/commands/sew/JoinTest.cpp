@@ -36,10 +36,7 @@ json MeshPaint(int m) { return RgbPaint(0.1 * (m % 10), 0.5, 1.0 - 0.1 * (m % 10
 std::vector<json> Arrange(const Block& b, double gap = 0.0) {
   std::vector<json> art;
   for (int m : b.order) {
-    MeshRecipe g = Cells(1, 1);
-    g.I = b.I;
-    g.J = b.J;
-    g.dx = g.dy = kCell;
+    MeshRecipe g = Cells(b.I, b.J);
     g.x0 = (m % b.cols) * (b.I * kCell + gap);
     g.y0 = (m / b.cols) * (b.J * kCell);
     g.colorAt = [m](int, int) { return MeshPaint(m); };
@@ -89,9 +86,8 @@ TEST_P(EachBlock, JoinsIntoOneMesh) {
   // Nodes inside a source mesh keep its paint; those on one seam between
   // two meshes hold the average of both.
   std::map<std::pair<double, double>, json> paint;
-  for (const json& n : mesh.at("nodes"))
-    paint[{std::round(n.at("p")[0].get<double>() * 1e9) / 1e9, std::round(n.at("p")[1].get<double>() * 1e9) / 1e9}] =
-        n.at("color");
+  const auto at = Positions(mesh);
+  for (size_t k = 0; k < at.size(); ++k) paint[at[k]] = mesh.at("nodes")[k].at("color");
   for (int m = 0; m < b.rows * b.cols; ++m) {
     const double h = (m % b.cols) * b.I * kCell, v = (m / b.cols) * b.J * kCell;
     if (b.I > 1 && b.J > 1) {
@@ -154,11 +150,11 @@ TEST(Join, RefusedArrangementsChangeNothing) {
 // stands where the group stood and the emptied group is gone. A group that
 // keeps other art keeps the result too.
 TEST(Join, MeshesLeaveAGroupThatHeldOnlyThem) {
-  json extra = MeshJson(Cells(1, 1));
-  extra["id"] = "extra";
-  extra["selected"] = false;
-  for (json& n : extra["nodes"]) n["p"][0] = n["p"][0].get<double>() + 100;
-  extra.erase("runs");  // straight again from the moved nodes
+  MeshRecipe other = Cells(1, 1);
+  other.id = "extra";
+  other.artSelected = false;
+  other.x0 = 100;
+  const json extra = MeshJson(other);
   for (bool keeps : {false, true}) {
     SCOPED_TRACE(keeps);
     std::vector<json> inside = Arrange({"Pair", 1, 2, 1, 1, {0, 1}});

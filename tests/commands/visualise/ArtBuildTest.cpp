@@ -34,8 +34,9 @@ TEST_F(ArtBuild, MakersFillTheGroupTopDownInCallOrder) {
   MakePoint(&a, group_, "point", nullptr);
   MakeSquare(&b, 1.5, group_, "square", 0.25, 0.5, 0.75, 2.0);
   MakeSquareMark(&a, 2, "mark", group_);
+  MakeSquareMark(&b, 0, "dot", group_);
   const json g = Layer()[0];
-  ASSERT_EQ(Names(g.at("children")), (std::vector<std::string>{"line", "point", "square", "mark"}));
+  ASSERT_EQ(Names(g.at("children")), (std::vector<std::string>{"line", "point", "square", "mark", "dot"}));
   const json& line = g.at("children")[0];
   EXPECT_EQ(Anchors(line), (Pts{{1, 2}, {3, 4}}));
   EXPECT_FALSE(line.at("closed").get<bool>());
@@ -46,14 +47,16 @@ TEST_F(ArtBuild, MakersFillTheGroupTopDownInCallOrder) {
   }
   EXPECT_TRUE(line.at("fill").is_null());
   EXPECT_EQ(line.at("stroke"), json({{"color", {{"rgb", {0.0, 0.0, 0.0}}}}, {"width", 1.0}}));
-  EXPECT_EQ(Anchors(g.at("children")[1]), (Pts{{1, 2}}));
   const json& sq = g.at("children")[2];
   EXPECT_TRUE(sq.at("closed").get<bool>());
   EXPECT_EQ(Anchors(sq), (Pts{{1.5, 2.5}, {1.5, 5.5}, {4.5, 5.5}, {4.5, 2.5}}));
   EXPECT_EQ(sq.at("stroke"), json({{"color", {{"rgb", {0.25, 0.5, 0.75}}}}, {"width", 2.0}}));
-  const json& mark = g.at("children")[3];
-  EXPECT_TRUE(mark.at("closed").get<bool>());
-  EXPECT_EQ(Anchors(mark), (Pts{{3, 4}, {3, 0}, {-1, 0}, {-1, 4}}));
+  // The marks of half side 2 and 0 (four coincident points).
+  const Pts marks[] = {{{3, 4}, {3, 0}, {-1, 0}, {-1, 4}}, {{3, 4}, {3, 4}, {3, 4}, {3, 4}}};
+  for (size_t k = 0; k < 2; ++k) {
+    EXPECT_TRUE(g.at("children")[3 + k].at("closed").get<bool>());
+    EXPECT_EQ(Anchors(g.at("children")[3 + k]), marks[k]);
+  }
 }
 
 TEST_F(ArtBuild, NoGroupPutsThePathAboveAllAndNoNameKeepsTheDefault) {
@@ -64,14 +67,6 @@ TEST_F(ArtBuild, NoGroupPutsThePathAboveAllAndNoNameKeepsTheDefault) {
   EXPECT_EQ(layer[0].at("type"), "path");
   EXPECT_EQ(layer[0].at("name"), "");
   EXPECT_TRUE(layer[1].at("children").empty());
-}
-
-TEST_F(ArtBuild, SquareMarkOfHalfSideZeroIsFourCoincidentPoints) {
-  const AIRealPoint c{7, 8};
-  MakeSquareMark(&c, 0, nullptr, group_);
-  const json p = Layer()[0].at("children")[0];
-  EXPECT_EQ(Anchors(p), (Pts{{7, 8}, {7, 8}, {7, 8}, {7, 8}}));
-  EXPECT_TRUE(p.at("closed").get<bool>());
 }
 
 TEST_F(ArtBuild, EmptyGroupsGoOthersStay) {

@@ -10,12 +10,7 @@
 
 namespace vistest {
 
-using lbtest::Cells;
-using lbtest::DocJson;
-using lbtest::MeshJson;
-using lbtest::MeshRecipe;
-using lbtest::Session;
-using nlohmann::json;
+using namespace lbtest;
 
 // A straight run from node (i, j) along axis split in two pieces by one
 // inner anchor at its middle, a knot or a vertex (selected or not).
@@ -33,15 +28,13 @@ inline json KnotRun() {
           {"inner", {{{"kind", "knot"}}}}};
 }
 
-// A stroke-only graphic style of the given grey width.
-inline json Style(const std::string& name, double width) {
-  return {{"name", name}, {"fill", nullptr}, {"stroke", {{"color", {{"rgb", {0, 1, 0}}}}, {"width", width}}}};
-}
-
-// One layer with the meshes, first on top, and the styles.
-inline json MeshDoc(const std::vector<MeshRecipe>& meshes, const json& styles = json::array()) {
-  json doc = DocJson(lbtest::MeshJsons(meshes));
-  if (!styles.empty()) doc["styles"] = styles;
+// One layer with the meshes, first on top, and a stroke-only graphic style
+// of width 2 for each name.
+inline json MeshDoc(const std::vector<MeshRecipe>& meshes, const std::vector<std::string>& styles = {}) {
+  json doc = DocJson(MeshJsons(meshes));
+  for (const std::string& name : styles)
+    doc["styles"].push_back(
+        {{"name", name}, {"fill", nullptr}, {"stroke", {{"color", {{"rgb", {0, 1, 0}}}}, {"width", 2.0}}}});
   return doc;
 }
 
@@ -68,7 +61,6 @@ inline std::vector<std::pair<double, double>> Anchors(const json& path) {
   return out;
 }
 
-using Pts = std::vector<std::pair<double, double>>;
 using Strs = std::vector<std::string>;
 
 }  // namespace vistest
