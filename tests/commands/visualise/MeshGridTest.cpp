@@ -121,6 +121,15 @@ TEST(MeshGrid, PartialSelectionsDrawOnlyRunsBetweenSelectedVertices) {
   }
 }
 
+TEST(MeshGrid, TwoDigitLineNames) {
+  Session s(MeshDoc({Cells(11, 1)}));
+  const json kids = s.runLayer(kGrid);
+  const auto names = Names(Child(kids[0], "J-axis").at("children"));
+  ASSERT_EQ(names.size(), 12u);
+  EXPECT_EQ(names[10], "I=10");
+  EXPECT_EQ(names[11], "I=11");
+}
+
 TEST(MeshGrid, EachMeshGetsItsGridDirectlyAboveItInsideItsGroup) {
   MeshRecipe a = Cells(1, 1), b = Cells(1, 1);
   b.x0 = 100;
@@ -225,16 +234,19 @@ TEST(Dots, HandleCountsOfCornerSideAndInnerNodes) {
   EXPECT_EQ(ChildNames(Child(ctl, "2,2")), (Strs{"-I", "-J"}));
 }
 
-// (Node names of several digits: Names.DecimalWithoutPaddingOrSign.)
-TEST(Dots, NonNodeVertices) {
-  MeshRecipe m = Cells(1, 1);
-  m.runs.push_back(SplitRun(m, 0, 1, 'I', {{"kind", "vertex"}}));
+TEST(Dots, NonNodeVerticesAndTwoDigitNodeNames) {
+  MeshRecipe m = Cells(10, 1);
+  m.runs.push_back(SplitRun(m, 9, 1, 'I', {{"kind", "vertex"}}));
   Session s(MeshDoc({m}));
   const json kids = RunDots(s);
   const json& top = kids[0];
   EXPECT_EQ(ChildNames(top), (Strs{"Nodes", "Vertices", "WithControls"}));
   EXPECT_EQ(ChildNames(Child(top, "Vertices")), (Strs{"lbVertex"}));
-  EXPECT_EQ(Anchors(Child(Child(top, "Vertices"), "lbVertex")), (Pts{{5, 10}}));
+  EXPECT_EQ(Anchors(Child(Child(top, "Vertices"), "lbVertex")), (Pts{{95, 10}}));
+  const auto names = ChildNames(Child(top, "Nodes"));
+  ASSERT_EQ(names.size(), 22u);
+  EXPECT_EQ(names[10], "10,0");
+  EXPECT_EQ(names[21], "10,1");
   const json& v = Child(Child(Child(Child(top, "WithControls"), "Controls"), "Vertices"), "lbVertex");
   EXPECT_EQ(ChildNames(v), (Strs{"-I", "+I"}));
 }
