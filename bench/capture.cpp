@@ -38,7 +38,7 @@ void Capture(benchmark::State &state, bool edge) {
   mesh.dx = mesh.dy = (kSide - 20.0) / n;
   mesh.colorAt = [](int, int) { return coltest::GrayPaint(0.5); };
   static const coltest::ImageRecipe photo = Photo();
-  coltest::Session session(coltest::Doc({coltest::MeshJson(mesh), coltest::ImageJson(photo)}));
+  coltest::Session session(coltest::DocJson(std::vector<nlohmann::json>{coltest::MeshJson(mesh), coltest::ImageJson(photo)}));
   for (auto _ : state) session.run(kCmdColorCapture, false, !edge, true, true);
   const double nodes = double(n + 1) * double(n + 1);
   state.counters["nodes"] = nodes;
