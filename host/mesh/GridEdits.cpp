@@ -254,8 +254,9 @@ int GradientMesh::Impl::insertLine(int axis, double at) {
     edgePaint(axis, k, b, f, &cols[b], &ops[b]);
     chainEval(cellOnAxis(axis, k, b).run[axis], f, &cross[b], nullptr);
   }
-  // The iso-curves read the crossing runs whole, so they come first; their
-  // ends are the split points, set once the runs are split.
+  // The crossing runs are evaluated above, before they are split; the
+  // iso-curves read only the side runs and the nodes, and their ends are
+  // the split points, set once the runs are split.
   for (int b = 0; b < m; ++b) isoCurve(*this, axis, k, b, f, cross[b], cross[b + 1], iso[b]);
   for (int b = 0; b <= m; ++b)
     splitRun(cellOnAxis(axis, k, b).run[axis], f, cellOnAxis(axis, k, b).node.selected,
