@@ -22,30 +22,27 @@ Run straightRun(P a, P b) {
   return r;
 }
 
-// Splits a run at chain parameter f; the run itself is left empty (its
-// storage becomes the left half). Where f falls on an interior anchor the
+// Splits a run at chain parameter f in place: the run keeps its left half
+// and `right` receives the other. Where f falls on an interior anchor the
 // anchor itself becomes the node (a vertex keeps its id). A new point cut
 // inside a segment is selected when both ends of that segment are
 // (startSel / endSel are the run's nodes).
-void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
+void splitRun(Run& r, double f, bool startSel, bool endSel, Run& right, SplitPoint& out) {
   using Impl = GradientMesh::Impl;
   const int m = r.pieces();
+  out = SplitPoint{};
   if (m == 1) {
     // One piece (every run of a freshly built grid): the general steps
     // below, without the anchor bookkeeping a single piece cannot need.
     P L[4], R[4];
     bez::split(r.pts.data(), std::clamp(f, 1e-12, 1 - 1e-12), L, R);
     out.point = L[3];
-    out.reuse = kNoVertex;
     out.selected = startSel && endSel;
     out.smooth[0] = out.smooth[1] = true;
-    out.right.pts.assign(R, R + 4);
-    out.right.joints.clear();
-    out.left = std::move(r);
-    std::copy(L, L + 4, out.left.pts.begin());
+    right.pts.assign(R, R + 4);
+    std::copy(L, L + 4, r.pts.begin());
     return;
   }
-  out = SplitInfo{};
   const double x = f * m;
   int q = std::min(static_cast<int>(x), m - 1);
   double t = x - q;
@@ -67,11 +64,10 @@ void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
       out.selected = (a0 == 0 ? startSel : r.joints[a0 - 1].selected) &&
                      (a1 == m ? endSel : r.joints[a1 - 1].selected);
     }
-    out.right.pts.assign(r.pts.begin() + 3 * a, r.pts.end());
-    out.right.joints.assign(r.joints.begin() + a, r.joints.end());
-    out.left = std::move(r);
-    out.left.pts.resize(static_cast<size_t>(3 * a + 1));
-    out.left.joints.resize(static_cast<size_t>(a - 1));
+    right.pts.assign(r.pts.begin() + 3 * a, r.pts.end());
+    right.joints.assign(r.joints.begin() + a, r.joints.end());
+    r.pts.resize(static_cast<size_t>(3 * a + 1));
+    r.joints.resize(static_cast<size_t>(a - 1));
     return;
   }
   t = std::clamp(t, 1e-12, 1 - 1e-12);
@@ -83,14 +79,13 @@ void splitRun(Run& r, double f, bool startSel, bool endSel, SplitInfo& out) {
   const bool s0 = a0 == 0 ? startSel : r.joints[a0 - 1].selected;
   const bool s1 = a1 == m ? endSel : r.joints[a1 - 1].selected;
   out.selected = s0 && s1;
-  out.right.pts.reserve(r.pts.size() - 3 * q);
-  out.right.pts.assign(R, R + 4);
-  out.right.pts.insert(out.right.pts.size(), r.pts.begin() + 3 * q + 4, r.pts.end());
-  out.right.joints.assign(r.joints.begin() + q, r.joints.end());
-  out.left = std::move(r);
-  out.left.pts.resize(static_cast<size_t>(3 * q + 4));
-  std::copy(L, L + 4, out.left.pts.begin() + 3 * q);
-  out.left.joints.resize(static_cast<size_t>(q));
+  right.pts.reserve(r.pts.size() - 3 * q);
+  right.pts.assign(R, R + 4);
+  right.pts.insert(right.pts.size(), r.pts.begin() + 3 * q + 4, r.pts.end());
+  right.joints.assign(r.joints.begin() + q, r.joints.end());
+  r.pts.resize(static_cast<size_t>(3 * q + 4));
+  std::copy(L, L + 4, r.pts.begin() + 3 * q);
+  r.joints.resize(static_cast<size_t>(q));
 }
 
 // Writes to `out` the iso-curve at fraction f of the patch between lines k
@@ -163,10 +158,10 @@ void isoCurve(const GradientMesh::Impl& m, int axis, int k, int b, double f, P c
 
 }  // namespace
 
-void GradientMesh::Impl::reindexRun(int axis, int i, int j) {
+void GradientMesh::Impl::reindexRun(int axis, int i, int j) { reindexRunAt(axis, col[i], row[j]); }
+void GradientMesh::Impl::reindexRunAt(int axis, int32_t cs, int32_t rs) {
   restructured();
-  const Run& r = runAt(axis, i, j);
-  const int32_t cs = col[i], rs = row[j];
+  const Run& r = cells[cs][rs].run[axis];
   for (size_t k = 0; k < r.joints.size(); ++k)
     if (r.joints[k].id != kNoVertex)
       locs[r.joints[k].id] = Loc{kInnerLoc, static_cast<int8_t>(axis), cs, rs, static_cast<int32_t>(k + 1)};
@@ -238,84 +233,84 @@ int GradientMesh::Impl::insertLine(int axis, double at) {
   if (f < 1e-9 || f > 1 - 1e-9) return -1;
   std::vector<double>& g = axis == 0 ? u : v;
   const double gnew = g[k] + f * (g[k + 1] - g[k]);
-
-  // Everything the new line needs is read before the storage changes.
-  std::vector<AIColor>& cols = scratch.cols;
-  std::vector<double>& ops = scratch.ops;
-  std::vector<SplitInfo>& splits = scratch.splits;
-  std::vector<Run>& iso = scratch.iso;
-  cols.resize(static_cast<size_t>(m + 1));
-  ops.resize(static_cast<size_t>(m + 1));
-  splits.resize(static_cast<size_t>(m + 1));
-  iso.resize(static_cast<size_t>(m));
-  std::vector<P>& cross = scratch.cross;
-  cross.resize(static_cast<size_t>(m + 1));
-  for (int b = 0; b <= m; ++b) {
-    edgePaint(axis, k, b, f, &cols[b], &ops[b]);
-    chainEval(cellOnAxis(axis, k, b).run[axis], f, &cross[b], nullptr);
-  }
-  // The crossing runs are evaluated above, before they are split; the
-  // iso-curves read only the side runs and the nodes, and their ends are
-  // the split points, set once the runs are split.
-  for (int b = 0; b < m; ++b) isoCurve(*this, axis, k, b, f, cross[b], cross[b + 1], iso[b]);
-  for (int b = 0; b <= m; ++b)
-    splitRun(cellOnAxis(axis, k, b).run[axis], f, cellOnAxis(axis, k, b).node.selected,
-             cellOnAxis(axis, k + 1, b).node.selected, splits[b]);
-  for (int b = 0; b < m; ++b) {
-    iso[b].pts.front() = splits[b].point;
-    iso[b].pts.back() = splits[b + 1].point;
-  }
   const bool noneMesh = nodeAt(0, 0).color.kind == kNoneColor;
 
-  // A new slot for the line, entered into the order tables after line k.
+  // The new line's cells go into a new slot first, outside the order
+  // tables: logical indices keep naming the old grid while the new cells
+  // are filled, and the line enters the tables after line k at the end.
+  // (A column's first cells may move when it grows, so no cell is held
+  // across this step.)
+  int32_t slot = 0;
   if (axis == 0) {
-    const int32_t cs = static_cast<int32_t>(cells.size());
+    slot = static_cast<int32_t>(cells.size());
     cells.emplace_back(rowPos.size());
-    col.insert(col.begin() + k + 1, cs);
+  } else {
+    slot = static_cast<int32_t>(rowPos.size());
+    for (size_t c = 0; c < cells.size(); ++c)
+      if (colPos[c] >= 0) cells[c].emplace_back();
+  }
+  auto slotsOf = [&](int b) {
+    return axis == 0 ? std::pair<int32_t, int32_t>{slot, row[b]} : std::pair<int32_t, int32_t>{col[b], slot};
+  };
+
+  // One pass along the line: crossing run b is evaluated and split, its
+  // new node painted, and the new run between nodes b - 1 and b built as
+  // the iso-curve of the patch they bound. The iso-curves read only the
+  // side runs, the old nodes and the crossing runs' values at f, so each
+  // pass step touches a few neighbouring cells.
+  const int back = axis, fwd = axis + 2;
+  const int cross = 1 - axis, cback = 1 - axis, cfwd = 3 - axis;
+  P crossPrev{}, pointPrev{};
+  for (int b = 0; b <= m; ++b) {
+    const auto [cs, rs] = slotsOf(b);
+    Cell& old = cellOnAxis(axis, k, b);
+    P crossAt;
+    chainEval(old.run[axis], f, &crossAt, nullptr);
+    Cell& mid = cells[cs][rs];
+    Node& d = mid.node;
+    edgePaint(axis, k, b, f, &d.color, &d.opacity);
+    if (d.color.kind == kNoneColor && !noneMesh) d.color = whiteColor();
+    SplitPoint sp;
+    splitRun(old.run[axis], f, old.node.selected, cellOnAxis(axis, k + 1, b).node.selected, mid.run[axis], sp);
+    d.id = sp.reuse != kNoVertex ? sp.reuse : newId(Loc{});
+    locs[d.id] = Loc{kNodeLoc, 0, cs, rs, 0};
+    d.p = sp.point;
+    d.selected = sp.selected;
+    d.smooth[back] = sp.smooth[0];
+    d.smooth[fwd] = sp.smooth[1];
+    reindexRunAt(axis, cs, rs);
+    if (b > 0) {
+      const auto [ps, qs] = slotsOf(b - 1);
+      Run& iso = cells[ps][qs].run[cross];
+      isoCurve(*this, axis, k, b - 1, f, crossPrev, crossAt, iso);
+      iso.pts.front() = pointPrev;
+      iso.pts.back() = sp.point;
+      // Node b - 1, when inner, is smooth across the new line where its
+      // two new runs meet in a straight line.
+      if (b >= 2) {
+        const auto [rs0, rs1] = slotsOf(b - 2);
+        Node& prev = cells[ps][qs].node;
+        const bool sm = collinear(cells[rs0][rs1].run[cross].pts.end()[-2], prev.p, iso.pts[1]);
+        prev.smooth[cback] = prev.smooth[cfwd] = sm;
+      }
+    }
+    crossPrev = crossAt;
+    pointPrev = sp.point;
+  }
+
+  // The line enters the order tables after line k.
+  if (axis == 0) {
+    col.insert(col.begin() + k + 1, slot);
     colPos.push_back(0);
     ++I;
     for (int i = k + 1; i <= I; ++i) colPos[col[i]] = i;
   } else {
-    const int32_t rs = static_cast<int32_t>(rowPos.size());
-    for (size_t c = 0; c < cells.size(); ++c)
-      if (colPos[c] >= 0) cells[c].emplace_back();
-    row.insert(row.begin() + k + 1, rs);
+    row.insert(row.begin() + k + 1, slot);
     rowPos.push_back(0);
     ++J;
     for (int j = k + 1; j <= J; ++j) rowPos[row[j]] = j;
   }
   g.insert(g.begin() + k + 1, gnew);
-
-  const int back = axis, fwd = axis + 2;
-  for (int b = 0; b <= m; ++b) {
-    SplitInfo& s = splits[b];
-    Cell& mid = cellOnAxis(axis, k + 1, b);
-    cellOnAxis(axis, k, b).run[axis] = std::move(s.left);
-    mid.run[axis] = std::move(s.right);
-    Node& d = mid.node;
-    d = Node{};
-    d.id = s.reuse != kNoVertex ? s.reuse : newId(Loc{});
-    const int ni = axis == 0 ? k + 1 : b, nj = axis == 0 ? b : k + 1;
-    setNodeLoc(d.id, ni, nj);
-    d.p = s.point;
-    d.color = cols[b];
-    if (d.color.kind == kNoneColor && !noneMesh) d.color = whiteColor();
-    d.opacity = ops[b];
-    d.selected = s.selected;
-    d.smooth[back] = s.smooth[0];
-    d.smooth[fwd] = s.smooth[1];
-    reindexRun(axis, ni, nj);
-    if (b < m) mid.run[1 - axis] = std::move(iso[b]);
-  }
-  // Inner nodes of the new line are smooth across it where its runs meet
-  // in a straight line.
-  const int cback = 1 - axis, cfwd = 3 - axis;
-  for (int b = 1; b < m; ++b) {
-    Cell& c = cellOnAxis(axis, k + 1, b);
-    const bool sm = collinear(cellOnAxis(axis, k + 1, b - 1).run[1 - axis].pts.end()[-2], c.node.p,
-                              c.run[1 - axis].pts[1]);
-    c.node.smooth[cback] = c.node.smooth[cfwd] = sm;
-  }
   dirty = true;
   return k + 1;
 }

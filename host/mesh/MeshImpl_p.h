@@ -75,24 +75,19 @@ struct Where {
   explicit operator bool() const { return kind != kDead; }
 };
 
-// The two halves of a run split at a chain parameter, and the node between.
-struct SplitInfo {
-  Run left, right;
+// The node between the two halves of a run split at a chain parameter.
+struct SplitPoint {
   P point{};
   VertexId reuse = kNoVertex;  // the interior vertex that becomes the node
   bool selected = false;
   bool smooth[2] = {false, false};
 };
 
-// Work buffers of a grid-line insertion, kept between insertions so that
-// inserting many lines allocates no large blocks; never copied.
+// Work buffer of a grid-line insertion (an iso-curve's breakpoints), kept
+// between insertions so that inserting many lines does not allocate; never
+// copied.
 struct EditScratch {
-  std::vector<AIColor> cols;
-  std::vector<double> ops;
-  std::vector<SplitInfo> splits;
-  std::vector<Run> iso;
   std::vector<double> cuts;
-  std::vector<P> cross;
   EditScratch() = default;
   EditScratch(const EditScratch&) {}
   EditScratch& operator=(const EditScratch&) { return *this; }
@@ -160,6 +155,8 @@ struct GradientMesh::Impl {
   }
   // Records the location of every vertex inside run (axis, i, j).
   void reindexRun(int axis, int i, int j);
+  // The same for the run along `axis` leaving the cell in slots (cs, rs).
+  void reindexRunAt(int axis, int32_t cs, int32_t rs);
   // Marks every vertex inside a run dead.
   void killRun(const Run& r);
 
