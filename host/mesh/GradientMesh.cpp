@@ -518,6 +518,20 @@ bool GradientMesh::insertKnots(SegmentRef s, int m, int n) {
 void GradientMesh::Impl::insertKnotsAt(const Span& sp, int m, int n) {
   const int K = sp.a1 - sp.a0 - 1;
   Run& r = runOf(sp);
+  if (n == 1 && r.pts.size() == 4) {
+    // One knot into a run of one piece (a fresh run taking a copied run's
+    // structure): the steps below for one cut at the middle, written in
+    // place; the run has no vertex to re-index.
+    P L[4], R[4];
+    bez::split(r.pts.data(), 0.5, L, R);
+    const P end = r.pts[3];
+    r.pts.resize(7);
+    P* d = r.pts.data();
+    d[1] = L[1], d[2] = L[2], d[3] = L[3], d[4] = R[1], d[5] = R[2], d[6] = end;
+    r.joints.resize(1);
+    r.joints[0] = Joint{};
+    return;
+  }
   const int piece = sp.fwd ? sp.a0 + m : sp.a0 + (K - m);
   // The piece is cut into n + 1 equal-parameter parts in place: room for
   // 3n points opens after its start, then every part is written over it.
