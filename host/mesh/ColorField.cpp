@@ -126,6 +126,12 @@ double GradientMesh::Impl::opacityAt(int i, int j, double s, double t) const {
 }
 
 void GradientMesh::Impl::edgePaint(int axis, int k, int b, double f, AIColor* color, double* opacity) const {
+  if (uniformPaint) {
+    const Node& any = nodeAt(0, 0);
+    *color = any.color;
+    *opacity = any.opacity;
+    return;
+  }
   const AIColorTag mk = nodeAt(0, 0).color.kind;
   const int mc = componentCount(mk), C = mc + 1;
   const int n = count(axis), m = count(1 - axis);

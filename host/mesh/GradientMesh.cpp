@@ -310,14 +310,14 @@ bool GradientMesh::setColor(VertexId v, const AIColor& c) {
   const Where l = impl_->loc(v);
   if (!l || l.kind != kNodeLoc) return false;
   impl_->cellOf(l).node.color = c;
-  impl_->dirty = true;
+  impl_->paintChanged();
   return true;
 }
 bool GradientMesh::setOpacity(VertexId v, double o) {
   const Where l = impl_->loc(v);
   if (!l || l.kind != kNodeLoc) return false;
   impl_->cellOf(l).node.opacity = o;
-  impl_->dirty = true;
+  impl_->paintChanged();
   return true;
 }
 AIRealPoint GradientMesh::uv(VertexId v) const {
@@ -645,7 +645,7 @@ void GradientMesh::setNodeData(int i, int j, const MeshNodeData& d) {
   n.opacity = d.opacity;
   n.selected = d.selected;
   std::copy(d.smooth, d.smooth + 4, n.smooth);
-  impl_->dirty = true;
+  impl_->paintChanged();
 }
 MeshRunData GradientMesh::runData(int axis, int i, int j) const {
   MeshRunData d;

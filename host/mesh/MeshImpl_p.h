@@ -108,6 +108,14 @@ struct GradientMesh::Impl {
   // colour kind followed by the opacity, with their slopes along u and v.
   // Rebuilt lazily on the first evaluation after a change.
   mutable bool dirty = true;
+  // Every node has the very same paint: a fresh grid and the lines added to
+  // it, until a node's colour or opacity is set. A new line's nodes then
+  // take that paint without looking at their neighbours.
+  bool uniformPaint = true;
+  void paintChanged() {
+    dirty = true;
+    uniformPaint = false;
+  }
   mutable AIColorTag kind = kThreeColor;
   mutable int nc = 3;
   mutable std::vector<double> val, du, dv;

@@ -1,6 +1,8 @@
 // Structural edits keep the geometry they promise to keep: knots inserted
 // and split off exactly, joins undo splits, grid lines inserted through the
 // surface and deleted without moving the remaining lines.
+#include <functional>
+
 #include "host/mesh/Bezier.h"
 #include "EngineTest.h"
 
@@ -179,6 +181,34 @@ TEST_F(GridLines, InsertVAndNewNodePaint) {
     for (double v = 0; v <= 1; v += 0.0625) EXPECT_LT(dist(old.evalPoint(u, v), m().evalPoint(u, v)), kTol);
   // Old nodes keep their paint under their new indices.
   EXPECT_EQ(m().nodeData(2, 3).color.c.rgb.green, 1.0);
+}
+
+// A fresh grid's new nodes share its one paint; once one node's colour or
+// opacity is set, whichever way, new nodes must take the surface's again.
+TEST_F(GridLines, NewNodesFollowPaintSetOnAFreshGrid) {
+  const AIColor red = Rgb(1, 0, 0);
+  const std::vector<std::pair<const char*, std::function<void()>>> changes = {
+      {"colour", [&] { s.vtx->SetColor(node(0, 0), &red); }},
+      {"opacity", [&] { s.vtx->SetOpacity(node(0, 0), 0.2); }},
+      {"node data", [&] {
+         lb::host::MeshNodeData d = m().nodeData(0, 0);
+         d.color = red;
+         m().setNodeData(0, 0, d);
+       }},
+  };
+  for (const auto& [name, change] : changes) {
+    SCOPED_TRACE(name);
+    s.mesh->InitCartesian(art, 2, 2);
+    change();
+    const lb::host::GradientMesh old = m();
+    int32_t ni = -1;
+    ASSERT_EQ(s.mesh->InsertU(art, 0.5, &ni), kNoErr);
+    const auto got = m().nodeData(1, 0);
+    const AIColor want = old.evalColor(0.25, 0);
+    EXPECT_NEAR(got.color.c.rgb.red, want.c.rgb.red, 1e-12);
+    EXPECT_NEAR(got.color.c.rgb.green, want.c.rgb.green, 1e-12);
+    EXPECT_NEAR(got.opacity, old.evalOpacity(0.25, 0), 1e-12);
+  }
 }
 
 TEST_F(GridLines, InsertThroughAVertexMakesItTheNode) {
