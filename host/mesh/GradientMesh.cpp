@@ -341,6 +341,7 @@ bool GradientMesh::selected(VertexId v) const {
 void GradientMesh::setSelected(VertexId v, bool on) {
   const Where l = impl_->loc(v);
   if (!l) return;
+  if (on) impl_->noneSelected = false;
   if (l.kind == kNodeLoc)
     impl_->cellOf(l).node.selected = on;
   else
@@ -365,17 +366,20 @@ void forEachSelFlag(M& m, F f) {
 }  // namespace
 
 void GradientMesh::selectAll() {
+  impl_->noneSelected = false;
   forEachSelFlag(*impl_, [](bool& s) { s = true; });
 }
 void GradientMesh::clearSelection() {
+  if (impl_->noneSelected) return;
   forEachSelFlag(*impl_, [](bool& s) { s = false; });
+  impl_->noneSelected = true;
 }
 size_t GradientMesh::selectedCount() const {
   size_t n = 0;
   forEachSelFlag(*impl_, [&](const bool& s) { n += s; });
   return n;
 }
-bool GradientMesh::isSelectionEmpty() const { return selectedCount() == 0; }
+bool GradientMesh::isSelectionEmpty() const { return impl_->noneSelected || selectedCount() == 0; }
 bool GradientMesh::isSelectionFull() const { return selectedCount() == vertexCount(); }
 std::vector<VertexId> GradientMesh::vertices() const {
   std::vector<VertexId> out;
@@ -644,6 +648,7 @@ void GradientMesh::setNodeData(int i, int j, const MeshNodeData& d) {
   n.color = d.color;
   n.opacity = d.opacity;
   n.selected = d.selected;
+  if (d.selected) impl_->noneSelected = false;
   std::copy(d.smooth, d.smooth + 4, n.smooth);
   impl_->paintChanged();
 }
@@ -681,6 +686,7 @@ bool GradientMesh::setRunData(int axis, int i, int j, const MeshRunData& d) {
     Joint& jt = r.joints[k];
     jt.id = impl_->newId(Loc{});
     jt.selected = d.inner[k].selected;
+    if (jt.selected) impl_->noneSelected = false;
     jt.smooth[0] = d.inner[k].smooth[0];
     jt.smooth[1] = d.inner[k].smooth[1];
   }

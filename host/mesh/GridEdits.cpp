@@ -177,6 +177,7 @@ void GradientMesh::Impl::init(int i, int j) {
   const Restructuring restructuring(*this);
   I = i, J = j;
   uniformPaint = true;
+  noneSelected = true;
   locs.clear();
   col.resize(I + 1), colPos.resize(I + 1), row.resize(J + 1), rowPos.resize(J + 1);
   for (int k = 0; k <= I; ++k) col[k] = colPos[k] = k;

@@ -112,6 +112,10 @@ struct GradientMesh::Impl {
   // it, until a node's colour or opacity is set. A new line's nodes then
   // take that paint without looking at their neighbours.
   bool uniformPaint = true;
+  // No vertex is selected: a fresh grid, or a cleared selection, until a
+  // vertex is selected. Edits keep it (a vertex they make is selected only
+  // when selected ones bound it), and clearing then has nothing to do.
+  bool noneSelected = true;
   void paintChanged() {
     dirty = true;
     uniformPaint = false;

@@ -3,6 +3,7 @@
 // and selection lifetimes: counters, AtEnd after edits and after the mesh
 // is gone, visible versus detached selections.
 #include <cstring>
+#include <functional>
 #include <random>
 
 #include "EngineTest.h"
@@ -245,6 +246,40 @@ TEST_F(Lifetimes, VisibleSelectionShowsOnTheMeshDetachedOnesDoNot) {
   m().clearSelection();
   EXPECT_EQ(std::make_pair(s.sel->IsEmpty(vis), s.sel->IsEmpty(mine)), std::make_pair(AIBoolean(1), AIBoolean(0)));
   for (auto* x : {vis, mine, full}) s.sel->Release(x);
+}
+
+// Clearing skips a mesh known to have nothing selected, so every way of
+// selecting a vertex on a fresh grid must leave it for clearing to find.
+TEST_F(Lifetimes, ClearingFindsAVertexSelectedAnyWay) {
+  const std::vector<std::pair<const char*, std::function<void()>>> ways = {
+      {"node", [&] { m().setSelected(m().node(1, 0), true); }},
+      {"inner vertex", [&] {
+         AIMeshSegmentIterator g = along(node(0, 0), kAIMeshIAxis);
+         s.seg->InsertKnots(g, 0, 1);
+         s.seg->Split(g, 0);
+         m().setSelected(m().segmentEnd({m().node(0, 0), lb::host::kDirIFwd}), true);
+       }},
+      {"node data", [&] {
+         lb::host::MeshNodeData d = m().nodeData(1, 1);
+         d.selected = true;
+         m().setNodeData(1, 1, d);
+       }},
+      {"run data", [&] {
+         lb::host::MeshRunData r = m().runData(1, 0, 0);
+         r.points.insert(r.points.begin() + 2, 3, r.points[1]);
+         r.inner = {{true, true, {false, false}}};
+         ASSERT_TRUE(m().setRunData(1, 0, 0, r));
+       }},
+      {"all", [&] { m().selectAll(); }},
+  };
+  for (const auto& [name, select] : ways) {
+    SCOPED_TRACE(name);
+    s.mesh->InitCartesian(art, 1, 1);
+    select();
+    EXPECT_FALSE(m().isSelectionEmpty());
+    m().clearSelection();
+    EXPECT_EQ(m().selectedCount(), 0u);
+  }
 }
 
 TEST_F(Lifetimes, HitVertexFindsTheNearestWithinTolerance) {
