@@ -110,9 +110,7 @@ bool Document::ownsStyle(const GraphicStyle* style) const {
 
 // ---- tree bookkeeping -----------------------------------------------------
 
-bool Document::contains(const ArtObject* art) const {
-  if (!art) return false;
-  if (art == lastFound_[0] || art == lastFound_[1]) return true;
+bool Document::find(const ArtObject* art) const {
   if (live_.count(art) == 0) return false;
   lastFound_[1] = lastFound_[0];
   lastFound_[0] = art;

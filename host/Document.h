@@ -117,7 +117,9 @@ class Document {
 
   // ---- the art tree ----
   // True when art is a live object of this document (layers included).
-  bool contains(const ArtObject* art) const;
+  bool contains(const ArtObject* art) const {
+    return art && (art == lastFound_[0] || art == lastFound_[1] || find(art));
+  }
   ArtObject* findById(const std::string& id) const;
 
   // New art of `type` placed relative to prep; prep may be null for the
@@ -190,6 +192,8 @@ class Document {
   // about the same mesh over and over while a command walks it, and a copy
   // between two meshes alternates between them.
   mutable const ArtObject* lastFound_[2] = {nullptr, nullptr};
+  // contains() past the two remembered arts: looks art up and remembers it.
+  bool find(const ArtObject* art) const;
 };
 
 }  // namespace lb::host

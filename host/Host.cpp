@@ -128,6 +128,7 @@ Host& Host::current() {
 }
 
 bool Host::exists() { return gCurrent != nullptr; }
+Document* Host::currentDocument() { return gCurrent ? gCurrent->impl_->doc.get() : nullptr; }
 
 Document& Host::document() { return *impl_->doc; }
 

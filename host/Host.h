@@ -46,6 +46,8 @@ class Host {
   static Host& current();
   // True while some Host exists.
   static bool exists();
+  // The current Host's document, or null when no Host exists.
+  static Document* currentDocument();
 
   Document& document();
   std::unique_ptr<Document> takeDocument();

@@ -71,7 +71,7 @@ struct _AIMeshSelection {
       // Selecting a vertex the user sees selects the mesh art too (its
       // attribute bit only: the rest of the vertex selection is kept).
       if (on && art && art->mesh.get() == m.mesh &&
-          (!lb::host::Host::exists() || lb::host::Host::current().document().contains(art)))
+          (!lb::host::Host::currentDocument() || lb::host::Host::currentDocument()->contains(art)))
         art->userAttr |= kArtSelected;
       return;
     }
@@ -137,13 +137,17 @@ IterPool<T>& poolOf() {
   return pool;
 }
 
-AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) {
+[[gnu::always_inline]] inline AIMeshVertexIterator newVertex(GradientMesh* mesh, const LifeToken& life, VertexId id) {
   auto* it = poolOf<_AIMeshVertexIterator>().get();
-  it->m = m;
+  it->m.mesh = mesh;
+  it->m.life = life;
   it->id = id;
   ++liveCounters().vertexIterators;
   return it;
 }
+AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) { return newVertex(m.mesh, m.life, id); }
+// A mesh taken from its art: no reference of its own to copy.
+AIMeshVertexIterator newVertex(GradientMesh* mesh, VertexId id) { return newVertex(mesh, mesh->lifeToken(), id); }
 AIMeshSegmentIterator newSegment(const MeshRef& m, SegmentRef s) {
   auto* it = poolOf<_AIMeshSegmentIterator>().get();
   it->m = m;
@@ -190,7 +194,7 @@ int32_t release(T* o, long Counters::*counter) {
 
 AIErr meshOf(AIArtHandle art, GradientMesh** out) {
   if (!art) return kBadParameterErr;
-  if (Host::exists() && !Host::current().document().contains(art)) return kNoSuchArtErr;
+  if (const Document* doc = Host::currentDocument(); doc && !doc->contains(art)) return kNoSuchArtErr;
   if (art->type != kMeshArt) return kWrongArtTypeErr;
   if (!art->mesh) art->mesh = std::make_unique<GradientMesh>();
   *out = art->mesh.get();
@@ -245,7 +249,7 @@ AIErr GetNode(AIArtHandle art, int32_t i, int32_t j, AIMeshVertexIterator* verte
   if (!vertex) return kBadParameterErr;
   const VertexId id = m->node(i, j);
   if (id == kNoVertex) return kBadParameterErr;
-  *vertex = newVertex(refOf(m), id);
+  *vertex = newVertex(m, id);
   return kNoErr;
 }
 AIErr GetStartVertex(AIArtHandle art, AIMeshVertexIterator* vertex) {
