@@ -21,15 +21,25 @@ double dist(const AIRealPoint& a, const AIRealPoint& b) {
 
 double polygonLength(const AIRealBezier& b) { return dist(b.p0, b.p1) + dist(b.p1, b.p2) + dist(b.p2, b.p3); }
 
+// One level of the length below: true, with the length in *len, when the
+// curve needs no halving.
+inline bool levelLength(const AIRealBezier& b, double flatness, int depth, double* len) {
+  const double poly = polygonLength(b);
+  const double chord = dist(b.p0, b.p3);
+  if (!std::isfinite(poly) || !std::isfinite(chord)) {
+    *len = poly + chord;
+    return true;
+  }
+  *len = 0.5 * (poly + chord);
+  return poly - chord < std::max(flatness, 1e-7 * poly) || depth >= 20;
+}
 // Halves the curve until its control polygon is within the flatness of its
 // chord. The tolerance is also relative to the curve's size, so huge
 // coordinates do not force a full-depth subdivision, and non-finite input
 // returns at once: the work is bounded on every input.
 double lengthRec(const AIRealBezier& b, double flatness, int depth) {
-  const double poly = polygonLength(b);
-  const double chord = dist(b.p0, b.p3);
-  if (!std::isfinite(poly) || !std::isfinite(chord)) return poly + chord;
-  if (poly - chord < std::max(flatness, 1e-7 * poly) || depth >= 20) return 0.5 * (poly + chord);
+  double len = 0;
+  if (levelLength(b, flatness, depth, &len)) return len;
   AIRealBezier l, r;
   divide(b, 0.5, &l, &r);
   return lengthRec(l, flatness, depth + 1) + lengthRec(r, flatness, depth + 1);
@@ -96,7 +106,12 @@ void divide(const AIRealBezier& b, double t, AIRealBezier* left, AIRealBezier* r
 double length(const AIRealBezier& b, double flatness) {
   if (!(flatness > 0)) flatness = 1e-6 * polygonLength(b);
   if (!(flatness > 0)) return 0;  // all four points coincide
-  return lengthRec(b, flatness, 0);
+  // The first level here: most pieces are flat enough at once.
+  double len = 0;
+  if (levelLength(b, flatness, 0, &len)) return len;
+  AIRealBezier l, r;
+  divide(b, 0.5, &l, &r);
+  return lengthRec(l, flatness, 1) + lengthRec(r, flatness, 1);
 }
 
 AIRealRect bounds(const AIRealBezier& b) {
