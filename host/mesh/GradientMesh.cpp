@@ -336,22 +336,6 @@ AIRealPoint GradientMesh::uv(VertexId v) const {
 
 // ---- selection -------------------------------------------------------------
 
-bool GradientMesh::selected(VertexId v) const {
-  const Where l = impl_->loc(v);
-  if (!l) return false;
-  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.selected;
-  return impl_->cellOf(l).run[l.axis].joints[l.a - 1].selected;
-}
-void GradientMesh::setSelected(VertexId v, bool on) {
-  const Where l = impl_->loc(v);
-  if (!l) return;
-  if (on) impl_->noneSelected = false;
-  if (l.kind == kNodeLoc)
-    impl_->cellOf(l).node.selected = on;
-  else
-    impl_->cellOf(l).run[l.axis].joints[l.a - 1].selected = on;
-}
-
 namespace {
 // Calls f on the selected flag of every vertex, column by column: the
 // order cells lie in memory (the order of the calls does not matter).
@@ -367,24 +351,58 @@ void forEachSelFlag(M& m, F f) {
             if (jt.id != kNoVertex) f(jt.selected);
     }
 }
+// Before a vertex of a wholly selected mesh is deselected: the flags, not
+// yet written, all become true.
+void spreadWholeSelection(GradientMesh::Impl& m) {
+  if (!m.allSelected) return;
+  forEachSelFlag(m, [](bool& s) { s = true; });
+  m.allSelected = false;
+}
 }  // namespace
+
+bool GradientMesh::selected(VertexId v) const {
+  const Where l = impl_->loc(v);
+  if (!l) return false;
+  if (impl_->allSelected) return true;
+  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.selected;
+  return impl_->cellOf(l).run[l.axis].joints[l.a - 1].selected;
+}
+void GradientMesh::setSelected(VertexId v, bool on) {
+  const Where l = impl_->loc(v);
+  if (!l) return;
+  if (on) {
+    impl_->noneSelected = false;
+    if (impl_->allSelected) return;
+  } else {
+    spreadWholeSelection(*impl_);
+  }
+  if (l.kind == kNodeLoc)
+    impl_->cellOf(l).node.selected = on;
+  else
+    impl_->cellOf(l).run[l.axis].joints[l.a - 1].selected = on;
+}
 
 void GradientMesh::selectAll() {
   impl_->noneSelected = false;
-  forEachSelFlag(*impl_, [](bool& s) { s = true; });
+  impl_->allSelected = true;
 }
 void GradientMesh::clearSelection() {
   if (impl_->noneSelected) return;
   forEachSelFlag(*impl_, [](bool& s) { s = false; });
   impl_->noneSelected = true;
+  impl_->allSelected = false;
 }
 size_t GradientMesh::selectedCount() const {
+  if (impl_->allSelected) return vertexCount();
   size_t n = 0;
   forEachSelFlag(*impl_, [&](const bool& s) { n += s; });
   return n;
 }
-bool GradientMesh::isSelectionEmpty() const { return impl_->noneSelected || selectedCount() == 0; }
-bool GradientMesh::isSelectionFull() const { return selectedCount() == vertexCount(); }
+bool GradientMesh::isSelectionEmpty() const {
+  if (impl_->noneSelected || impl_->allSelected) return impl_->noneSelected;
+  return selectedCount() == 0;
+}
+bool GradientMesh::isSelectionFull() const { return impl_->allSelected || selectedCount() == vertexCount(); }
 std::vector<VertexId> GradientMesh::vertices() const {
   std::vector<VertexId> out;
   for (VertexId v = firstVertex(); v != kNoVertex; v = nextVertex(v)) out.push_back(v);
@@ -642,7 +660,7 @@ MeshNodeData GradientMesh::nodeData(int i, int j) const {
   d.p = n.p;
   d.color = n.color;
   d.opacity = n.opacity;
-  d.selected = n.selected;
+  d.selected = impl_->allSelected || n.selected;
   std::copy(n.smooth, n.smooth + 4, d.smooth);
   return d;
 }
@@ -651,6 +669,7 @@ void GradientMesh::setNodeData(int i, int j, const MeshNodeData& d) {
   Node& n = impl_->nodeAt(i, j);
   n.color = d.color;
   n.opacity = d.opacity;
+  if (!d.selected) spreadWholeSelection(*impl_);
   n.selected = d.selected;
   if (d.selected) impl_->noneSelected = false;
   std::copy(d.smooth, d.smooth + 4, n.smooth);
@@ -664,7 +683,7 @@ MeshRunData GradientMesh::runData(int axis, int i, int j) const {
   for (const Joint& jt : r.joints) {
     MeshRunData::Inner in;
     in.vertex = jt.id != kNoVertex;
-    in.selected = in.vertex && jt.selected;
+    in.selected = in.vertex && (impl_->allSelected || jt.selected);
     in.smooth[0] = in.vertex && jt.smooth[0];
     in.smooth[1] = in.vertex && jt.smooth[1];
     d.inner.push_back(in);
@@ -676,6 +695,8 @@ bool GradientMesh::setRunData(int axis, int i, int j, const MeshRunData& d) {
   if (!impl_->runExists(axis, i, j)) return false;
   if (d.points.size() < 4 || (d.points.size() - 1) % 3 != 0 || d.inner.size() != (d.points.size() - 1) / 3 - 1)
     return false;
+  for (const MeshRunData::Inner& in : d.inner)
+    if (in.vertex && !in.selected) spreadWholeSelection(*impl_);
   Run& r = impl_->runAt(axis, i, j);
   for (const Joint& jt : r.joints)
     if (jt.id != kNoVertex) impl_->locs[jt.id].kind = kDead;

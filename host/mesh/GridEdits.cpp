@@ -178,6 +178,7 @@ void GradientMesh::Impl::init(int i, int j) {
   I = i, J = j;
   uniformPaint = true;
   noneSelected = true;
+  allSelected = false;
   locs.clear();
   col.resize(I + 1), colPos.resize(I + 1), row.resize(J + 1), rowPos.resize(J + 1);
   for (int k = 0; k <= I; ++k) col[k] = colPos[k] = k;

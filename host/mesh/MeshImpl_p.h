@@ -116,6 +116,10 @@ struct GradientMesh::Impl {
   // vertex is selected. Edits keep it (a vertex they make is selected only
   // when selected ones bound it), and clearing then has nothing to do.
   bool noneSelected = true;
+  // Every vertex is selected, whatever the flags say: selecting a whole
+  // mesh writes no flag. Edits keep it (a vertex they make between selected
+  // ones is selected); deselecting one vertex first sets every flag.
+  bool allSelected = false;
   void paintChanged() {
     dirty = true;
     uniformPaint = false;

@@ -282,6 +282,44 @@ TEST_F(Lifetimes, ClearingFindsAVertexSelectedAnyWay) {
   }
 }
 
+// Selecting a whole mesh writes no flag: every reader must still see each
+// vertex selected, also those edits make later, and deselecting one vertex
+// any way must leave all the others selected.
+TEST_F(Lifetimes, WholeSelectionHoldsThroughEditsAndLosesOneVertexAtATime) {
+  const std::vector<std::pair<const char*, std::function<void()>>> deselect = {
+      {"vertex", [&] { m().setSelected(m().node(0, 1), false); }},
+      {"node data", [&] {
+         lb::host::MeshNodeData d = m().nodeData(0, 1);
+         d.selected = false;
+         m().setNodeData(0, 1, d);
+       }},
+      {"run data", [&] {
+         lb::host::MeshRunData r = m().runData(1, 0, 0);  // holds the vertex cut below
+         r.inner.at(0).selected = false;
+         ASSERT_TRUE(m().setRunData(1, 0, 0, r));
+       }},
+  };
+  for (const auto& [name, change] : deselect) {
+    SCOPED_TRACE(name);
+    s.mesh->InitCartesian(art, 1, 1);
+    AIMeshSegmentIterator g = along(node(0, 0), kAIMeshJAxis);
+    s.seg->InsertKnots(g, 0, 1);
+    s.seg->Split(g, 0);  // a vertex on the run from (0, 0) along J
+    m().selectAll();
+    int32_t k = -1;
+    ASSERT_EQ(s.mesh->InsertU(art, 0.5, &k), kNoErr);
+    EXPECT_TRUE(m().isSelectionFull());
+    EXPECT_EQ(std::tuple(m().selected(m().node(1, 0)), m().nodeData(1, 1).selected,
+                         m().runData(1, 0, 0).inner.at(0).selected),
+              std::tuple(true, true, true));
+    const size_t all = m().vertexCount();
+    EXPECT_EQ(m().selectedCount(), all);
+    change();
+    EXPECT_EQ(m().selectedCount(), all - 1);
+    EXPECT_TRUE(m().selected(m().node(1, 1)));
+  }
+}
+
 TEST_F(Lifetimes, HitVertexFindsTheNearestWithinTolerance) {
   s.mesh->InitCartesian(art, 2, 2);
   AIMeshVertexIterator v = nullptr;
