@@ -602,7 +602,7 @@ VertexId GradientMesh::split(SegmentRef s, int k) {
   const int a = sp.fwd ? sp.a0 + 1 + k : sp.a1 - 1 - k;
   Run& r = impl_->runOf(sp);
   Joint& jt = r.joints[a - 1];
-  jt.id = impl_->newId(Loc{kInnerLoc, static_cast<int8_t>(sp.axis), sp.cs, sp.rs, a});
+  jt.id = impl_->newId(Loc::inner(sp.axis, sp.cs, sp.rs, a));
   // The new vertex joins the selection when the segment it cuts was selected.
   jt.selected = selected(impl_->anchorId(sp, sp.a0)) && selected(impl_->anchorId(sp, sp.a1));
   jt.smooth[0] = jt.smooth[1] = collinear(r.pts[3 * a - 1], r.pts[3 * a], r.pts[3 * a + 1]);

@@ -164,7 +164,7 @@ void GradientMesh::Impl::reindexRunAt(int axis, int32_t cs, int32_t rs) {
   const Run& r = cells[cs][rs].run[axis];
   for (size_t k = 0; k < r.joints.size(); ++k)
     if (r.joints[k].id != kNoVertex)
-      locs[r.joints[k].id] = Loc{kInnerLoc, static_cast<int8_t>(axis), cs, rs, static_cast<int32_t>(k + 1)};
+      locs[r.joints[k].id] = Loc::inner(axis, cs, rs, static_cast<int32_t>(k + 1));
 }
 
 void GradientMesh::Impl::killRun(const Run& r) {
@@ -196,7 +196,7 @@ void GradientMesh::Impl::init(int i, int j) {
       Node& n = nodeAt(a, b);
       n.p = {static_cast<double>(a) / I, static_cast<double>(b) / J};
       n.color = whiteColor();
-      n.id = newId(Loc{kNodeLoc, 0, a, b, 0});
+      n.id = newId(Loc::node(a, b, nodeDirs(a, b, I, J)));
     }
   for (int b = 0; b <= J; ++b)
     for (int a = 0; a < I; ++a) runAt(0, a, b) = straightRun(nodeAt(a, b).p, nodeAt(a + 1, b).p);
@@ -278,7 +278,10 @@ int GradientMesh::Impl::insertLine(int axis, double at) {
     SplitPoint sp;
     splitRun(old.run[axis], f, old.node.selected, cellOnAxis(axis, k + 1, b).node.selected, mid.run[axis], sp);
     d.id = sp.reuse != kNoVertex ? sp.reuse : newId(Loc{});
-    locs[d.id] = Loc{kNodeLoc, 0, cs, rs, 0};
+    // The new line lies inside the grid: the node has both directions
+    // across it, and those along it that its place on the line allows.
+    const unsigned along = (b > 0 ? 1u << (1 - axis) : 0u) | (b < m ? 1u << (3 - axis) : 0u);
+    locs[d.id] = Loc::node(cs, rs, (1u << axis) | (1u << (axis + 2)) | along);
     d.p = sp.point;
     d.selected = sp.selected;
     d.smooth[back] = sp.smooth[0];

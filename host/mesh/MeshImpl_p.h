@@ -59,17 +59,37 @@ struct Cell {
 enum : int8_t { kDead = 0, kNodeLoc = 1, kInnerLoc = 2 };
 
 // Where a vertex lives, in slot coordinates: a node, or anchor a of the run
-// along `axis` that leaves the node in cell (cs, rs).
+// along `axis` that leaves the node in cell (cs, rs); with the directions
+// it has segments in (bit d for direction d).
+//
+// A node's directions are those that stay inside the grid. They never
+// change while it lives: lines are inserted and deleted strictly inside
+// the grid, so a node on the border stays there and an inner one inside.
 struct Loc {
   int8_t kind = kDead;
   int8_t axis = 0;
+  uint8_t dirs = 0;
   int32_t cs = 0, rs = 0, a = 0;
+  static Loc node(int32_t cs, int32_t rs, unsigned dirs) {
+    return Loc{kNodeLoc, 0, static_cast<uint8_t>(dirs), cs, rs, 0};
+  }
+  // A non-node vertex has the two directions along its run.
+  static Loc inner(int axis, int32_t cs, int32_t rs, int32_t a) {
+    const unsigned dirs = axis == 0 ? (1u << kDirIFwd) | (1u << kDirIBack) : (1u << kDirJFwd) | (1u << kDirJBack);
+    return Loc{kInnerLoc, static_cast<int8_t>(axis), static_cast<uint8_t>(dirs), cs, rs, a};
+  }
 };
+// The directions of a node at (i, j) of an I x J grid.
+constexpr unsigned nodeDirs(int i, int j, int I, int J) {
+  return (i > 0 ? 1u << kDirIBack : 0u) | (j > 0 ? 1u << kDirJBack : 0u) | (i < I ? 1u << kDirIFwd : 0u) |
+         (j < J ? 1u << kDirJFwd : 0u);
+}
 
 // A vertex's location in logical indices, with the slots of its cell.
 struct Where {
   int8_t kind = kDead;
   int8_t axis = 0;
+  uint8_t dirs = 0;
   int32_t i = 0, j = 0, a = 0;
   int32_t cs = 0, rs = 0;
   explicit operator bool() const { return kind != kDead; }
@@ -161,7 +181,7 @@ struct GradientMesh::Impl {
   Where loc(VertexId id) const {
     if (id >= locs.size() || locs[id].kind == kDead) return Where{};
     const Loc& l = locs[id];
-    return Where{l.kind, l.axis, colPos[l.cs], rowPos[l.rs], l.a, l.cs, l.rs};
+    return Where{l.kind, l.axis, l.dirs, colPos[l.cs], rowPos[l.rs], l.a, l.cs, l.rs};
   }
   // The cell a located vertex lives in (a node's own cell, or the start
   // cell of a non-node vertex's run), reached by its slots directly.
@@ -169,7 +189,7 @@ struct GradientMesh::Impl {
   const Cell& cellOf(const Where& l) const { return cells[l.cs][l.rs]; }
   void setNodeLoc(VertexId id, int i, int j) {
     restructured();
-    locs[id] = Loc{kNodeLoc, 0, col[i], row[j], 0};
+    locs[id] = Loc::node(col[i], row[j], nodeDirs(i, j, I, J));
   }
   // Records the location of every vertex inside run (axis, i, j).
   void reindexRun(int axis, int i, int j);
@@ -181,13 +201,7 @@ struct GradientMesh::Impl {
   // Bit d set when vertex v has a segment in direction d: a node has those
   // that stay inside the grid, a non-node vertex the two along its run.
   unsigned segmentMask(VertexId v) const { return maskOf(loc(v)); }
-  unsigned maskOf(const Where& l) const {
-    if (!l) return 0;
-    if (l.kind == kInnerLoc)
-      return l.axis == 0 ? (1u << kDirIFwd) | (1u << kDirIBack) : (1u << kDirJFwd) | (1u << kDirJBack);
-    return (l.i > 0 ? 1u << kDirIBack : 0u) | (l.j > 0 ? 1u << kDirJBack : 0u) | (l.i < I ? 1u << kDirIFwd : 0u) |
-           (l.j < J ? 1u << kDirJFwd : 0u);
-  }
+  unsigned maskOf(const Where& l) const { return l.dirs; }
 
   // Calls f on every interior anchor of every run, in walk order of runs.
   template <class F>
