@@ -23,8 +23,8 @@ using lb::host::VertexId;
 
 struct MeshRef {
   GradientMesh* mesh = nullptr;
-  lb::host::LifeToken life;
-  bool live() const { return mesh && life.alive(); }
+  lb::host::LifeToken life;  // set together with mesh, never without it
+  bool live() const { return life.alive(); }
 };
 
 struct _AIMeshVertexIterator {
