@@ -57,21 +57,21 @@ VertexId GradientMesh::Impl::firstInner(const Run& r, int after) {
 
 bool GradientMesh::Impl::computeSpan(SegmentRef s, Span* out) const {
   const Where l = loc(s.start);
-  if (!l || s.dir < 0 || s.dir > 3) return false;
+  // A gone vertex has no directions; a node has those that stay inside the
+  // grid, a non-node vertex the two along its run.
+  if (s.dir < 0 || s.dir > 3 || !((l.dirs >> s.dir) & 1u)) return false;
   Span sp;
   sp.axis = dirAxis(s.dir);
   sp.fwd = dirForward(s.dir);
   if (l.kind == kNodeLoc) {
     if (sp.fwd) {
       sp.i = l.i, sp.j = l.j;
-      if (!runExists(sp.axis, sp.i, sp.j)) return false;
       sp.cs = l.cs, sp.rs = l.rs;
       sp.a0 = 0;
       sp.a1 = nextVertexAnchor(runOf(sp), 0);
     } else {
       sp.i = sp.axis == 0 ? l.i - 1 : l.i;
       sp.j = sp.axis == 0 ? l.j : l.j - 1;
-      if (!runExists(sp.axis, sp.i, sp.j)) return false;
       sp.cs = sp.axis == 0 ? col[sp.i] : l.cs;
       sp.rs = sp.axis == 0 ? l.rs : row[sp.j];
       const Run& r = runOf(sp);
@@ -79,7 +79,6 @@ bool GradientMesh::Impl::computeSpan(SegmentRef s, Span* out) const {
       sp.a0 = prevVertexAnchor(r, sp.a1);
     }
   } else {
-    if (l.axis != sp.axis) return false;
     sp.i = l.i, sp.j = l.j;
     sp.cs = l.cs, sp.rs = l.rs;
     const Run& r = runOf(sp);
