@@ -549,12 +549,10 @@ void GradientMesh::Impl::insertKnotsAt(const Span& sp, int m, int n) {
     // place; the run has no vertex to re-index.
     P L[4], R[4];
     bez::split(r.pts.data(), 0.5, L, R);
-    const P end = r.pts[3];
-    r.pts.resize(7);
-    P* d = r.pts.data();
-    d[1] = L[1], d[2] = L[2], d[3] = L[3], d[4] = R[1], d[5] = R[2], d[6] = end;
-    r.joints.resize(1);
-    r.joints[0] = Joint{};
+    P* d = r.pts.resizeForOverwrite(7);
+    d[6] = d[3];
+    d[1] = L[1], d[2] = L[2], d[3] = L[3], d[4] = R[1], d[5] = R[2];
+    *r.joints.resizeForOverwrite(1) = Joint{};
     return;
   }
   const int piece = sp.fwd ? sp.a0 + m : sp.a0 + (K - m);

@@ -75,8 +75,16 @@ class InlineVec {
   }
   void resize(size_t n, const T& v = T{}) {
     reserve(n);
-    for (size_t k = size_; k < n; ++k) data()[k] = v;
+    T* d = data();
+    for (size_t k = size_; k < n; ++k) d[k] = v;
     size_ = static_cast<uint32_t>(n);
+  }
+  // Resizes to n leaving new elements unset, for the caller to write, and
+  // returns the elements.
+  T* resizeForOverwrite(size_t n) {
+    reserve(n);
+    size_ = static_cast<uint32_t>(n);
+    return data();
   }
   void push_back(const T& v) {
     if (size_ == cap_) grow(2 * size_t{cap_});
@@ -109,7 +117,8 @@ class InlineVec {
   // Inserts n copies of v before position k.
   void insert(size_t k, size_t n, const T& v) {
     open(k, n);
-    for (size_t q = 0; q < n; ++q) data()[k + q] = v;
+    T* d = data() + k;
+    for (size_t q = 0; q < n; ++q) d[q] = v;
   }
   // Removes the elements [k, k + n).
   void erase(size_t k, size_t n) {
