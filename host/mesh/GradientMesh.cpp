@@ -462,14 +462,13 @@ SegmentRef GradientMesh::reversed(SegmentRef s) const {
   return SegmentRef{e, dirOpposite(s.dir)};
 }
 VertexId GradientMesh::segmentEnd(SegmentRef s) const {
-  Impl::Span sp;
-  if (!impl_->span(s, &sp)) return kNoVertex;
-  return impl_->anchorId(sp, sp.fwd ? sp.a1 : sp.a0);
+  const Impl::Span* sp = impl_->spanOf(s);
+  if (!sp) return kNoVertex;
+  return impl_->anchorId(*sp, sp->fwd ? sp->a1 : sp->a0);
 }
 int GradientMesh::knotCount(SegmentRef s) const {
-  Impl::Span sp;
-  if (!impl_->span(s, &sp)) return -1;
-  return sp.a1 - sp.a0 - 1;
+  const Impl::Span* sp = impl_->spanOf(s);
+  return sp ? sp->a1 - sp->a0 - 1 : -1;
 }
 std::vector<AIRealPoint> GradientMesh::segmentPoints(SegmentRef s) const {
   Impl::Span sp;
@@ -480,8 +479,9 @@ std::vector<AIRealPoint> GradientMesh::segmentPoints(SegmentRef s) const {
   return out;
 }
 bool GradientMesh::getSegmentPoints(SegmentRef s, int start, int count, AIRealPoint* out) const {
-  Impl::Span sp;
-  if (!impl_->span(s, &sp)) return false;
+  const Impl::Span* found = impl_->spanOf(s);
+  if (!found) return false;
+  const Impl::Span& sp = *found;
   const int n = 3 * (sp.a1 - sp.a0) + 1;
   if (start < 0 || count < 0 || start + count > n) return false;
   const P* d = impl_->runOf(sp).pts.data();
@@ -493,8 +493,9 @@ bool GradientMesh::getSegmentPoints(SegmentRef s, int start, int count, AIRealPo
   return true;
 }
 bool GradientMesh::setSegmentPoints(SegmentRef s, int start, int count, const AIRealPoint* pts) {
-  Impl::Span sp;
-  if (!impl_->span(s, &sp)) return false;
+  const Impl::Span* found = impl_->spanOf(s);  // (writing points changes no span)
+  if (!found) return false;
+  const Impl::Span& sp = *found;
   const int n = 3 * (sp.a1 - sp.a0) + 1;
   if (start < 0 || count < 0 || start + count > n) return false;
   if (count == 0) return true;

@@ -232,13 +232,19 @@ struct GradientMesh::Impl {
   Run& runOf(const Span& sp) { return cells[sp.cs][sp.rs].run[sp.axis]; }
   const Run& runOf(const Span& sp) const { return cells[sp.cs][sp.rs].run[sp.axis]; }
   bool span(SegmentRef s, Span* out) const {
+    const Span* sp = spanOf(s);
+    if (sp) *out = *sp;
+    return sp != nullptr;
+  }
+  // The same without a copy: the span stays valid until the next query or
+  // edit. Null for a segment that does not exist.
+  const Span* spanOf(SegmentRef s) const {
     if (memo.structure != structure || memo.seg.start != s.start || memo.seg.dir != s.dir) {
       memo.ok = computeSpan(s, &memo.span);
       memo.seg = s;
       memo.structure = structure;
     }
-    if (memo.ok) *out = memo.span;
-    return memo.ok;
+    return memo.ok ? &memo.span : nullptr;
   }
   bool computeSpan(SegmentRef s, Span* out) const;
   // The vertex at anchor a of the span's run.
