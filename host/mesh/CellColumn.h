@@ -7,8 +7,8 @@
 // Here a column is one block of the size it was made with, followed by
 // fixed-size chunks for the cells appended later: appending never moves a
 // cell. A short column grows its first block instead (by realloc, in one
-// copy, up to half a chunk's size), so small meshes keep one small block
-// per column. Copying a column gathers it into one block again.
+// copy, up to a chunk's size), so small meshes keep one small block per
+// column. Copying a column gathers it into one block again.
 //
 // realloc moves elements by copying their bytes, which is valid only for
 // elements that hold no pointer to themselves and are not registered
@@ -83,11 +83,10 @@ class CellColumn {
   // Raw storage for cell size_.
   T* slotForAppend() {
     if (size_ < headCap_) return head_ + size_;
-    if (chunks_.empty() && headCap_ < kChunk / 2) {
-      // Four times at a step, up to half a chunk: a column grown line by
-      // line from two cells is copied twice (2 and 8 cells), and chunks take
-      // over before a copy would cost as much as a chunk holds.
-      reserve(headCap_ ? std::min(4 * headCap_, kChunk / 2) : 4);
+    if (chunks_.empty() && headCap_ < kChunk) {
+      // Four times at a step (up to one chunk's size): a column grown line
+      // by line from two cells is copied three times instead of five.
+      reserve(headCap_ ? std::min(4 * headCap_, kChunk) : 4);
       return head_ + size_;
     }
     if ((size_ - headCap_) % kChunk == 0) {
