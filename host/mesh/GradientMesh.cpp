@@ -296,18 +296,36 @@ bool GradientMesh::setSmoothAt(VertexId v, int index, bool on) {
 }
 
 AIColor GradientMesh::color(VertexId v) const {
-  const Where l = impl_->loc(v);
-  if (!l) return AIColor{};
-  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.color;
-  const AIRealPoint q = uv(v);
-  return evalColor(q.h, q.v);
+  AIColor c{};
+  colorOf(v, &c);
+  return c;
 }
 double GradientMesh::opacity(VertexId v) const {
+  double o = 0;
+  opacityOf(v, &o);
+  return o;
+}
+bool GradientMesh::colorOf(VertexId v, AIColor* out) const {
   const Where l = impl_->loc(v);
-  if (!l) return 0;
-  if (l.kind == kNodeLoc) return impl_->cellOf(l).node.opacity;
-  const AIRealPoint q = uv(v);
-  return evalOpacity(q.h, q.v);
+  if (!l) return false;
+  if (l.kind == kNodeLoc) {
+    *out = impl_->cellOf(l).node.color;
+  } else {
+    const AIRealPoint q = uv(v);
+    *out = evalColor(q.h, q.v);
+  }
+  return true;
+}
+bool GradientMesh::opacityOf(VertexId v, double* out) const {
+  const Where l = impl_->loc(v);
+  if (!l) return false;
+  if (l.kind == kNodeLoc) {
+    *out = impl_->cellOf(l).node.opacity;
+  } else {
+    const AIRealPoint q = uv(v);
+    *out = evalOpacity(q.h, q.v);
+  }
+  return true;
 }
 bool GradientMesh::setColor(VertexId v, const AIColor& c) {
   const Where l = impl_->loc(v);

@@ -174,6 +174,9 @@ class GradientMesh {
   // A node's own colour/opacity; a non-node vertex reports the surface's.
   AIColor color(VertexId v) const;
   double opacity(VertexId v) const;
+  // The same, false (and *out untouched) for a gone vertex.
+  bool colorOf(VertexId v, AIColor* out) const;
+  bool opacityOf(VertexId v, double* out) const;
   bool setColor(VertexId v, const AIColor& c);  // false for non-node vertices
   bool setOpacity(VertexId v, double o);        // false for non-node vertices
   AIRealPoint uv(VertexId v) const;

@@ -458,25 +458,23 @@ AIErr VSetSmooth(AIMeshVertexIterator v, int32_t index, AIBoolean smooth) {
   return v->m.mesh->setSmoothAt(v->id, index, smooth != 0) ? kNoErr : failure(v);
 }
 AIErr VGetColor(AIMeshVertexIterator v, AIColor* c) {
-  if (AIErr err = checkIter(v)) return err;
-  if (!c) return kBadParameterErr;
-  *c = v->m.mesh->color(v->id);
-  return kNoErr;
+  if (AIErr err = checkMesh(v)) return err;
+  if (!c) return failure(v);
+  return v->m.mesh->colorOf(v->id, c) ? kNoErr : kIterAtEndErr;
 }
 AIErr VSetColor(AIMeshVertexIterator v, const AIColor* c) {
-  if (AIErr err = checkIter(v)) return err;
-  if (!c) return kBadParameterErr;
-  return v->m.mesh->setColor(v->id, *c) ? kNoErr : kBadParameterErr;
+  if (AIErr err = checkMesh(v)) return err;
+  if (!c) return failure(v);
+  return v->m.mesh->setColor(v->id, *c) ? kNoErr : failure(v);
 }
 AIErr VGetOpacity(AIMeshVertexIterator v, AIReal* o) {
-  if (AIErr err = checkIter(v)) return err;
-  if (!o) return kBadParameterErr;
-  *o = v->m.mesh->opacity(v->id);
-  return kNoErr;
+  if (AIErr err = checkMesh(v)) return err;
+  if (!o) return failure(v);
+  return v->m.mesh->opacityOf(v->id, o) ? kNoErr : kIterAtEndErr;
 }
 AIErr VSetOpacity(AIMeshVertexIterator v, AIReal o) {
-  if (AIErr err = checkIter(v)) return err;
-  return v->m.mesh->setOpacity(v->id, o) ? kNoErr : kBadParameterErr;
+  if (AIErr err = checkMesh(v)) return err;
+  return v->m.mesh->setOpacity(v->id, o) ? kNoErr : failure(v);
 }
 AIErr VGetUV(AIMeshVertexIterator v, AIRealPoint* uv) {
   if (AIErr err = checkIter(v)) return err;
