@@ -189,10 +189,8 @@ void GradientMesh::Impl::init(int i, int j) {
   for (int k = 0; k <= J; ++k) v[k] = static_cast<double>(k) / J;
   u[I] = 1, v[J] = 1;
   locs.reserve(static_cast<size_t>((I + 1) * (J + 1)));
-  // Ids go column by column, the order cells lie in: a walk down the
-  // columns (a copy) then reads the location table in order too.
-  for (int a = 0; a <= I; ++a)
-    for (int b = 0; b <= J; ++b) {
+  for (int b = 0; b <= J; ++b)
+    for (int a = 0; a <= I; ++a) {
       Node& n = nodeAt(a, b);
       n.p = {static_cast<double>(a) / I, static_cast<double>(b) / J};
       n.color = whiteColor();
