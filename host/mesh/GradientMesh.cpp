@@ -148,18 +148,14 @@ size_t GradientMesh::vertexCount() const {
 VertexId GradientMesh::node(int i, int j) const {
   const Impl& m = *impl_;
   if (i < 0 || j < 0 || i > m.I || j > m.J) return kNoVertex;
-  // Walks that turn a grid (rotations, mirrored copies) and line lengths
-  // along I ask for the nodes of one row, column after column; the cells of
-  // neighbouring columns lie far apart, so the next one of such a walk is
-  // fetched ahead: its node and both runs. Walks down a column need no help.
-  if (j == m.lastNodeJ && (i == m.lastNodeI + 1 || i == m.lastNodeI - 1)) {
-    const int n = 2 * i - m.lastNodeI;
+  // Walks that turn a grid (rotations, mirrored copies) ask for the nodes of
+  // one row, column after column; the cells of neighbouring columns lie far
+  // apart, so they are fetched ahead: the node and both runs of each.
+  for (const int n : {i - 1, i + 1})
     if (n >= 0 && n <= m.I) {
       const char* c = reinterpret_cast<const char*>(&m.cellAt(n, j));
       for (size_t off = 0; off < sizeof(Cell); off += 64) __builtin_prefetch(c + off);
     }
-  }
-  m.lastNodeI = i, m.lastNodeJ = j;
   return m.nodeAt(i, j).id;
 }
 bool GradientMesh::alive(VertexId v) const { return static_cast<bool>(impl_->loc(v)); }

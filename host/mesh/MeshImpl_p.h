@@ -149,8 +149,6 @@ struct GradientMesh::Impl {
   mutable std::vector<double> val, du, dv;
 
   mutable EditScratch scratch;
-  // The node asked for last, to tell a walk along a row (see node()).
-  mutable int lastNodeI = -2, lastNodeJ = -2;
 
   // ---- addressing ----
   Cell& cellAt(int i, int j) { return cells[col[i]][row[j]]; }
