@@ -301,27 +301,22 @@ double GradientMesh::opacity(VertexId v) const {
   opacityOf(v, &o);
   return o;
 }
-bool GradientMesh::colorOf(VertexId v, AIColor* out) const {
-  const Where l = impl_->loc(v);
+namespace {
+// A node's own paint field, or the surface's value (eval at its uv) at a
+// non-node vertex; false for a gone vertex.
+template <class T, class Eval>
+bool paintOf(const GradientMesh& m, const GradientMesh::Impl& impl, VertexId v, T Node::*field, Eval eval, T* out) {
+  const Where l = impl.loc(v);
   if (!l) return false;
-  if (l.kind == kNodeLoc) {
-    *out = impl_->cellOf(l).node.color;
-  } else {
-    const AIRealPoint q = uv(v);
-    *out = evalColor(q.h, q.v);
-  }
+  *out = l.kind == kNodeLoc ? impl.cellOf(l).node.*field : eval(m.uv(v));
   return true;
 }
+}  // namespace
+bool GradientMesh::colorOf(VertexId v, AIColor* out) const {
+  return paintOf(*this, *impl_, v, &Node::color, [&](AIRealPoint q) { return evalColor(q.h, q.v); }, out);
+}
 bool GradientMesh::opacityOf(VertexId v, double* out) const {
-  const Where l = impl_->loc(v);
-  if (!l) return false;
-  if (l.kind == kNodeLoc) {
-    *out = impl_->cellOf(l).node.opacity;
-  } else {
-    const AIRealPoint q = uv(v);
-    *out = evalOpacity(q.h, q.v);
-  }
-  return true;
+  return paintOf(*this, *impl_, v, &Node::opacity, [&](AIRealPoint q) { return evalOpacity(q.h, q.v); }, out);
 }
 bool GradientMesh::setColor(VertexId v, const AIColor& c) {
   const Where l = impl_->loc(v);

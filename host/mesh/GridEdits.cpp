@@ -40,6 +40,7 @@ void splitRun(Run& r, double f, bool startSel, bool endSel, Run& right, SplitPoi
     out.selected = startSel && endSel;
     out.smooth[0] = out.smooth[1] = true;
     right.pts.assign(R, R + 4);
+    right.joints.clear();
     std::copy(L, L + 4, r.pts.begin());
     return;
   }
