@@ -128,6 +128,10 @@ class InlineVec {
     size_ -= static_cast<uint32_t>(n);
   }
 
+  // True while some vector of this type holds a heap block: until then
+  // dropping one without its destructor leaks nothing.
+  static bool anyOnHeap() { return heapBlocks_ != 0; }
+
   friend bool operator==(const InlineVec& a, const InlineVec& b) {
     if (a.size_ != b.size_) return false;
     for (size_t k = 0; k < a.size_; ++k)
@@ -140,6 +144,7 @@ class InlineVec {
   void grow(size_t want) {
     const size_t cap = want < 2 * size_t{cap_} ? 2 * size_t{cap_} : want;
     T* fresh = static_cast<T*>(::operator new(cap * sizeof(T)));
+    ++heapBlocks_;
     if (size_) std::memcpy(fresh, data(), size_ * sizeof(T));
     release();
     heap_ = fresh;
@@ -154,7 +159,10 @@ class InlineVec {
     size_ += static_cast<uint32_t>(n);
   }
   void release() {
-    if (onHeap()) ::operator delete(heap_);
+    if (onHeap()) {
+      ::operator delete(heap_);
+      --heapBlocks_;
+    }
     cap_ = N;
   }
   void take(InlineVec& o) {
@@ -168,6 +176,8 @@ class InlineVec {
     o.cap_ = N;
   }
 
+  // Heap blocks held by all vectors of this type (the host runs on one thread).
+  static inline size_t heapBlocks_ = 0;
   uint32_t size_ = 0;
   uint32_t cap_ = N;
   union {

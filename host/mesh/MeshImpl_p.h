@@ -56,6 +56,14 @@ struct Cell {
   Run run[2];
 };
 
+// A cell's only resources are its runs' heap blocks: while no run anywhere
+// holds one (runs of up to two pieces never do), a column drops its cells
+// without walking them.
+template <>
+inline bool droppableWithoutDestructor<Cell>() {
+  return !decltype(Run::pts)::anyOnHeap() && !decltype(Run::joints)::anyOnHeap();
+}
+
 enum : int8_t { kDead = 0, kNodeLoc = 1, kInnerLoc = 2 };
 
 // Where a vertex lives, in slot coordinates: a node, or anchor a of the run
