@@ -145,7 +145,9 @@ IterPool<T>& poolOf() {
   ++liveCounters().vertexIterators;
   return it;
 }
-AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) { return newVertex(m.mesh, m.life, id); }
+[[gnu::always_inline]] inline AIMeshVertexIterator newVertex(const MeshRef& m, VertexId id) {
+  return newVertex(m.mesh, m.life, id);
+}
 // A mesh taken from its art: no reference of its own to copy.
 AIMeshVertexIterator newVertex(GradientMesh* mesh, VertexId id) { return newVertex(mesh, mesh->lifeToken(), id); }
 AIMeshSegmentIterator newSegment(const MeshRef& m, SegmentRef s) {
