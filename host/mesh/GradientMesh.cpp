@@ -216,8 +216,8 @@ constexpr auto kDirOfIndex = [] {
   return t;
 }();
 // The direction of segment `index` at a located vertex, or -1.
-int dirAt(const GradientMesh::Impl& m, const Where& l, int index) {
-  return index >= 0 && index <= 3 ? kDirOfIndex[m.maskOf(l) & 15u][static_cast<size_t>(index)] : -1;
+int dirAt(const Where& l, int index) {
+  return index >= 0 && index <= 3 ? kDirOfIndex[l.dirs & 15u][static_cast<size_t>(index)] : -1;
 }
 }  // namespace
 
@@ -232,7 +232,7 @@ int GradientMesh::segmentIndex(VertexId v, int dir) const {
   return directionCount(mask & ((1u << dir) - 1u));
 }
 
-int GradientMesh::segmentDir(VertexId v, int index) const { return dirAt(*impl_, impl_->loc(v), index); }
+int GradientMesh::segmentDir(VertexId v, int index) const { return dirAt(impl_->loc(v), index); }
 
 AIRealPoint GradientMesh::point(VertexId v) const {
   const Where l = impl_->loc(v);
@@ -281,12 +281,12 @@ void GradientMesh::setSmooth(VertexId v, int dir, bool on) {
 
 int GradientMesh::smoothAt(VertexId v, int index) const {
   const Where l = impl_->loc(v);
-  const bool* f = impl_->smoothFlag(l, dirAt(*impl_, l, index));
+  const bool* f = impl_->smoothFlag(l, dirAt(l, index));
   return f ? *f : -1;
 }
 bool GradientMesh::setSmoothAt(VertexId v, int index, bool on) {
   const Where l = impl_->loc(v);
-  bool* f = impl_->smoothFlag(l, dirAt(*impl_, l, index));
+  bool* f = impl_->smoothFlag(l, dirAt(l, index));
   if (f) *f = on;
   return f != nullptr;
 }

@@ -277,27 +277,26 @@ int GradientMesh::Impl::insertLine(int axis, double at) {
     SplitPoint sp;
     splitRun(old.run[axis], f, old.node.selected, cellOnAxis(axis, k + 1, b).node.selected, mid.run[axis], sp);
     d.id = sp.reuse != kNoVertex ? sp.reuse : newId(Loc{});
-    // The new line lies inside the grid: the node has both directions
-    // across it, and those along it that its place on the line allows.
-    const unsigned along = (b > 0 ? 1u << (1 - axis) : 0u) | (b < m ? 1u << (3 - axis) : 0u);
-    locs[d.id] = Loc::node(cs, rs, (1u << axis) | (1u << (axis + 2)) | along);
+    // Its directions are those of its place in the grid with the new line.
+    const unsigned dirs = axis == 0 ? nodeDirs(k + 1, b, n + 1, m) : nodeDirs(b, k + 1, m, n + 1);
+    locs[d.id] = Loc::node(cs, rs, dirs);
     d.p = sp.point;
     d.selected = sp.selected;
     d.smooth[back] = sp.smooth[0];
     d.smooth[fwd] = sp.smooth[1];
     reindexRunAt(axis, cs, rs);
     if (b > 0) {
-      const auto [ps, qs] = slotsOf(b - 1);
-      Run& iso = cells[ps][qs].run[cross];
+      const auto [cs1, rs1] = slotsOf(b - 1);
+      Run& iso = cells[cs1][rs1].run[cross];
       isoCurve(*this, axis, k, b - 1, f, crossPrev, crossAt, iso);
       iso.pts.front() = pointPrev;
       iso.pts.back() = sp.point;
       // Node b - 1, when inner, is smooth across the new line where its
       // two new runs meet in a straight line.
       if (b >= 2) {
-        const auto [rs0, rs1] = slotsOf(b - 2);
-        Node& prev = cells[ps][qs].node;
-        const bool sm = collinear(cells[rs0][rs1].run[cross].pts.end()[-2], prev.p, iso.pts[1]);
+        const auto [cs2, rs2] = slotsOf(b - 2);
+        Node& prev = cells[cs1][rs1].node;
+        const bool sm = collinear(cells[cs2][rs2].run[cross].pts.end()[-2], prev.p, iso.pts[1]);
         prev.smooth[cback] = prev.smooth[cfwd] = sm;
       }
     }

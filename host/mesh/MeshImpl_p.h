@@ -206,8 +206,7 @@ struct GradientMesh::Impl {
 
   // Bit d set when vertex v has a segment in direction d: a node has those
   // that stay inside the grid, a non-node vertex the two along its run.
-  unsigned segmentMask(VertexId v) const { return maskOf(loc(v)); }
-  unsigned maskOf(const Where& l) const { return l.dirs; }
+  unsigned segmentMask(VertexId v) const { return loc(v).dirs; }
 
   // Calls f on every interior anchor of every run, in walk order of runs.
   template <class F>

@@ -70,9 +70,8 @@ struct _AIMeshSelection {
       m.mesh->setSelected(v, on);
       // Selecting a vertex the user sees selects the mesh art too (its
       // attribute bit only: the rest of the vertex selection is kept).
-      if (on && art && art->mesh.get() == m.mesh &&
-          (!lb::host::Host::currentDocument() || lb::host::Host::currentDocument()->contains(art)))
-        art->userAttr |= kArtSelected;
+      const lb::host::Document* doc = lb::host::Host::currentDocument();
+      if (on && art && art->mesh.get() == m.mesh && (!doc || doc->contains(art))) art->userAttr |= kArtSelected;
       return;
     }
     if (v >= flags.size()) flags.resize(static_cast<size_t>(v) + 1, 0);
