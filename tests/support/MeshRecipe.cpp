@@ -143,7 +143,7 @@ json MeshJson(const MeshRecipe& m) {
             run["points"] = {Pt(a), Pt(m01), Pt(m012), Pt(Mid(m012, m123)), Pt(m123), Pt(m23), Pt(b)};
             json v = {{"kind", "vertex"}, {"smooth", {false, false}}};
             if (flags) v["selected"] = in->second;
-            run["inner"] = {v};
+            run["inner"] = json::array({v});
           }
         }
         for (const json& given : m.runs)

@@ -44,8 +44,10 @@ void ExpectAnyGridMesh(const json& art, int a, int b, const std::vector<GridPath
         const bool alongI = axis[0] == 'I';
         if ((alongI && i == I) || (!alongI && j == J)) continue;
         const auto [ni, nj] = alongI ? grid(i + 1, j) : grid(i, j + 1);
+        const bool horizontal = nj == gj;
+        const int lowI = std::min(gi, ni), lowJ = std::min(gj, nj);
         const auto g = std::find_if(paths.begin(), paths.end(), [&](const GridPath& p) {
-          return p.horizontal == (nj == gj) && p.i == std::min(gi, ni) && p.j == std::min(gj, nj);
+          return p.horizontal == horizontal && p.i == lowI && p.j == lowJ;
         });
         ASSERT_NE(g, paths.end());
         // The path's points from its lower-left end; the run may go the other way.

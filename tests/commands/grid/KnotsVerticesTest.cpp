@@ -6,8 +6,6 @@
 namespace knots {
 namespace {
 
-constexpr double kTol = 1e-9;
-
 // A 2 x 1 mesh: the bottom run from (0, 0) has two knots, the one from
 // (1, 0) a knot and an unselected vertex, the left side a knot.
 MeshDoc TwoCells() {

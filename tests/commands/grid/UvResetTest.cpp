@@ -94,8 +94,8 @@ TEST(SmartReset, CellSharesAveragedOverTheCrossingLines) {
 TEST(SmartReset, MeasuresRunsThroughKnotsAndVertices) {
   json mesh = RowsMesh({0, 50, 100}, {0, 50, 100});
   const std::vector<std::pair<double, double>> zigzag = {{0, 0}, {20, 40}, {35, -20}, {50, 0}};
-  mesh["runs"] = {PolylineRun(0, 0, "I", zigzag,
-                              {{{"kind", "knot"}}, {{"kind", "vertex"}, {"selected", false}, {"smooth", {false, false}}}})};
+  const json inner = {{{"kind", "knot"}}, {{"kind", "vertex"}, {"selected", false}, {"smooth", {false, false}}}};
+  mesh["runs"] = json::array({PolylineRun(0, 0, "I", zigzag, inner)});
   const double detour = std::hypot(20, 40) + std::hypot(15, 60) + std::hypot(15, 20);
   const double share0 = (detour / (detour + 50) + 0.5) / 2;
 
