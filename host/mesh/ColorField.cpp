@@ -92,20 +92,27 @@ void GradientMesh::Impl::buildColor() const {
   dirty = false;
 }
 
-double GradientMesh::Impl::fieldAt(int i, int j, double s, double t, int c) const {
+void GradientMesh::Impl::fieldAt(int i, int j, double s, double t, int first, int count, double* out) const {
   const int C = nc + 1;
-  const size_t n00 = static_cast<size_t>(i + j * (I + 1)) * C + c;
-  const size_t n10 = n00 + C, n01 = n00 + static_cast<size_t>(I + 1) * C, n11 = n01 + C;
+  const size_t row = static_cast<size_t>(I + 1) * C;
+  const size_t base = static_cast<size_t>(i + j * (I + 1)) * C;
   const double hu = u[i + 1] - u[i], hv = v[j + 1] - v[j];
   const double h0s = H0(s), h1s = H1(s), g0s = G0(s), g1s = G1(s);
   const double h0t = H0(t), h1t = H1(t), g0t = G0(t), g1t = G1(t);
-  const double f00 = val[n00], f10 = val[n10], f01 = val[n01], f11 = val[n11];
-  const double f = h0s * h0t * f00 + h1s * h0t * f10 + h0s * h1t * f01 + h1s * h1t * f11 +
-                   hu * (g0s * h0t * du[n00] + g1s * h0t * du[n10] + g0s * h1t * du[n01] + g1s * h1t * du[n11]) +
-                   hv * (h0s * g0t * dv[n00] + h1s * g0t * dv[n10] + h0s * g1t * dv[n01] + h1s * g1t * dv[n11]);
-  const double lo = std::min(std::min(f00, f10), std::min(f01, f11));
-  const double hi = std::max(std::max(f00, f10), std::max(f01, f11));
-  return std::clamp(f, lo, hi);
+  // The basis products are the same for every component: worked out once.
+  const double w00 = h0s * h0t, w10 = h1s * h0t, w01 = h0s * h1t, w11 = h1s * h1t;
+  const double a00 = g0s * h0t, a10 = g1s * h0t, a01 = g0s * h1t, a11 = g1s * h1t;
+  const double b00 = h0s * g0t, b10 = h1s * g0t, b01 = h0s * g1t, b11 = h1s * g1t;
+  for (int k = 0; k < count; ++k) {
+    const size_t n00 = base + static_cast<size_t>(first + k), n10 = n00 + C, n01 = n00 + row, n11 = n01 + C;
+    const double f00 = val[n00], f10 = val[n10], f01 = val[n01], f11 = val[n11];
+    const double f = w00 * f00 + w10 * f10 + w01 * f01 + w11 * f11 +
+                     hu * (a00 * du[n00] + a10 * du[n10] + a01 * du[n01] + a11 * du[n11]) +
+                     hv * (b00 * dv[n00] + b10 * dv[n10] + b01 * dv[n01] + b11 * dv[n11]);
+    const double lo = std::min(std::min(f00, f10), std::min(f01, f11));
+    const double hi = std::max(std::max(f00, f10), std::max(f01, f11));
+    out[k] = std::clamp(f, lo, hi);
+  }
 }
 
 AIColor GradientMesh::Impl::colorAt(int i, int j, double s, double t) const {
@@ -116,13 +123,15 @@ AIColor GradientMesh::Impl::colorAt(int i, int j, double s, double t) const {
     return c;
   }
   double comps[4];
-  for (int c = 0; c < nc; ++c) comps[c] = fieldAt(i, j, s, t, c);
+  fieldAt(i, j, s, t, 0, nc, comps);
   return colorFromComponents(kind, comps);
 }
 
 double GradientMesh::Impl::opacityAt(int i, int j, double s, double t) const {
   buildColor();
-  return fieldAt(i, j, s, t, nc);
+  double opacity = 0;
+  fieldAt(i, j, s, t, nc, 1, &opacity);
+  return opacity;
 }
 
 void GradientMesh::Impl::edgePaint(int axis, int k, int b, double f, AIColor* color, double* opacity) const {

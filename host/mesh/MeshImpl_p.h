@@ -297,7 +297,9 @@ struct GradientMesh::Impl {
 
   // ---- colour field (ColorField.cpp) ----
   void buildColor() const;
-  double fieldAt(int i, int j, double s, double t, int c) const;
+  // Components first .. first + count - 1 of the field (the opacity is
+  // component nc) at (s, t) in cell (i, j).
+  void fieldAt(int i, int j, double s, double t, int first, int count, double* out) const;
   AIColor colorAt(int i, int j, double s, double t) const;
   double opacityAt(int i, int j, double s, double t) const;
   // Colour and opacity of the surface on cross line b at fraction f of the
