@@ -15,11 +15,16 @@ all: build
 deps:
 	@bash scripts/install-deps.sh
 
+# The main build uses clang: its code runs the mesh commands 10-30% faster
+# than gcc 12's (docs/performance.md). The sanitizer build below uses gcc,
+# so every change is compiled by both.
 $(BUILD)/build.ninja:
-	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS)
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
+	  -DCMAKE_CXX_COMPILER=clang++ $(CMAKE_FLAGS)
 
 $(BUILD_ASAN)/build.ninja:
-	cmake -S . -B $(BUILD_ASAN) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DLB_SANITIZE=ON -DLB_BENCH=OFF $(CMAKE_FLAGS)
+	cmake -S . -B $(BUILD_ASAN) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=gcc -DCMAKE_CXX_COMPILER=g++ \
+	  -DLB_SANITIZE=ON -DLB_BENCH=OFF $(CMAKE_FLAGS)
 
 build: deps $(BUILD)/build.ninja
 	cmake --build $(BUILD) -j $(JOBS)

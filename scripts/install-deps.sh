@@ -4,7 +4,7 @@ set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config nlohmann-json3-dev libcairo2-dev libpng-dev libcli11-dev
       libpugixml-dev libgtest-dev libgmock-dev libbenchmark-dev
       libgtk-4-dev xvfb xauth xdotool libx11-dev  # the editor window and its tests
-      clang libclang-rt-14-dev)  # clang and its libFuzzer runtime for `make fuzz`
+      clang libclang-rt-14-dev)  # clang builds the main build; its libFuzzer runtime serves `make fuzz`
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
