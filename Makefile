@@ -15,7 +15,7 @@ all: build
 deps:
 	@bash scripts/install-deps.sh
 
-# The main build uses clang: its code runs the mesh commands 10-30% faster
+# The main build uses clang: its code runs the mesh commands 5-30% faster
 # than gcc 12's (docs/performance.md). The sanitizer build below uses gcc,
 # so every change is compiled by both.
 $(BUILD)/build.ninja:
