@@ -33,16 +33,20 @@ inline bool levelLength(const AIRealBezier& b, double flatness, int depth, doubl
   *len = 0.5 * (poly + chord);
   return poly - chord < std::max(flatness, 1e-7 * poly) || depth >= 20;
 }
+double lengthRec(const AIRealBezier& b, double flatness, int depth);
+// The length of b at `depth` as the sum of its halves' at the next level.
+double halvesLength(const AIRealBezier& b, double flatness, int depth) {
+  AIRealBezier l, r;
+  divide(b, 0.5, &l, &r);
+  return lengthRec(l, flatness, depth + 1) + lengthRec(r, flatness, depth + 1);
+}
 // Halves the curve until its control polygon is within the flatness of its
 // chord. The tolerance is also relative to the curve's size, so huge
 // coordinates do not force a full-depth subdivision, and non-finite input
 // returns at once: the work is bounded on every input.
 double lengthRec(const AIRealBezier& b, double flatness, int depth) {
   double len = 0;
-  if (levelLength(b, flatness, depth, &len)) return len;
-  AIRealBezier l, r;
-  divide(b, 0.5, &l, &r);
-  return lengthRec(l, flatness, depth + 1) + lengthRec(r, flatness, depth + 1);
+  return levelLength(b, flatness, depth, &len) ? len : halvesLength(b, flatness, depth);
 }
 
 // Parameters in (0, 1) where one coordinate of the cubic has a zero
@@ -106,12 +110,9 @@ void divide(const AIRealBezier& b, double t, AIRealBezier* left, AIRealBezier* r
 double length(const AIRealBezier& b, double flatness) {
   if (!(flatness > 0)) flatness = 1e-6 * polygonLength(b);
   if (!(flatness > 0)) return 0;  // all four points coincide
-  // The first level here: most pieces are flat enough at once.
+  // The first level here, without a call: most pieces are flat enough at once.
   double len = 0;
-  if (levelLength(b, flatness, 0, &len)) return len;
-  AIRealBezier l, r;
-  divide(b, 0.5, &l, &r);
-  return lengthRec(l, flatness, 1) + lengthRec(r, flatness, 1);
+  return levelLength(b, flatness, 0, &len) ? len : halvesLength(b, flatness, 0);
 }
 
 AIRealRect bounds(const AIRealBezier& b) {

@@ -407,7 +407,8 @@ size_t GradientMesh::selectedCount() const {
   return n;
 }
 bool GradientMesh::isSelectionEmpty() const {
-  if (impl_->noneSelected || impl_->allSelected) return impl_->noneSelected;
+  if (impl_->noneSelected) return true;
+  if (impl_->allSelected) return false;  // a mesh always has vertices
   return selectedCount() == 0;
 }
 bool GradientMesh::isSelectionFull() const { return impl_->allSelected || selectedCount() == vertexCount(); }
@@ -419,10 +420,7 @@ std::vector<VertexId> GradientMesh::vertices() const {
 
 // ---- segments --------------------------------------------------------------
 
-bool GradientMesh::segmentValid(SegmentRef s) const {
-  Impl::Span sp;
-  return impl_->span(s, &sp);
-}
+bool GradientMesh::segmentValid(SegmentRef s) const { return impl_->spanOf(s) != nullptr; }
 
 SegmentRef GradientMesh::firstSegment() const { return SegmentRef{impl_->nodeAt(0, 0).id, kDirIFwd}; }
 
